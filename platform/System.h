@@ -1,0 +1,58 @@
+// The operating system's services: registry, clock, version.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/Types.h"
+
+namespace orvo {
+
+/// Read access to a registry. Results are the system's codes, 0 for success; texts are UTF-8.
+class IRegistry {
+  public:
+    static constexpr Long kCurrentUser = static_cast<Long>(0x80000001U);
+    static constexpr Long kTypeString = 1;
+    static constexpr Long kTypeBinary = 3;
+
+    virtual ~IRegistry() = default;
+    /// Opens a sub-key; on failure `handle` stays as it is.
+    virtual Long RegOpenKey(Long hKey, const std::string& path, Long& handle) = 0;
+    /// Reads a value. Without `data` only its type and size in bytes are reported; with it, up to `size`
+    /// bytes are stored and `size` becomes the number stored.
+    virtual Long RegQueryValueEx(Long hKey, const std::string& name, Long& type, char* data, Long& size) = 0;
+    virtual Long RegCloseKey(Long handle) = 0;
+};
+
+/// A local date and time.
+struct LocalTime {
+    int year = 0;
+    int month = 0;  ///< 1 to 12
+    int day = 0;    ///< 1 to 31
+    int hour = 0;   ///< 0 to 23
+    int minute = 0;
+    int second = 0;
+};
+
+class IClock {
+  public:
+    virtual ~IClock() = default;
+    virtual std::int64_t Seconds() = 0;  ///< since an epoch of the clock's own
+    virtual LocalTime Local(std::int64_t seconds) = 0;
+};
+
+struct OSVersion {
+    Long major = 0;
+    Long minor = 0;
+    Long build = 0;
+    Long platformId = 0;  ///< 0, 1 and 2 are the Windows families; 4 is Linux
+    std::string servicePack;
+};
+
+class IOperatingSystem {
+  public:
+    virtual ~IOperatingSystem() = default;
+    virtual OSVersion GetVersion() = 0;
+};
+
+}  // namespace orvo

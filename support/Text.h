@@ -1,0 +1,28 @@
+// The runtime's text rules, on UTF-8. Searches and comparisons are binary, so case counts.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/System.h"
+
+namespace orvo {
+
+/// Lower and upper case of ASCII, Latin-1 and Latin Extended-A; every other character stays. "ß" stays.
+std::string LCase(std::string_view text);
+std::string UCase(std::string_view text);
+
+/// The text behind the last occurrence of `mark`; the whole text where it does not occur.
+std::string AfterLast(std::string_view text, char mark);
+
+/// A double in the runtime's standard form: up to 15 significant digits, no thousands separator.
+std::string NumberText(double value, std::string_view decimalSeparator);
+
+/// Whether a text reads as a number in the form [blanks][sign]digits[.digits][E[sign]digits][blanks].
+bool IsNumeric(std::string_view text);
+
+/// "hh:nn:ss" and "hhnnss" on the 24-hour clock.
+std::string ClockText(const LocalTime& time);
+std::string CompactClockText(const LocalTime& time);
+
+}  // namespace orvo
