@@ -10,7 +10,17 @@ namespace orvo {
 namespace {
 
 /// The controls with texts of their own, in the dialog's control order.
-enum ControlIndex : std::size_t { kRow0, kRow1, kRow2, kRow3, kCallStack, kContinue, kChoice0, kChoice1, kChoice2 };
+enum ControlIndex : std::size_t {
+    kRow0,
+    kRow1,
+    kRow2,
+    kRow3,
+    kCallStack,
+    kContinue,
+    kChoice0,
+    kChoice1,
+    kChoice2
+};
 
 Control Localized(const char* kind, const char* caption, const char* tag) {
     return {kind, {{"Caption", caption}, {"Tag", tag}, {"ToolTipText", ""}}};
@@ -41,7 +51,9 @@ std::string ProgramInfo() {
 
 }  // namespace
 
-std::unique_ptr<IErrorDialog> MakeErrorDialog() { return std::make_unique<Ferrow>(); }
+std::unique_ptr<IErrorDialog> MakeErrorDialog() {
+    return std::make_unique<Ferrow>();
+}
 
 Ferrow::Ferrow() : form_(DesignedForm()) {}
 
@@ -70,14 +82,18 @@ Integer Ferrow::OnError(const std::string& AktModul, const std::string& AktProc)
     return intChoice_;
 }
 
-void Ferrow::SetProgInfo(const std::string& Text) { lblProgInfo_ = Text; }
+void Ferrow::SetProgInfo(const std::string& Text) {
+    lblProgInfo_ = Text;
+}
 
 std::string Ferrow::LPSTRToVBString(const std::string& s) {
     const auto end = s.find('\0');
     return end == std::string::npos ? std::string() : s.substr(0, end);
 }
 
-void Ferrow::cmdContinue_Click(Integer index) { intChoice_ = index; }
+void Ferrow::cmdContinue_Click(Integer index) {
+    intChoice_ = index;
+}
 
 FailureView Ferrow::Form_Activate() {
     LoadResStrings(form_);
@@ -87,7 +103,8 @@ FailureView Ferrow::Form_Activate() {
 FailureView Ferrow::View() const {
     FailureView view;
     view.title = form_.self.Get("Caption");
-    for (std::size_t i = 0; i < lblError_.size(); ++i) view.rows.push_back({Caption(kRow0 + i), lblError_[i]});
+    for (std::size_t i = 0; i < lblError_.size(); ++i)
+        view.rows.push_back({Caption(kRow0 + i), lblError_[i]});
     view.programInfo = lblProgInfo_;
     view.callStackCaption = Caption(kCallStack);
     view.callStack = callStack_.Entries();
@@ -96,6 +113,8 @@ FailureView Ferrow::View() const {
     return view;
 }
 
-const std::string& Ferrow::Caption(std::size_t control) const { return form_.controls[control].Get("Caption"); }
+const std::string& Ferrow::Caption(std::size_t control) const {
+    return form_.controls[control].Get("Caption");
+}
 
 }  // namespace orvo

@@ -56,9 +56,13 @@ IErrorDialog& GlobalErrorDialog() {
     return *dialog;
 }
 
-void SetErrorDialog(std::unique_ptr<IErrorDialog> dialog) { DialogSlot() = std::move(dialog); }
+void SetErrorDialog(std::unique_ptr<IErrorDialog> dialog) {
+    DialogSlot() = std::move(dialog);
+}
 
-const Failure& CurrentFailure() { return FailureSlot(); }
+const Failure& CurrentFailure() {
+    return FailureSlot();
+}
 
 void Statements::Enter() const {
     // One scratch text for all entries: the dialog changes it in place, and its memory is used again.

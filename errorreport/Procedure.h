@@ -1,6 +1,8 @@
-// The procedure protocol: entry is recorded, a failing statement is retried, skipped or left as the user says.
+// The procedure protocol: entry is recorded, a failing statement is retried, skipped or left as the user
+// says.
 //
-//     constexpr ProcedureText kSavePath{"[clsTileImage] Public Property Let ...", "clsTileImage", "SavePath [LET]"};
+//     constexpr ProcedureText kSavePath{"[clsTileImage] Public Property Let ...", "clsTileImage", "SavePath
+//     [LET]"};
 //
 //     void clsTileImage::SavePath(const std::string& NewValue) {
 //         Procedure<void>(kSavePath).Run([&](Statements& run) { run([&] { savePath_ = NewValue; }); });

@@ -19,9 +19,15 @@ Whole Checked(std::int64_t value) {
 
 }  // namespace
 
-Long Add(Long a, Long b) { return Checked<Long>(std::int64_t{a} + b); }
-Long Subtract(Long a, Long b) { return Checked<Long>(std::int64_t{a} - b); }
-Long Multiply(Long a, Long b) { return Checked<Long>(std::int64_t{a} * b); }
+Long Add(Long a, Long b) {
+    return Checked<Long>(std::int64_t{a} + b);
+}
+Long Subtract(Long a, Long b) {
+    return Checked<Long>(std::int64_t{a} - b);
+}
+Long Multiply(Long a, Long b) {
+    return Checked<Long>(std::int64_t{a} * b);
+}
 
 Long Mod(Long a, Long b) {
     if (b == 0) throw RuntimeError(Fault::DivisionByZero);
@@ -53,13 +59,17 @@ Long ToLong(double value) {
     return static_cast<Long>(rounded);
 }
 
-Long RoundUp(double value) { return ToLong(value + 0.5); }
+Long RoundUp(double value) {
+    return ToLong(value + 0.5);
+}
 
 Long TilesToCover(Long size, Long tileSize) {
     const double ratio = Divide(size, tileSize);
     return Mod(size, tileSize) > 0 ? RoundUp(ratio) : ToLong(ratio);
 }
 
-Integer AddInteger(Integer a, Integer b) { return Checked<Integer>(std::int64_t{a} + b); }
+Integer AddInteger(Integer a, Integer b) {
+    return Checked<Integer>(std::int64_t{a} + b);
+}
 
 }  // namespace orvo

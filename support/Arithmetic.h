@@ -25,7 +25,8 @@ double RoundHalfEven(double value);
 /// RoundHalfEven as a Long; outside its range "Overflow" (6).
 Long ToLong(double value);
 
-/// ToLong of value + 0.5: a fraction goes up, a whole number stays where it is even and gains 1 where it is odd.
+/// ToLong of value + 0.5: a fraction goes up, a whole number stays where it is even and gains 1 where it is
+/// odd.
 Long RoundUp(double value);
 
 /// How many tiles of `tileSize` cover `size`: rounded up for a remainder above 0, half to even otherwise.

@@ -1,4 +1,5 @@
-// Installation data: replace this file for a deployment. The values here are neutral and use reserved domains.
+// Installation data: replace this file for a deployment. The values here are neutral and use reserved
+// domains.
 #include <array>
 
 #include "support/Strings.h"
@@ -53,6 +54,8 @@ constexpr std::array kRows = std::to_array<StringRow>({
 
 }  // namespace
 
-std::span<const StringRow> ContactRows() { return kRows; }
+std::span<const StringRow> ContactRows() {
+    return kRows;
+}
 
 }  // namespace orvo

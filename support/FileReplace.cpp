@@ -10,7 +10,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string LastError() { return std::generic_category().message(errno); }
+std::string LastError() {
+    return std::generic_category().message(errno);
+}
 
 /// Writes a whole file; the reason where that failed.
 std::string WriteFile(const fs::path& path, std::span<const unsigned char> bytes) {

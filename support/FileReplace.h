@@ -15,8 +15,8 @@ std::filesystem::path PartName(const std::filesystem::path& target);
 /// file is removed and the reason returned; empty on success.
 std::string Commit(const std::filesystem::path& part, const std::filesystem::path& target);
 
-/// Writes bytes under the temporary name, checks write, flush and close, and commits. On failure nothing is left
-/// and the reason is returned; empty on success.
+/// Writes bytes under the temporary name, checks write, flush and close, and commits. On failure nothing is
+/// left and the reason is returned; empty on success.
 std::string ReplaceFile(const std::filesystem::path& target, std::span<const unsigned char> bytes);
 std::string ReplaceFile(const std::filesystem::path& target, std::string_view text);
 

@@ -15,7 +15,9 @@ namespace {
 
 using Lookup = std::string (*)(Integer id);
 
-std::string Continued(Integer id) { return GetResString(id); }
+std::string Continued(Integer id) {
+    return GetResString(id);
+}
 
 /// A property's text as a string id, rounded to a 16-bit whole number.
 Integer StringId(const std::string& text) {

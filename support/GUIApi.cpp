@@ -11,10 +11,12 @@ Variant Min(const std::vector<Variant>& x) {
     return Procedure<Variant>(kMin).Run([&](Statements& run, Variant& result) {
         Long i = 0;
         run([&] { result = 1E+230; });
-        run.For(i, 0, [&] { return static_cast<Long>(x.size()) - 1; }, [&] {
-            const auto argument = [&]() -> const Variant& { return x[static_cast<std::size_t>(i)]; };
-            if (run.Test([&] { return IsLess(argument(), result); })) run([&] { result = argument(); });
-        });
+        run.For(
+            i, 0, [&] { return static_cast<Long>(x.size()) - 1; },
+            [&] {
+                const auto argument = [&]() -> const Variant& { return x[static_cast<std::size_t>(i)]; };
+                if (run.Test([&] { return IsLess(argument(), result); })) run([&] { result = argument(); });
+            });
     });
 }
 

@@ -32,14 +32,19 @@ constexpr std::array kRows = std::to_array<StringRow>({
     {1002, "Bitte erhöhen Sie die Anzahl der Kacheln."},
     {8001, "Es liegt ein Problem vor, mit dem Sie sich an den technischen Support von"},
     {8002, " wenden sollten. Bitte drucken Sie den Fehlerreport und faxen ihn an"},
-    {8003, "oder benutzen Sie die EMail-Funktion. Weitere Hinweise sowie Updates finden Sie im Internet (WWW)."},
+    {8003,
+     "oder benutzen Sie die EMail-Funktion. Weitere Hinweise sowie Updates finden Sie im Internet (WWW)."},
     {8004, "' existiert, überschreiben ?"},
     {8005, "Das Fehlerprotokoll wurde in die Datei '"},
     {8006, "' geschrieben !"},
-    {8007, "Es wird jetzt Ihr Standard-Email-Programm aufgerufen. Die Fehlerbeschreibung sowie das Fehlerprotokoll"},
+    {8007,
+     "Es wird jetzt Ihr Standard-Email-Programm aufgerufen. Die Fehlerbeschreibung sowie das "
+     "Fehlerprotokoll"},
     {8008, "wurden zu Ihrer Bequemlichkeit in die Zwischenablage kopiert."},
-    {8009, "Bitte fügen Sie den Inhalt der Zwischenablage in Ihre Email ein, indem Sie in Ihrem Email-Programm"},
-    {8010, "die Tasten [Strg] und [Einfg] gleichzeitig betätigen. Alternativ können Sie den Inhalt in die EMail"},
+    {8009,
+     "Bitte fügen Sie den Inhalt der Zwischenablage in Ihre Email ein, indem Sie in Ihrem Email-Programm"},
+    {8010,
+     "die Tasten [Strg] und [Einfg] gleichzeitig betätigen. Alternativ können Sie den Inhalt in die EMail"},
     {8011, "einfügen, indem Sie den Befehl 'Einfügen' aus dem Menü 'Bearbeiten' ausführen."},
     {8012, "ACHTUNG! Ein Fehler ist aufgetreten"},
     {8013, "Hinweise:"},
@@ -82,7 +87,8 @@ constexpr std::array kRows = std::to_array<StringRow>({
     {11002, "Please increment the tile count."},
     {18001, "There is a software problem. Please call the technical Support of"},
     {18002, ". Please print out the bug report and fax them to"},
-    {18003, ", or use the EMail function. Further information and updates can be find in the Internet (WWW)."},
+    {18003,
+     ", or use the EMail function. Further information and updates can be find in the Internet (WWW)."},
     {18004, "' exists, overwrite file ?"},
     {18005, "Error protocol was written into '"},
     {18006, "'!"},
@@ -122,7 +128,8 @@ constexpr std::array kRows = std::to_array<StringRow>({
     {20206, "Annuler"},
     {20207, "Taille de l'image (Pixel):"},
     {20208, "Taille du raster (Unités):"},
-    {20209, "Formats supportés (*.jpg, *.tif, *.gif, *.bmp)|*.jpg;*.bmp;*.gif;*.tif\"|Tous les fichiers (*.*)|*.*"},
+    {20209,
+     "Formats supportés (*.jpg, *.tif, *.gif, *.bmp)|*.jpg;*.bmp;*.gif;*.tif\"|Tous les fichiers (*.*)|*.*"},
     {20210, "Ouvrir"},
     {20211, "Défaut"},
     {20212, "Créer un catalogue raster"},
@@ -136,7 +143,8 @@ constexpr std::array kRows = std::to_array<StringRow>({
     {28006, "'!"},
     {28007, "Toutes les informations d'erreur sont copiés dans le presse-papier"},
     {28009, "Veuillez insérer le contenu du presse-papier dans votre E-Mail"},
-    {28010, "en appuyant sur [Ctrl][V]. Vous pouvez aussi utiliser la commande 'Insérer' dans le menu 'Edition'"},
+    {28010,
+     "en appuyant sur [Ctrl][V]. Vous pouvez aussi utiliser la commande 'Insérer' dans le menu 'Edition'"},
     {28012, "ATTENTION! Une erreur s'est produite ..."},
     {28013, "Remarques:"},
     {28014, "Description de l'erreur :"},
@@ -158,6 +166,8 @@ constexpr std::array kRows = std::to_array<StringRow>({
 
 }  // namespace
 
-std::span<const StringRow> StringRows() { return kRows; }
+std::span<const StringRow> StringRows() {
+    return kRows;
+}
 
 }  // namespace orvo

@@ -7,13 +7,18 @@
 
 namespace orvo {
 
+std::span<const StringRow>& AddedRows() {
+    static std::span<const StringRow> rows;
+    return rows;
+}
+
 Integer& LangOffset() {
     static Integer offset = 0;
     return offset;
 }
 
 std::string LoadResString(Integer id) {
-    for (const auto rows : {StringRows(), ContactRows()}) {
+    for (const auto rows : {AddedRows(), StringRows(), ContactRows()}) {
         const auto row = std::ranges::find(rows, id, &StringRow::id);
         if (row != rows.end()) return std::string(row->text);
     }
@@ -21,7 +26,9 @@ std::string LoadResString(Integer id) {
                        "Resource with identifier '" + std::to_string(id) + "' not found");
 }
 
-std::string Text(Integer id) { return LoadResString(AddInteger(id, LangOffset())); }
+std::string Text(Integer id) {
+    return LoadResString(AddInteger(id, LangOffset()));
+}
 
 std::string GetResString(Integer& nRes) {
     std::string result;

@@ -9,7 +9,8 @@
 
 namespace orvo {
 
-/// One row of the string table. The language is part of the id: German as it is, English + 10000, French + 20000.
+/// One row of the string table. The language is part of the id: German as it is, English + 10000, French +
+/// 20000.
 struct StringRow {
     Integer id;
     std::string_view text;  ///< UTF-8
@@ -19,6 +20,9 @@ struct StringRow {
 std::span<const StringRow> StringRows();
 /// The supplier's own data: installation data, see ContactRows.cpp.
 std::span<const StringRow> ContactRows();
+
+/// Rows that a deployment or a host adds at run time; they go before all others. The caller keeps them alive.
+std::span<const StringRow>& AddedRows();
 
 /// The process-wide language offset: 0 German, 10000 English, 20000 French. The object created last sets it.
 Integer& LangOffset();

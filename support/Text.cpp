@@ -66,8 +66,12 @@ std::string TwoDigits(const LocalTime& time, const char* format) {
 
 }  // namespace
 
-std::string LCase(std::string_view text) { return MapCase(text, false); }
-std::string UCase(std::string_view text) { return MapCase(text, true); }
+std::string LCase(std::string_view text) {
+    return MapCase(text, false);
+}
+std::string UCase(std::string_view text) {
+    return MapCase(text, true);
+}
 
 std::string AfterLast(std::string_view text, char mark) {
     const auto at = text.rfind(mark);
@@ -78,7 +82,8 @@ std::string NumberText(double value, std::string_view decimalSeparator) {
     std::array<char, 40> buffer{};
     std::snprintf(buffer.data(), buffer.size(), "%.15G", value == 0 ? 0.0 : value);
     std::string text = buffer.data();
-    // The C library writes the separator of the process's own locale; it is the only mark besides E and signs.
+    // The C library writes the separator of the process's own locale; it is the only mark besides E and
+    // signs.
     const auto mark = text.find_first_not_of("0123456789+-E");
     if (std::isfinite(value) && mark != std::string::npos) text.replace(mark, 1, decimalSeparator);
     return text;
@@ -98,7 +103,11 @@ bool IsNumeric(std::string_view text) {
     return at == text.size();
 }
 
-std::string ClockText(const LocalTime& time) { return TwoDigits(time, "%02d:%02d:%02d"); }
-std::string CompactClockText(const LocalTime& time) { return TwoDigits(time, "%02d%02d%02d"); }
+std::string ClockText(const LocalTime& time) {
+    return TwoDigits(time, "%02d:%02d:%02d");
+}
+std::string CompactClockText(const LocalTime& time) {
+    return TwoDigits(time, "%02d%02d%02d");
+}
 
 }  // namespace orvo

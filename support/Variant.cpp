@@ -27,7 +27,8 @@ bool IsLess(const Variant& a, const Variant& b) {
     const auto* textB = std::get_if<std::string>(&b);
     const bool emptyA = std::holds_alternative<std::monostate>(a);
     const bool emptyB = std::holds_alternative<std::monostate>(b);
-    if (textA != nullptr && (textB != nullptr || emptyB)) return *textA < (textB != nullptr ? *textB : std::string());
+    if (textA != nullptr && (textB != nullptr || emptyB))
+        return *textA < (textB != nullptr ? *textB : std::string());
     if (textB != nullptr && emptyA) return !textB->empty();
     if (textA != nullptr || textB != nullptr) return textB != nullptr;
     return *Number(a) < *Number(b);

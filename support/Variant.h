@@ -8,8 +8,8 @@
 
 namespace orvo {
 
-struct Null {};       ///< no valid data
-struct Date {         ///< days since 30 December 1899, with the time of day as fraction
+struct Null {};  ///< no valid data
+struct Date {    ///< days since 30 December 1899, with the time of day as fraction
     double days = 0;
 };
 

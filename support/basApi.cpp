@@ -11,10 +11,13 @@ namespace orvo {
 namespace {
 
 constexpr ProcedureText kGetString{
-    "[basApi] Public Function GetString(ByVal hKey As Long, ByVal strPath As String, ByVal strValue As String)",
+    "[basApi] Public Function GetString(ByVal hKey As Long, ByVal strPath As String, ByVal strValue As "
+    "String)",
     "basApi", "GetString"};
 
-IRegistry& Registry() { return Object(platform::Current().registry); }
+IRegistry& Registry() {
+    return Object(platform::Current().registry);
+}
 
 /// The text up to the first character of code 0; without one there is nothing to cut at.
 std::string CutAtZero(const std::string& buffer) {

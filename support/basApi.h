@@ -7,9 +7,9 @@
 
 namespace orvo {
 
-/// The value `strValue` of the registry key `strPath` below the open key `hKey`, as a Variant that holds a text.
-/// REG_SZ gives its text, REG_BINARY its first two bytes as a signed number; anything else, and whatever is
-/// missing, the empty text.
+/// The value `strValue` of the registry key `strPath` below the open key `hKey`, as a Variant that holds a
+/// text. REG_SZ gives its text, REG_BINARY its first two bytes as a signed number; anything else, and
+/// whatever is missing, the empty text.
 Variant GetString(Long hKey, const std::string& strPath, const std::string& strValue);
 
 }  // namespace orvo

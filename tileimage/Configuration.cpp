@@ -19,18 +19,16 @@ constexpr ProcedureText kClipEnvelope{
 constexpr ProcedureText kTileObjectDict{
     "[clsTileImage] Public Property Get TileObjectDict() As Scripting.Dictionary", "clsTileImage",
     "TileObjectDict [GET]"};
-constexpr ProcedureText kGraphicFormat{
-    "[clsTileImage] Public Property Let GraphicFormat(NewValue As String)", "clsTileImage",
-    "GraphicFormat [LET]"};
+constexpr ProcedureText kGraphicFormat{"[clsTileImage] Public Property Let GraphicFormat(NewValue As String)",
+                                       "clsTileImage", "GraphicFormat [LET]"};
 constexpr ProcedureText kGraphicConvertProg{
     "[clsTileImage] Public Property Let GraphicConvertProg(NewValue As String)", "clsTileImage",
     "GraphicConvertProg [LET]"};
 constexpr ProcedureText kGraphicQuality{
     "[clsTileImage] Public Property Let GraphicQuality(NewValue As Integer)", "clsTileImage",
     "GraphicQuality [LET]"};
-constexpr ProcedureText kStatusObject{
-    "[clsTileImage] Public Property Set StatusObject(NewValue As Object)", "clsTileImage",
-    "StatusObject [SET]"};
+constexpr ProcedureText kStatusObject{"[clsTileImage] Public Property Set StatusObject(NewValue As Object)",
+                                      "clsTileImage", "StatusObject [SET]"};
 constexpr ProcedureText kSavePath{"[clsTileImage] Public Property Let SavePath(NewValue As String)",
                                   "clsTileImage", "SavePath [LET]"};
 constexpr ProcedureText kTileWidth{"[clsTileImage] Public Property Let TileWidth(ByVal Width As Long)",
@@ -73,7 +71,9 @@ clsTileImage::clsTileImage() {
         run([&] { tileCountX_ = 1; });
         run([&] { tileCountY_ = 1; });
         run([&] { tileObjectDict_ = platform::Create(platform::Current().newDictionary); });
-        run([&] { folder = std::get<std::string>(GetString(IRegistry::kCurrentUser, kShellFolders, "AppData")); });
+        run([&] {
+            folder = std::get<std::string>(GetString(IRegistry::kCurrentUser, kShellFolders, "AppData"));
+        });
         // The product's folder is looked up and, on purpose, not kept: nothing uses it.
         run([&] { folder = folder + "\\" + LoadResString(kCompanyFolder) + "\\" + Text(kProductName); });
         run([&] { tools.reset(); });
@@ -110,15 +110,20 @@ void clsTileImage::GraphicConvertProg(const std::string& NewValue) {
     Store(kGraphicConvertProg, graphicConvertProg_, NewValue);
 }
 
-void clsTileImage::GraphicQuality(Integer NewValue) { Store(kGraphicQuality, graphicQuality_, NewValue); }
+void clsTileImage::GraphicQuality(Integer NewValue) {
+    Store(kGraphicQuality, graphicQuality_, NewValue);
+}
 
 void clsTileImage::StatusObject(const std::shared_ptr<IStatusDisplay>& NewValue) {
     Store(kStatusObject, statusObject_, NewValue);
 }
 
-void clsTileImage::SavePath(const std::string& NewValue) { Store(kSavePath, savePath_, NewValue); }
+void clsTileImage::SavePath(const std::string& NewValue) {
+    Store(kSavePath, savePath_, NewValue);
+}
 
-// The two size setters read like each other, axis by axis; a shared routine would hide the order of the steps.
+// The two size setters read like each other, axis by axis; a shared routine would hide the order of the
+// steps.
 void clsTileImage::TileWidth(Long Width) {
     Procedure<void>(kTileWidth).Run([&](Statements& run) {
         std::shared_ptr<IRaster> raster;

@@ -45,7 +45,8 @@ std::string clsTileImage::SaveTIFFToWWW(const std::string& strFromAbsolutePathNa
         });
         if (!run.Test([&] { return converted; })) return;
         run([&] { result = target; });
-        if (!run.Test([&] { return Object(files).GetParentFolderName(strFromAbsolutePathName) == savePath_; })) {
+        if (!run.Test(
+                [&] { return Object(files).GetParentFolderName(strFromAbsolutePathName) == savePath_; })) {
             return;
         }
         run([&] { stem = StemOf(Object(files), strFromAbsolutePathName); });

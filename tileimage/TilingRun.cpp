@@ -66,7 +66,8 @@ struct clsTileImage::Cell {
 
 bool clsTileImage::Tile() {
     return Procedure<bool>(kTile).Run([&](Statements& run, bool& result) {
-        if (run.Test([&] { return imageName_.empty() || tilePixelWidth_ == 0 || tilePixelHeight_ == 0; })) return;
+        if (run.Test([&] { return imageName_.empty() || tilePixelWidth_ == 0 || tilePixelHeight_ == 0; }))
+            return;
         Run job;
         run([&] { job.tools = platform::Create(platform::Current().newUtilTools); });
         run([&] { job.convert = platform::Create(platform::Current().newRasterConvert); });
@@ -84,8 +85,8 @@ bool clsTileImage::Tile() {
         run([&] { job.left = extentXMin_; });
         run([&] { job.top = extentYMax_; });
         run([&] {
-            CreateMessageText(kStartText + imageName_, Multiply(Multiply(tileCountX_, tileCountY_), kStepsPerTile),
-                              false);
+            CreateMessageText(kStartText + imageName_,
+                              Multiply(Multiply(tileCountX_, tileCountY_), kStepsPerTile), false);
         });
         WalkGrid(run, job);
         run([&] { CreateMessageText("", 0, false); });
@@ -121,8 +122,8 @@ void clsTileImage::TileCell(Statements& run, Run& job, Long h) {
     run([&] { job.left = Finite(job.left + cell.w * cellSizeX_); });
 }
 
-/// Cuts the cell back to the clip area; false where the two do not meet. The pixel size of the platform's export
-/// stays that of the full tile.
+/// Cuts the cell back to the clip area; false where the two do not meet. The pixel size of the platform's
+/// export stays that of the full tile.
 bool clsTileImage::ClipCell(Statements& run, Cell& cell) {
     bool inside = true;
     if (!run.Test([&] { return clipEnvelope_ != nullptr; })) return inside;
@@ -160,8 +161,9 @@ bool clsTileImage::TileExtern(Statements& run, Run& job, Cell& cell) {
     });
     Step(run, "Tiling: Change to " + workingExtension_);
     run([&] {
-        converted = Object(job.convert).ConvertExtern(graphicConvertProg_, imagePath_, cell.outputName,
-                                                      graphicQuality_, &cell.window, true);
+        converted = Object(job.convert)
+                        .ConvertExtern(graphicConvertProg_, imagePath_, cell.outputName, graphicQuality_,
+                                       &cell.window, true);
     });
     // Looks for the full path although the keys are bare file names: kept, it always finds the name free.
     if (run.Test([&] { return converted && !Object(tileObjectDict_).Exists(cell.outputName); })) {
@@ -185,8 +187,9 @@ void clsTileImage::TileByPlatform(Statements& run, Run& job, Cell& cell, Long h)
     run([&] { cell.outputName = cell.outputName + "." + workingExtension_; });
     Step(run, "Tiling: Convert to " + UCase(workingExtension_));
     run([&] {
-        cell.outputName = Object(job.convert).ExportRasterWindow(imageLayer_, cell.outputName, graphicQuality_,
-                                                                 nullptr, cell.envelope, cell.w, h);
+        cell.outputName = Object(job.convert)
+                              .ExportRasterWindow(imageLayer_, cell.outputName, graphicQuality_, nullptr,
+                                                  cell.envelope, cell.w, h);
     });
     Step(run, "Tiling: Convert to " + UCase(workingExtension_));
     if (run.Test([&] { return cell.outputName.empty(); })) return;

@@ -19,9 +19,9 @@ class Statements;
 /// TileWidth and TileHeight, call Tile and read TileObjectDict. Install a platform first. Not for use from
 /// several threads.
 ///
-/// No member reports a failure to its caller: the error dialog shows it and the user chooses how the member goes
-/// on. Setters store what they are given; the member that uses a value decides what to do with it. Objects that
-/// are handed in are held by reference and released with this object.
+/// No member reports a failure to its caller: the error dialog shows it and the user chooses how the member
+/// goes on. Setters store what they are given; the member that uses a value decides what to do with it.
+/// Objects that are handed in are held by reference and released with this object.
 class clsTileImage {
   public:
     /// Sets the defaults and the process-wide language offset.
@@ -42,14 +42,14 @@ class clsTileImage {
     void GraphicQuality(Integer NewValue);
     /// Receives progress texts; an empty reference silences them.
     void StatusObject(const std::shared_ptr<IStatusDisplay>& NewValue);
-    /// Binds the layer and derives name, path, extension, cell size and origin. An image that is neither file,
-    /// folder nor in a geodatabase is reported in a message box, and Tile then does nothing.
+    /// Binds the layer and derives name, path, extension, cell size and origin. An image that is neither
+    /// file, folder nor in a geodatabase is reported in a message box, and Tile then does nothing.
     /// @param FileName the image file where it is not the layer's own path
     void ImageLayer(const std::shared_ptr<IRasterLayer>& NewValue, const std::string& FileName = "");
     /// The output folder.
     void SavePath(const std::string& NewValue);
-    /// Tile width in whole map units, −1 for the whole raster. Needs a bound layer. The count of tiles is taken
-    /// from the first width that gives more than one tile and kept from then on.
+    /// Tile width in whole map units, −1 for the whole raster. Needs a bound layer. The count of tiles is
+    /// taken from the first width that gives more than one tile and kept from then on.
     void TileWidth(Long Width);
     /// Tile height; see TileWidth.
     void TileHeight(Long Height);

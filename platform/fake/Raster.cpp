@@ -20,7 +20,8 @@ class RasterDataset : public IRasterDataset {
 
 class Raster : public IRaster {
   public:
-    Raster(std::shared_ptr<World> world, LayerFacts facts) : world_(std::move(world)), facts_(std::move(facts)) {}
+    Raster(std::shared_ptr<World> world, LayerFacts facts)
+        : world_(std::move(world)), facts_(std::move(facts)) {}
     Long Width() override {
         world_->Call("Raster.Width");
         return facts_.columns;

@@ -8,14 +8,18 @@ namespace {
 
 constexpr const char* kSideFiles[] = {".aux", ".rrd"};
 
-std::string WithoutExtension(const std::string& path) { return path.substr(0, path.rfind('.')); }
+std::string WithoutExtension(const std::string& path) {
+    return path.substr(0, path.rfind('.'));
+}
 
 bool HasExtension(const std::string& path) {
     const auto dot = path.rfind('.');
     return dot != std::string::npos && path.find_first_of("\\/", dot) == std::string::npos;
 }
 
-std::string Sizes(Long width, Long height) { return std::to_string(width) + "x" + std::to_string(height); }
+std::string Sizes(Long width, Long height) {
+    return std::to_string(width) + "x" + std::to_string(height);
+}
 
 }  // namespace
 
@@ -42,7 +46,8 @@ std::string UtilTools::GetFreeFileName(const std::string& folder, const std::str
 
 bool UtilTools::IsTaken(const std::string& name, const std::vector<std::string>& extensions) {
     if (world_->reservedNames.contains(World::Normal(name))) return true;
-    return std::ranges::any_of(extensions, [&](const std::string& e) { return world_->HasFile(name + "." + e); });
+    return std::ranges::any_of(extensions,
+                               [&](const std::string& e) { return world_->HasFile(name + "." + e); });
 }
 
 std::string RasterConvert::ExportRasterWindow(const std::shared_ptr<IRasterLayer>& layer,

@@ -17,7 +17,9 @@ std::shared_ptr<IEnvelope> Envelope::Clone() const {
     return std::make_shared<Envelope>(Counted("Clone"));
 }
 
-void Envelope::Intersect(const IEnvelope& other) { Counted("Intersect").memory::Envelope::Intersect(other); }
+void Envelope::Intersect(const IEnvelope& other) {
+    Counted("Intersect").memory::Envelope::Intersect(other);
+}
 
 bool Dictionary::Exists(const std::string& key) const {
     world_->Call("Dictionary.Exists");

@@ -8,20 +8,30 @@ namespace orvo::memory {
 
 const double Axis::kNoEdge = std::numeric_limits<double>::quiet_NaN();
 
-bool Axis::HasEdges() const { return !std::isnan(min_) && !std::isnan(max_); }
+bool Axis::HasEdges() const {
+    return !std::isnan(min_) && !std::isnan(max_);
+}
 
-double Axis::Size() const { return HasEdges() ? max_ - min_ : 0; }
+double Axis::Size() const {
+    return HasEdges() ? max_ - min_ : 0;
+}
 
-void Axis::Min(double value) { Set(value, HasEdges() ? max_ : value); }
+void Axis::Min(double value) {
+    Set(value, HasEdges() ? max_ : value);
+}
 
-void Axis::Max(double value) { Set(HasEdges() ? min_ : value, value); }
+void Axis::Max(double value) {
+    Set(HasEdges() ? min_ : value, value);
+}
 
 void Axis::Size(double value) {
     const double from = HasEdges() ? min_ : 0;
     Set(from, from + value);
 }
 
-void Axis::Clear() { min_ = max_ = kNoEdge; }
+void Axis::Clear() {
+    min_ = max_ = kNoEdge;
+}
 
 bool Axis::Intersect(double otherMin, double otherMax) {
     const double low = std::max(min_, otherMin);

@@ -1,0 +1,16 @@
+# cmake --install: libraries, headers and the CMake package Orvo_Tile.
+include(CMakePackageConfigHelpers)
+
+get_property(rooms GLOBAL PROPERTY ORVO_ROOMS)
+install(TARGETS ${rooms} EXPORT Orvo_TileTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+foreach(room support errorreport tileimage platform)
+    install(DIRECTORY ${room}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo_tile/${room}
+        FILES_MATCHING PATTERN "*.h")
+endforeach()
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Orvo_Tile)
+install(EXPORT Orvo_TileTargets NAMESPACE Orvo_Tile:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/Orvo_TileConfig.cmake.in Orvo_TileConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(Orvo_TileConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Orvo_TileConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/Orvo_TileConfigVersion.cmake DESTINATION ${package_dir})
