@@ -1,0 +1,59 @@
+#include "platform/utility/Converter.h"
+
+#include <algorithm>
+#include <array>
+#include <regex>
+#include <string_view>
+
+#include "support/SystemPath.h"
+#include "support/Text.h"
+
+namespace orvo::utility {
+namespace {
+
+/// "convert" for "/usr/bin/convert-im6.q16"; empty for a program that is not known.
+std::string KnownName(const std::string& program) {
+    static const std::regex known(
+        "(gdal_translate|convert|magick|gm|vips)(-?(im)?[0-9][a-z0-9.-]*)?([.]exe)?", std::regex::icase);
+    const std::string path = SystemPath(program);
+    const std::string file = path.substr(path.rfind('/') + 1);
+    std::smatch parts;
+    return std::regex_match(file, parts, known) ? LCase(parts[1].str()) : std::string();
+}
+
+bool HasLosses(const std::string& file) {
+    constexpr std::array<std::string_view, 10> formats{"jpg", "jpeg", "jpe",  "jfif", "webp",
+                                                       "jp2", "j2k",  "heic", "avif", "jxl"};
+    const std::string extension = LCase(AfterLast(file, '.'));
+    return std::find(formats.begin(), formats.end(), extension) != formats.end();
+}
+
+}  // namespace
+
+std::vector<std::string> ConverterArguments(const std::string& program, const std::string& source,
+                                            const std::string& target, int quality) {
+    const std::string name = KnownName(program);
+    const std::string number = std::to_string(quality);
+    const bool losses = HasLosses(target);
+    std::vector<std::string> arguments;
+    const auto add = [&](const std::vector<std::string>& more) {
+        arguments.insert(arguments.end(), more.begin(), more.end());
+    };
+    if (name == "gdal_translate") {
+        add({"-q", "--config", "GDAL_PAM_ENABLED", "NO"});
+        if (losses) add({"-co", "QUALITY=" + number});
+        add({source, target});
+    } else if (name == "convert" || name == "magick" || name == "gm") {
+        if (name == "gm") add({"convert"});
+        add({source + "[0]"});
+        if (losses) add({"-quality", number});
+        add({target});
+    } else if (name == "vips") {
+        add({"copy", source, losses ? target + "[Q=" + number + "]" : target});
+    } else {
+        add({source, target, number});
+    }
+    return arguments;
+}
+
+}  // namespace orvo::utility

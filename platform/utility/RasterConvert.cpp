@@ -1,0 +1,191 @@
+#include "platform/utility/RasterConvert.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "platform/RuntimeError.h"
+#include "platform/utility/Converter.h"
+#include "support/FileReplace.h"
+#include "support/SystemPath.h"
+#include "support/Text.h"
+
+namespace orvo::utility {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr Integer kDefaultQuality = 75;
+
+Integer QualityOf(Integer quality) {
+    if (quality == 0) return kDefaultQuality;
+    return std::clamp<Integer>(quality, 1, 100);
+}
+
+/// The extension of a path without its dot.
+std::string ExtensionOf(const fs::path& path) {
+    const std::string extension = path.extension().string();
+    return extension.empty() ? extension : extension.substr(1);
+}
+
+/// Whether a text means nothing but itself to every program.
+bool IsPlain(const std::string& text) {
+    return std::all_of(text.begin(), text.end(), [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    });
+}
+
+/// A hidden folder of this process alone. A program that works in it meets plain names only, however the
+/// folders above it are called, and whatever it leaves there goes with the folder.
+class WorkFolder {
+  public:
+    explicit WorkFolder(const fs::path& parent) {
+        std::string name = (parent / ".convert-XXXXXX").string();
+        if (::mkdtemp(name.data()) == nullptr) {
+            reason_ = "cannot write into " + parent.string() + ": " + std::generic_category().message(errno);
+        } else {
+            path_ = name;
+        }
+    }
+    ~WorkFolder() {
+        std::error_code ignored;
+        if (!path_.empty()) fs::remove_all(path_, ignored);
+    }
+    WorkFolder(const WorkFolder&) = delete;
+    WorkFolder& operator=(const WorkFolder&) = delete;
+
+    const fs::path& Path() const { return path_; }
+    /// Why it could not be made; empty where it stands.
+    const std::string& Reason() const { return reason_; }
+
+  private:
+    fs::path path_;
+    std::string reason_;
+};
+
+/// What went wrong with a program; empty where it ended well.
+std::string Judge(const std::string& program, const ProcessResult& result, const fs::path& image) {
+    std::string reason;
+    std::error_code failed;
+    if (!result.started) {
+        reason = program + " could not be started";
+    } else if (result.signal != 0) {
+        reason = program + " was ended by signal " + std::to_string(result.signal) + " (" +
+                 ::strsignal(result.signal) + ")";
+    } else if (result.exitCode != 0) {
+        reason = program + " failed with exit code " + std::to_string(result.exitCode);
+    } else if (!fs::is_regular_file(fs::symlink_status(image, failed))) {
+        reason = program + " wrote no image";
+    } else if (fs::file_size(image, failed) == 0) {
+        reason = program + " wrote an empty image";
+    } else {
+        return {};
+    }
+    return result.output.empty() ? reason : reason + ": " + result.output;
+}
+
+}  // namespace
+
+struct RasterConvert::Job {
+    const std::string& program;
+    const std::string& sourceFile;
+    Integer quality;
+    WrittenImage image;
+};
+
+std::string RasterConvert::ExportRasterWindow(const std::shared_ptr<IRasterLayer>& layer,
+                                              const std::string& targetFile, Integer quality,
+                                              const std::shared_ptr<void>& /*reserved*/,
+                                              const std::shared_ptr<IEnvelope>& envelope, Long width,
+                                              Long height) {
+    StopIfInterrupted();
+    const IEnvelope& part = Object(envelope);
+    std::string reason;
+    const std::string path =
+        rasters_->ExportRasterWindow(Object(layer), targetFile, quality, part, width, height, reason);
+    if (path.empty()) {
+        settings_.onFailure(targetFile, reason);
+        return path;
+    }
+    const WrittenImage::Extent extent{part.XMin(), part.YMin(), part.XMax(), part.YMax(), width, height};
+    const std::string name = SystemPath(path);
+    if (LCase(ExtensionOf(name)).starts_with("tif")) library_->exported.insert_or_assign(name, extent);
+    Written({path, std::nullopt, extent});
+    return path;
+}
+
+bool RasterConvert::ConvertExtern(const std::string& program, const std::string& sourceFile,
+                                  std::string& targetFile, Integer quality, const PixelWindow* window,
+                                  bool /*wait*/) {
+    if (program.empty()) return false;
+    StopIfInterrupted();
+    Job job{program, sourceFile, QualityOf(quality), {}};
+    job.image.path = targetFile;
+    if (window != nullptr) job.image.window = *window;
+    const auto extension = library_->reservations.OnlyExtension(targetFile);
+    if (extension && !extension->empty()) job.image.path += "." + *extension;
+    const std::string reason = Convert(job);
+    if (!reason.empty()) {
+        settings_.onFailure(job.image.path, reason);
+        return false;
+    }
+    Written(job.image);
+    targetFile = std::move(job.image.path);
+    return true;
+}
+
+std::string RasterConvert::Convert(Job& job) {
+    const fs::path target = SystemPath(job.image.path);
+    const std::string extension = ExtensionOf(target);
+    if (extension.empty() || !IsPlain(extension)) return "the extension of the name gives no image format";
+    const WorkFolder folder(target.has_parent_path() ? target.parent_path() : ".");
+    if (!folder.Reason().empty()) return folder.Reason();
+    std::string source;
+    std::string reason = ProvideSource(job, folder.Path(), source);
+    if (!reason.empty()) return reason;
+    const std::string tile = "tile." + extension;
+    const ProcessResult result = runner_->Run(
+        SystemPath(job.program), ConverterArguments(job.program, "./" + source, "./" + tile, job.quality),
+        folder.Path().string(), settings_.interrupted);
+    StopIfInterrupted();
+    reason = Judge(job.program, result, folder.Path() / tile);
+    return reason.empty() ? Commit(folder.Path() / tile, target) : reason;
+}
+
+/// Puts what is to be converted into the work folder, as `file`: the window as a TIFF, a whole image as a
+/// link to it. The image then shows what the source shows.
+std::string RasterConvert::ProvideSource(Job& job, const std::string& folder, std::string& file) {
+    const std::string source = SystemPath(job.sourceFile);
+    std::string reason;
+    if (job.image.window) {
+        file = "source.tif";
+        const bool cut = rasters_->CutWindow(source, *job.image.window, folder + "/" + file, reason);
+        StopIfInterrupted();
+        return cut || !reason.empty() ? reason : "the window could not be read";
+    }
+    std::error_code failed;
+    if (!fs::exists(source, failed)) return "there is no image " + job.sourceFile;
+    const std::string extension = ExtensionOf(source);
+    file = extension.empty() || !IsPlain(extension) ? "source" : "source." + extension;
+    fs::create_symlink(fs::absolute(source, failed), fs::path(folder) / file, failed);
+    if (failed) fs::copy_file(source, fs::path(folder) / file, failed);
+    const auto exported = library_->exported.find(source);
+    if (exported != library_->exported.end()) job.image.extent = exported->second;
+    return failed ? failed.message() : std::string();
+}
+
+/// Tells the host first: should that fail, the call can be made again.
+void RasterConvert::Written(const WrittenImage& image) {
+    settings_.onWritten(image);
+    library_->reservations.Release(image.path);
+}
+
+void RasterConvert::StopIfInterrupted() const {
+    if (settings_.interrupted()) throw RuntimeError(Fault::UserInterrupt);
+}
+
+}  // namespace orvo::utility

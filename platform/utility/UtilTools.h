@@ -1,0 +1,33 @@
+// The utility library's language and free names.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/utility/Library.h"
+
+namespace orvo::utility {
+
+/// Names that it gave out stay reserved until a file stands under them, at most as long as it lives.
+class UtilTools final : public IUtilTools {
+  public:
+    UtilTools(std::shared_ptr<Library> library, const Settings& settings)
+        : library_(std::move(library)), languageOffset_(settings.languageOffset) {}
+    ~UtilTools() override { library_->reservations.ReleaseAll(this); }
+    UtilTools(const UtilTools&) = delete;
+    UtilTools& operator=(const UtilTools&) = delete;
+
+    Integer GetLanguageOffset() override { return languageOffset_; }
+    /// Errors as in Reservations::Reserve.
+    std::string GetFreeFileName(const std::string& folder, const std::string& baseName,
+                                const std::vector<std::string>& extensions) override {
+        return library_->reservations.Reserve(this, folder, baseName, extensions);
+    }
+
+  private:
+    std::shared_ptr<Library> library_;
+    Integer languageOffset_;
+};
+
+}  // namespace orvo::utility
