@@ -8,7 +8,14 @@
 namespace orvo {
 
 /// The platform's geometry-type codes that the component tells apart.
-enum class GeometryType : Long { Null = 0, Point = 1, Multipoint = 2, Polyline = 3, Polygon = 4, Envelope = 5 };
+enum class GeometryType : Long {
+    Null = 0,
+    Point = 1,
+    Multipoint = 2,
+    Polyline = 3,
+    Polygon = 4,
+    Envelope = 5
+};
 
 /// A planar geometry in map units.
 class IGeometry {

@@ -41,7 +41,9 @@ inline Platform& Current() {
 }
 
 /// Replaces the platform. Objects handed out before stay valid.
-inline void Install(Platform platform) { Current() = std::move(platform); }
+inline void Install(Platform platform) {
+    Current() = std::move(platform);
+}
 
 /// A new object from a maker, as a class factory would give it; number 429 where there is none.
 template <class Interface>

@@ -17,9 +17,9 @@ struct ProcessResult {
 class IProcessRunner {
   public:
     virtual ~IProcessRunner() = default;
-    /// Starts a program directly, never through a shell, without standard input, in folder `workingFolder`, and
-    /// waits. A program given by path is resolved against the caller's current folder, a bare name along PATH.
-    /// Once `interrupted` holds, the program is ended and waited for.
+    /// Starts a program directly, never through a shell, without standard input, in folder `workingFolder`,
+    /// and waits. A program given by path is resolved against the caller's current folder, a bare name along
+    /// PATH. Once `interrupted` holds, the program is ended and waited for.
     virtual ProcessResult Run(const std::string& program, const std::vector<std::string>& arguments,
                               const std::string& workingFolder, const std::function<bool()>& interrupted) = 0;
 };

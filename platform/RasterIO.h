@@ -17,12 +17,12 @@ class IRasterIO {
     /// Writes the layer's part inside `envelope` as `width` × `height` pixels; contract as in IRasterConvert.
     /// No file stands under the returned name before it is complete.
     /// @param reason why nothing was written, where the result is empty
-    virtual std::string ExportRasterWindow(IRasterLayer& layer, const std::string& targetFile, Integer quality,
-                                           const IEnvelope& envelope, Long width, Long height,
-                                           std::string& reason) = 0;
+    virtual std::string ExportRasterWindow(IRasterLayer& layer, const std::string& targetFile,
+                                           Integer quality, const IEnvelope& envelope, Long width,
+                                           Long height, std::string& reason) = 0;
 
-    /// Copies a window of an image file, cell by cell, into an uncompressed TIFF with the source's bands, type,
-    /// palette and alpha. A window that reaches past the raster is cut back to it, in `window` too.
+    /// Copies a window of an image file, cell by cell, into an uncompressed TIFF with the source's bands,
+    /// type, palette and alpha. A window that reaches past the raster is cut back to it, in `window` too.
     /// @param reason why nothing was written, where the result is false
     virtual bool CutWindow(const std::string& sourceFile, PixelWindow& window, const std::string& tiffFile,
                            std::string& reason) = 0;

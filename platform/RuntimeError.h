@@ -36,26 +36,46 @@ enum class Fault : Long {
 /// The usual English text of a runtime failure, without a full stop.
 inline const char* FaultText(Fault fault) {
     switch (fault) {
-        case Fault::InvalidProcedureCall: return "Invalid procedure call or argument";
-        case Fault::Overflow: return "Overflow";
-        case Fault::OutOfMemory: return "Out of memory";
-        case Fault::SubscriptOutOfRange: return "Subscript out of range";
-        case Fault::DivisionByZero: return "Division by zero";
-        case Fault::TypeMismatch: return "Type mismatch";
-        case Fault::UserInterrupt: return "User interrupt occurred";
-        case Fault::FileNotFound: return "File not found";
-        case Fault::DeviceIOError: return "Device I/O error";
-        case Fault::DiskFull: return "Disk full";
-        case Fault::PermissionDenied: return "Permission denied";
-        case Fault::PathFileAccess: return "Path/File access error";
-        case Fault::PathNotFound: return "Path not found";
-        case Fault::ObjectNotSet: return "Object variable or With block variable not set";
-        case Fault::ForLoopNotInitialized: return "For loop not initialized";
-        case Fault::ResourceNotFound: return "Resource not found";
-        case Fault::CannotCreateObject: return "ActiveX component can't create object";
-        case Fault::PropertyNotSupported: return "Object doesn't support this property or method";
-        case Fault::AutomationError: return "Automation error";
-        case Fault::DuplicateKey: return "This key is already associated with an element of this collection";
+        case Fault::InvalidProcedureCall:
+            return "Invalid procedure call or argument";
+        case Fault::Overflow:
+            return "Overflow";
+        case Fault::OutOfMemory:
+            return "Out of memory";
+        case Fault::SubscriptOutOfRange:
+            return "Subscript out of range";
+        case Fault::DivisionByZero:
+            return "Division by zero";
+        case Fault::TypeMismatch:
+            return "Type mismatch";
+        case Fault::UserInterrupt:
+            return "User interrupt occurred";
+        case Fault::FileNotFound:
+            return "File not found";
+        case Fault::DeviceIOError:
+            return "Device I/O error";
+        case Fault::DiskFull:
+            return "Disk full";
+        case Fault::PermissionDenied:
+            return "Permission denied";
+        case Fault::PathFileAccess:
+            return "Path/File access error";
+        case Fault::PathNotFound:
+            return "Path not found";
+        case Fault::ObjectNotSet:
+            return "Object variable or With block variable not set";
+        case Fault::ForLoopNotInitialized:
+            return "For loop not initialized";
+        case Fault::ResourceNotFound:
+            return "Resource not found";
+        case Fault::CannotCreateObject:
+            return "ActiveX component can't create object";
+        case Fault::PropertyNotSupported:
+            return "Object doesn't support this property or method";
+        case Fault::AutomationError:
+            return "Automation error";
+        case Fault::DuplicateKey:
+            return "This key is already associated with an element of this collection";
     }
     return "Application-defined or object-defined error";
 }

@@ -10,8 +10,8 @@
 
 namespace orvo::utility {
 
-/// An image that a service has written, and which pixels it shows: a window of the source, cell by cell, or the
-/// extent (xMin, yMin, xMax, yMax in map units) of a layer, resampled to the image's size.
+/// An image that a service has written, and which pixels it shows: a window of the source, cell by cell, or
+/// the extent (xMin, yMin, xMax, yMax in map units) of a layer, resampled to the image's size.
 struct WrittenImage {
     std::string path;
     std::optional<PixelWindow> window;
