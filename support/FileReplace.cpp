@@ -36,14 +36,14 @@ std::string Commit(const fs::path& part, const fs::path& target) {
     std::error_code failed;
     fs::rename(part, target, failed);
     if (!failed) return {};
-    const std::string reason = failed.message();
+    std::string reason = failed.message();
     fs::remove(part, failed);
     return reason;
 }
 
 std::string ReplaceFile(const fs::path& target, std::span<const unsigned char> bytes) {
     const fs::path part = PartName(target);
-    const std::string reason = WriteFile(part, bytes);
+    std::string reason = WriteFile(part, bytes);
     if (reason.empty()) return Commit(part, target);
     std::error_code ignored;
     fs::remove(part, ignored);

@@ -60,7 +60,8 @@ void SkipSign(std::string_view text, std::size_t& at) {
 
 std::string TwoDigits(const LocalTime& time, const char* format) {
     std::array<char, 48> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), format, time.hour, time.minute, time.second);
+    static_cast<void>(
+        std::snprintf(buffer.data(), buffer.size(), format, time.hour, time.minute, time.second));
     return buffer.data();
 }
 
@@ -80,7 +81,7 @@ std::string AfterLast(std::string_view text, char mark) {
 
 std::string NumberText(double value, std::string_view decimalSeparator) {
     std::array<char, 40> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), "%.15G", value == 0 ? 0.0 : value);
+    static_cast<void>(std::snprintf(buffer.data(), buffer.size(), "%.15G", value == 0 ? 0.0 : value));
     std::string text = buffer.data();
     // The C library writes the separator of the process's own locale; it is the only mark besides E and
     // signs.

@@ -14,7 +14,7 @@ constexpr ProcedureText kGetTileExtent{
 
 /// "xmin;ymin;xmax;ymax" of a tile by its 1-based column and row. Rows count upward from the top edge here,
 /// unlike in Tile, and the last column and row are not shortened.
-std::string clsTileImage::GetTileExtent(Long NrX, const Long& NrY) {
+std::string clsTileImage::GetTileExtent(Long NrX, const Long& NrY) const {
     return Procedure<std::string>(kGetTileExtent).Run([&](Statements& run, std::string& result) {
         double xmin = 0;
         double ymin = 0;

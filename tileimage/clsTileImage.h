@@ -68,7 +68,7 @@ class clsTileImage {
     void FullName(const std::string& strImageName, bool blnIsGDB);
     std::string SaveTIFFToWWW(const std::string& strFromAbsolutePathName);
     void CreateMessageText(const std::string& strText, Long lngMaxValue = -1, bool blnStep = false);
-    std::string GetTileExtent(Long NrX, const Long& NrY);
+    std::string GetTileExtent(Long NrX, const Long& NrY) const;
 
     void WalkGrid(Statements& run, Run& job);
     void TileCell(Statements& run, Run& job, Long h);

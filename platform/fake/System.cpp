@@ -46,7 +46,7 @@ Long Registry::RegCloseKey(Long handle) {
 std::int64_t Clock::Seconds() {
     world_->Call("Clock.Seconds");
     const LocalTime& now = world_->now;
-    return (std::int64_t{now.day} * 24 + now.hour) * 3600 + now.minute * 60 + now.second;
+    return (std::int64_t{now.day} * 24 + now.hour) * 3600 + std::int64_t{now.minute} * 60 + now.second;
 }
 
 LocalTime Clock::Local(std::int64_t /*seconds*/) {

@@ -59,7 +59,7 @@ std::string RasterConvert::ExportRasterWindow(const std::shared_ptr<IRasterLayer
     const std::string what = "export of " + Object(layer).FilePath() + " at " +
                              std::to_string(Object(envelope).XMin()) + " as " + Sizes(width, height);
     if (world_->exportWindow == Conversion::Fails) return {};
-    const std::string path = world_->exportGivesTiff ? WithoutExtension(targetFile) + ".tif" : targetFile;
+    std::string path = world_->exportGivesTiff ? WithoutExtension(targetFile) + ".tif" : targetFile;
     world_->exportedSizes.emplace_back(width, height);
     world_->PutFile(path, what);
     if (world_->exportGivesTiff) world_->PutFile(WithoutExtension(path) + ".tfw", "world file");
