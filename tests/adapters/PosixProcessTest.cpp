@@ -1,0 +1,124 @@
+// Programs that behave, fail, crash, hang, shout and leave others behind.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+#include "platform/posix/ProcessRunner.h"
+#include "tests/adapters/TempFolder.h"
+
+namespace orvo::posix {
+namespace {
+
+using testing::HasSubstr;
+using testing::SizeIs;
+using Clock = std::chrono::steady_clock;
+
+const auto kNever = [] { return false; };
+
+class PosixProcess : public testing::Test {
+  protected:
+    ProcessResult Shell(const std::string& commands) {
+        return runner.Run("/bin/sh", {"-c", commands}, folder.Path(), kNever);
+    }
+    double SecondsSinceStart() const { return std::chrono::duration<double>(Clock::now() - start).count(); }
+    const TempFolder folder{"-q 'Ö\" %d"};
+    ProcessRunner runner;
+    Clock::time_point start = Clock::now();
+};
+
+std::size_t OpenFiles() {
+    std::size_t count = 0;
+    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) ++count;
+    return count;
+}
+
+TEST_F(PosixProcess, PassesArgumentsFolderAndNothingElse) {
+    const int open = ::dup(0);  // inherited unless closed on the way
+    const auto result =
+        runner.Run(folder.PutScript("show", "cat; pwd; ls /proc/$$/fd | wc -l; printf '[%s]' \"$@\""),
+                   {"a b", "", "$(id)", "*", "-x"}, folder.Path(), kNever);
+    ::close(open);
+    EXPECT_TRUE(result.started);
+    EXPECT_EQ(result.exitCode, 0);
+    // The shell holds its script open besides the three standard files.
+    EXPECT_EQ(result.output, folder.Path() + "\n4\n[a b][][$(id)][*][-x]");
+}
+
+TEST_F(PosixProcess, ReportsHowItEnded) {
+    EXPECT_EQ(Shell("exit 7").exitCode, 7);
+    const auto crashed = Shell("echo before; kill -SEGV $$");
+    EXPECT_EQ(crashed.signal, SIGSEGV);
+    EXPECT_EQ(crashed.output, "before");
+    const auto both = Shell("echo out; echo err >&2");
+    EXPECT_EQ(both.output, "out\nerr");
+}
+
+TEST_F(PosixProcess, SaysWhyItCouldNotStart) {
+    for (const std::string& program : {folder / "missing", std::string("no-such-program-anywhere"),
+                                       std::string(), folder.Put("plain", "no program"), folder.Path()}) {
+        const auto result = runner.Run(program, {}, folder.Path(), kNever);
+        EXPECT_FALSE(result.started) << program;
+        EXPECT_NE(result.output, "") << program;
+    }
+    EXPECT_FALSE(runner.Run("/bin/true", {}, folder / "no folder", kNever).started);
+}
+
+TEST_F(PosixProcess, ResolvesRelativeProgramsAgainstTheCallersFolder) {
+    folder.PutScript("tool", "echo found");
+    std::filesystem::create_directory(folder / "elsewhere");
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.Path());
+    const auto result = runner.Run("./tool", {}, folder / "elsewhere", kNever);
+    std::filesystem::current_path(before);
+    EXPECT_EQ(result.output, "found");
+}
+
+TEST_F(PosixProcess, KeepsTheLastLines) {
+    const auto lines = Shell("i=0; while [ $i -lt 3000 ]; do i=$((i+1)); echo line $i; done").output;
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 19);
+    EXPECT_THAT(lines, testing::StartsWith("line 2981\n"));
+    EXPECT_THAT(lines, testing::EndsWith("\nline 3000"));
+    EXPECT_THAT(Shell("head -c 300000 /dev/zero | tr '\\0' x").output, SizeIs(4096));
+}
+
+TEST_F(PosixProcess, DoesNotWaitForWhatRunsOn) {
+    const auto result = Shell("sleep 30 & echo done");
+    EXPECT_EQ(result.output, "done");
+    EXPECT_LT(SecondsSinceStart(), 5);
+}
+
+TEST_F(PosixProcess, EndsAnInterruptedProgram) {
+    const auto soon = [this] { return SecondsSinceStart() > 0.2; };
+    const auto result = runner.Run("/bin/sh", {"-c", "sleep 30; echo never"}, folder.Path(), soon);
+    EXPECT_EQ(result.signal, SIGTERM);
+    EXPECT_LT(SecondsSinceStart(), 2);
+}
+
+TEST_F(PosixProcess, KillsAProgramThatDoesNotListen) {
+    const auto soon = [this] { return SecondsSinceStart() > 0.2; };
+    const std::string deaf =
+        "trap '' TERM; (while :; do sleep 0.1; touch alive; done) & while :; do sleep 0.1; done";
+    const auto result = runner.Run("/bin/sh", {"-c", deaf}, folder.Path(), soon);
+    EXPECT_EQ(result.signal, SIGKILL);
+    EXPECT_GT(SecondsSinceStart(), 2);
+    EXPECT_LT(SecondsSinceStart(), 5);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    std::filesystem::remove(folder / "alive");
+    std::this_thread::sleep_for(std::chrono::milliseconds(400));
+    EXPECT_FALSE(std::filesystem::exists(folder / "alive"));
+}
+
+TEST_F(PosixProcess, LeavesNoOpenFiles) {
+    const std::size_t before = OpenFiles();
+    for (int i = 0; i < 100; ++i) {
+        runner.Run("/bin/true", {}, folder.Path(), kNever);
+        runner.Run("/bin/none", {}, folder.Path(), kNever);
+    }
+    EXPECT_EQ(OpenFiles(), before);
+}
+
+}  // namespace
+}  // namespace orvo::posix

@@ -1,0 +1,65 @@
+// A folder of its own for each test.
+#pragma once
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace orvo {
+
+class TempFolder {
+  public:
+    /// @param name of the innermost folder
+    explicit TempFolder(const std::string& name = "work") {
+        std::string root = (std::filesystem::temp_directory_path() / "orvo-XXXXXX").string();
+        root_ = ::mkdtemp(root.data());
+        path_ = root_ / name;
+        std::filesystem::create_directories(path_);
+    }
+    ~TempFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(root_, ignored);
+    }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    std::string Path() const { return path_.string(); }
+    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+
+    std::string Put(const std::string& name, const std::string& content) const {
+        std::ofstream(path_ / name, std::ios::binary) << content;
+        return *this / name;
+    }
+    /// An executable shell script; `"$1"` and so on are its arguments.
+    std::string PutScript(const std::string& name, const std::string& commands) const {
+        const std::string file = Put(name, "#!/bin/sh\n" + commands + "\n");
+        std::filesystem::permissions(file, std::filesystem::perms::all);
+        return file;
+    }
+    /// Names of all that is in the folder, hidden things too, sorted.
+    std::vector<std::string> Names() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(path_)) {
+            names.push_back(entry.path().filename().string());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+  private:
+    std::filesystem::path root_;
+    std::filesystem::path path_;
+};
+
+inline std::string ReadFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+}  // namespace orvo
