@@ -1,0 +1,52 @@
+#include "platform/gdal/Library.h"
+
+#include <cpl_conv.h>
+#include <cpl_error.h>
+#include <gdal.h>
+
+#include <mutex>
+#include <string_view>
+
+namespace orvo::gdal {
+namespace {
+
+constexpr const char* kSideFiles = "GDAL_PAM_ENABLED";
+
+void CPL_STDCALL Note(CPLErr severity, CPLErrorNum, const char* message) {
+    if (auto* complaints = static_cast<Complaints*>(CPLGetErrorHandlerUserData())) {
+        complaints->Note(severity >= CE_Failure, message);
+    }
+}
+
+}  // namespace
+
+void Start() {
+    static std::once_flag started;
+    std::call_once(started, [] {
+        CPLSetErrorHandler(CPLQuietErrorHandler);
+        GDALAllRegister();
+    });
+}
+
+Complaints::Complaints() {
+    CPLPushErrorHandlerEx(&gdal::Note, this);
+}
+
+Complaints::~Complaints() {
+    CPLPopErrorHandler();
+}
+
+void Complaints::Note(bool failure, const char* message) {
+    const bool endedEarly = std::string_view(message).find("remature end") != std::string_view::npos;
+    if ((failure || endedEarly) && first_.empty()) first_ = message;
+}
+
+NoSideFiles::NoSideFiles() {
+    CPLSetThreadLocalConfigOption(kSideFiles, "NO");
+}
+
+NoSideFiles::~NoSideFiles() {
+    CPLSetThreadLocalConfigOption(kSideFiles, nullptr);
+}
+
+}  // namespace orvo::gdal

@@ -1,0 +1,40 @@
+// The raster library as this process uses it: started once, silent, its complaints kept.
+#pragma once
+
+#include <string>
+
+namespace orvo::gdal {
+
+/// Registers the library's drivers and takes its messages off standard error. Only the first call does
+/// anything.
+void Start();
+
+/// Collects what the library complains about on this thread as long as it lives. Scopes may nest.
+class Complaints {
+  public:
+    Complaints();
+    ~Complaints();
+    Complaints(const Complaints&) = delete;
+    Complaints& operator=(const Complaints&) = delete;
+
+    /// Whether a failure was reported, or a source ended early, which some drivers only warn of while they
+    /// fill the missing cells.
+    bool Failed() const { return !first_.empty(); }
+    /// The first failure, for it is the most precise; `otherwise` where none was reported.
+    std::string Reason(const std::string& otherwise) const { return Failed() ? first_ : otherwise; }
+    void Note(bool failure, const char* message);
+
+  private:
+    std::string first_;
+};
+
+/// Keeps the library from writing side files on this thread as long as it lives.
+class NoSideFiles {
+  public:
+    NoSideFiles();
+    ~NoSideFiles();
+    NoSideFiles(const NoSideFiles&) = delete;
+    NoSideFiles& operator=(const NoSideFiles&) = delete;
+};
+
+}  // namespace orvo::gdal

@@ -1,0 +1,175 @@
+#include "platform/gdal/RasterLayer.h"
+
+#include <cpl_string.h>
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+#include "platform/Platform.h"
+#include "platform/gdal/DatasetName.h"
+#include "platform/gdal/Library.h"
+#include "support/SystemPath.h"
+
+namespace orvo::gdal {
+namespace {
+
+constexpr int kSubdatasetsToName = 3;
+/// Shear below this many cells over the whole raster is noise of the arithmetic.
+constexpr double kShearNoise = 1e-6;
+
+[[noreturn]] void Refuse(const std::string& name, const std::string& why) {
+    throw RuntimeError(static_cast<Long>(Fault::AutomationError), name + " " + why);
+}
+
+bool IsOnDisk(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::exists(path, ignored);
+}
+
+bool IsEmptyFile(const std::string& path) {
+    std::error_code failed;
+    return std::filesystem::is_regular_file(path, failed) && std::filesystem::file_size(path, failed) == 0;
+}
+
+std::unique_ptr<GDALDataset> Open(const std::string& name) {
+    const std::string path = !IsOnDisk(name) && IsOnDisk(SystemPath(name)) ? SystemPath(name) : name;
+    if (!IsOnDisk(path) && path.find_first_of(":<") == std::string::npos && !path.starts_with("/vsi")) {
+        throw RuntimeError(static_cast<Long>(Fault::FileNotFound),
+                           "File not found: " + name + ". Check the path and the spelling.");
+    }
+    if (IsEmptyFile(path)) Refuse(name, "is an empty file. Fetch or copy it again.");
+    const Complaints complaints;
+    std::unique_ptr<GDALDataset> dataset(
+        GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
+    if (!dataset) {
+        Refuse(name, "cannot be opened as a raster (" + complaints.Reason("no driver takes it") +
+                         "). Check that it is complete, and in a format that 'gdalinfo --formats' lists.");
+    }
+    return dataset;
+}
+
+/// Refuses a dataset without bands and says which rasters it holds.
+void RequireBands(GDALDataset& dataset, const std::string& name) {
+    if (dataset.GetRasterCount() > 0 && dataset.GetRasterXSize() > 0 && dataset.GetRasterYSize() > 0) return;
+    char** const list = dataset.GetMetadata("SUBDATASETS");
+    std::string names;
+    int count = 0;
+    for (int i = 1; const char* inner = CSLFetchNameValue(list, CPLSPrintf("SUBDATASET_%d_NAME", i)); ++i) {
+        if (++count <= kSubdatasetsToName) names += std::string(names.empty() ? "" : ", ") + inner;
+    }
+    if (count == 0) Refuse(name, "holds no raster bands. Name a file with an image or a grid in it.");
+    if (count > kSubdatasetsToName) names += ", ...";
+    Refuse(name, "holds " + std::to_string(count) + " rasters. Name one of them: " + names);
+}
+
+bool IsIdentity(const std::array<double, 6>& t) {
+    return t == std::array<double, 6>{0, 1, 0, 0, 0, 1};
+}
+
+/// Refuses what does not lie straight.
+void RequireStraight(const std::array<double, 6>& t, GDALDataset& dataset, const std::string& name) {
+    const std::string remedy = " Warp it first: gdalwarp SOURCE straight.tif";
+    const bool finite = std::all_of(t.begin(), t.end(), [](double value) { return std::isfinite(value); });
+    if (std::abs(t[2]) * dataset.GetRasterYSize() > kShearNoise * std::abs(t[1]) ||
+        std::abs(t[4]) * dataset.GetRasterXSize() > kShearNoise * std::abs(t[5])) {
+        Refuse(name, "is rotated or sheared." + remedy);
+    }
+    if (!finite || t[1] == 0 || t[5] == 0) Refuse(name, "has cells without a size. Repair its georeference.");
+    if (t[5] > 0) Refuse(name, "lies south up." + remedy);
+    if (t[1] < 0) Refuse(name, "runs from east to west." + remedy);
+}
+
+bool HasOnlyControlPoints(GDALDataset& dataset) {
+    return dataset.GetGCPCount() > 0 || dataset.GetMetadata("RPC") != nullptr ||
+           dataset.GetMetadata("GEOLOCATION") != nullptr;
+}
+
+bool IsDatabase(const std::string& driver) {
+    static const std::array<std::string, 7> kDatabases = {
+        "GPKG", "MBTiles", "Rasterlite", "OpenFileGDB", "SQLite", "PostGISRaster", "GeoRaster"};
+    return std::find(kDatabases.begin(), kDatabases.end(), driver) != kDatabases.end();
+}
+
+std::string DriverOf(GDALDataset& dataset) {
+    GDALDriver* const driver = dataset.GetDriver();
+    return driver == nullptr ? "" : driver->GetDescription();
+}
+
+}  // namespace
+
+RasterLayer::RasterLayer(const std::string& name) : dataset_(Open(name)) {
+    RequireBands(*dataset_, name);
+    Locate(name);
+    NameSource(name);
+}
+
+RasterLayer::~RasterLayer() = default;
+
+void RasterLayer::Locate(const std::string& name) {
+    georeferenced_ = dataset_->GetGeoTransform(transform_.data()) == CE_None && !IsIdentity(transform_);
+    if (georeferenced_) {
+        RequireStraight(transform_, *dataset_, name);
+        return;
+    }
+    if (HasOnlyControlPoints(*dataset_)) {
+        Refuse(name, "is placed by control points only. Warp it first: gdalwarp SOURCE straight.tif");
+    }
+    transform_ = {0, 1, 0, static_cast<double>(dataset_->GetRasterYSize()), 0, -1};
+}
+
+void RasterLayer::NameSource(const std::string& name) {
+    auto parts = ParseContainedName(name);
+    if (!parts && IsDatabase(DriverOf(*dataset_))) parts = ContainedName{name, ""};
+    contained_ = parts.has_value();
+    if (!contained_) {
+        filePath_ = name;
+        return;
+    }
+    if (parts->inner.empty()) parts->inner = StemOf(parts->container);
+    filePath_ = parts->container + "\\" + parts->inner;
+}
+
+std::shared_ptr<IEnvelope> RasterLayer::Extent() {
+    auto extent = platform::Create(platform::Current().newEnvelope);
+    extent->XMin(transform_[0]);
+    extent->XMax(transform_[0] + Width() * transform_[1]);
+    extent->YMax(transform_[3]);
+    extent->YMin(transform_[3] + Height() * transform_[5]);
+    return extent;
+}
+
+Long RasterLayer::Width() {
+    return dataset_->GetRasterXSize();
+}
+
+Long RasterLayer::Height() {
+    return dataset_->GetRasterYSize();
+}
+
+std::string RasterLayer::FormatName() {
+    const std::string driver = DriverOf(*dataset_);
+    return driver == "OpenFileGDB" ? "FGDBR" : driver;
+}
+
+std::string RasterLayer::SpatialReference() const {
+    return dataset_->GetProjectionRef();
+}
+
+int RasterLayer::BandCount() const {
+    return dataset_->GetRasterCount();
+}
+
+std::string RasterLayer::BandType(int band) const {
+    GDALRasterBand* const found = dataset_->GetRasterBand(band);
+    if (found == nullptr) throw RuntimeError(Fault::SubscriptOutOfRange);
+    return GDALGetDataTypeName(found->GetRasterDataType());
+}
+
+std::shared_ptr<RasterLayer> OpenRasterLayer(const std::string& nameOrSubdataset) {
+    Start();
+    return std::shared_ptr<RasterLayer>(new RasterLayer(nameOrSubdataset));
+}
+
+}  // namespace orvo::gdal

@@ -1,0 +1,66 @@
+// Raster layers over the files, databases and subdatasets that the raster library opens.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+
+#include "platform/Raster.h"
+
+class GDALDataset;
+
+namespace orvo::gdal {
+
+/// A raster that is opened once and stays open as long as the object lives: layer, raster and dataset in one.
+///
+/// The raster lies straight: north is up, columns run east. One without georeference lies at (0, 0) to
+/// (columns, rows) with cells of 1. Not for use from several threads.
+class RasterLayer final : public IRasterLayer,
+                          public IRaster,
+                          public IRasterDataset,
+                          public std::enable_shared_from_this<RasterLayer> {
+  public:
+    ~RasterLayer() override;
+    RasterLayer(const RasterLayer&) = delete;
+    RasterLayer& operator=(const RasterLayer&) = delete;
+
+    std::string FilePath() override { return filePath_; }
+    std::shared_ptr<IRaster> Raster() override { return shared_from_this(); }
+    bool IsInGeodatabase() override { return contained_; }
+    std::shared_ptr<IEnvelope> Extent() override;
+    Long Width() override;
+    Long Height() override;
+    Point MeanCellSize() override { return {transform_[1], -transform_[5]}; }
+    std::shared_ptr<IRasterDataset> RasterDataset() override { return shared_from_this(); }
+    std::string FormatName() override;
+
+    /// Owned by the layer.
+    GDALDataset& Dataset() const { return *dataset_; }
+    /// Left edge, cell width, 0, top edge, 0, minus cell height, in map units.
+    const std::array<double, 6>& GeoTransform() const { return transform_; }
+    bool IsGeoreferenced() const { return georeferenced_; }
+    /// As WKT; empty where it is not known.
+    std::string SpatialReference() const;
+    int BandCount() const;
+    /// The library's name of a band's cell type, such as "Byte" or "Float32". @param band counts from 1
+    std::string BandType(int band) const;
+
+  private:
+    friend std::shared_ptr<RasterLayer> OpenRasterLayer(const std::string& nameOrSubdataset);
+    explicit RasterLayer(const std::string& name);
+
+    void Locate(const std::string& name);
+    void NameSource(const std::string& name);
+
+    std::unique_ptr<GDALDataset> dataset_;
+    std::string filePath_;
+    std::array<double, 6> transform_{};
+    bool georeferenced_ = false;
+    bool contained_ = false;
+};
+
+/// Opens a raster file or a raster inside a container by the name that the library gives it.
+/// Fails with number 53 for a missing file and 440 else; the text names the raster and the remedy.
+std::shared_ptr<RasterLayer> OpenRasterLayer(const std::string& nameOrSubdataset);
+
+}  // namespace orvo::gdal

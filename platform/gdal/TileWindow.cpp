@@ -1,0 +1,127 @@
+#include "platform/gdal/TileWindow.h"
+
+#include <gdal_priv.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/RuntimeError.h"
+#include "platform/gdal/Library.h"
+
+namespace orvo::gdal {
+namespace {
+
+constexpr double kSnap = 1e-6;  // cells
+constexpr double kSmallestCache = 16.0 * 1024 * 1024;
+constexpr double kSpareRows = 1.3;
+
+double Snap(double cells) {
+    const double whole = std::round(cells);
+    return std::abs(cells - whole) <= kSnap ? whole : cells;
+}
+
+/// The whole cells that a range touches.
+struct Cells {
+    int first;
+    int count;
+};
+
+Cells Touched(double from, double to, int size) {
+    const int first = std::clamp(static_cast<int>(std::floor(from)), 0, size - 1);
+    const int last = std::clamp(static_cast<int>(std::ceil(to)), first + 1, size);
+    return {first, last - first};
+}
+
+GDALRasterIOExtraArg Arguments(const TileWindow& window, Resample resample) {
+    GDALRasterIOExtraArg arguments;
+    INIT_RASTERIO_EXTRA_ARG(arguments);
+    if (window.IsExact()) return arguments;
+    arguments.eResampleAlg = resample == Resample::Nearest ? GRIORA_NearestNeighbour : GRIORA_Bilinear;
+    arguments.bFloatingPointWindowValidity = TRUE;
+    arguments.dfXOff = window.left;
+    arguments.dfYOff = window.top;
+    arguments.dfXSize = window.right - window.left;
+    arguments.dfYSize = window.bottom - window.top;
+    return arguments;
+}
+
+void Require(CPLErr result, const Complaints& complaints) {
+    if (result == CE_None && !complaints.Failed()) return;
+    throw RuntimeError(Fault::DeviceIOError, complaints.Reason("the source cannot be read"));
+}
+
+}  // namespace
+
+bool TileWindow::IsExact() const {
+    return left == std::floor(left) && top == std::floor(top) && right - left == columns &&
+           bottom - top == rows;
+}
+
+TileWindow ExactWindow(int column, int row, int columns, int rows) {
+    return {static_cast<double>(column),
+            static_cast<double>(row),
+            static_cast<double>(column) + columns,
+            static_cast<double>(row) + rows,
+            columns,
+            rows};
+}
+
+TileWindow WindowOf(const std::array<double, 6>& geoTransform, int rasterColumns, int rasterRows,
+                    const IEnvelope& envelope, Long columns, Long rows) {
+    if (columns <= 0 || rows <= 0) {
+        throw RuntimeError(Fault::InvalidProcedureCall,
+                           "a tile of " + std::to_string(columns) + " x " + std::to_string(rows) + " pixels");
+    }
+    if (envelope.IsEmpty()) throw RuntimeError(Fault::InvalidProcedureCall, "the envelope is empty");
+    const auto column = [&](double x) { return Snap((x - geoTransform[0]) / geoTransform[1]); };
+    const auto row = [&](double y) { return Snap((y - geoTransform[3]) / geoTransform[5]); };
+    const TileWindow window{std::max(column(envelope.XMin()), 0.0),
+                            std::max(row(envelope.YMax()), 0.0),
+                            std::min<double>(column(envelope.XMax()), rasterColumns),
+                            std::min<double>(row(envelope.YMin()), rasterRows),
+                            columns,
+                            rows};
+    if (!(window.right > window.left && window.bottom > window.top)) {
+        throw RuntimeError(Fault::InvalidProcedureCall, "the envelope has no area on the raster");
+    }
+    return window;
+}
+
+void ReadWindow(GDALDataset& dataset, std::span<const int> bands, const TileWindow& window, Resample resample,
+                void* target, const Layout& layout) {
+    const Cells x = Touched(window.left, window.right, dataset.GetRasterXSize());
+    const Cells y = Touched(window.top, window.bottom, dataset.GetRasterYSize());
+    GDALRasterIOExtraArg arguments = Arguments(window, resample);
+    std::vector<int> list(bands.begin(), bands.end());
+    const Complaints complaints;
+    const CPLErr result = dataset.RasterIO(
+        GF_Read, x.first, y.first, x.count, y.count, target, window.columns, window.rows, layout.type,
+        static_cast<int>(list.size()), list.data(), static_cast<GSpacing>(layout.pixel),
+        static_cast<GSpacing>(layout.line), static_cast<GSpacing>(layout.band), &arguments);
+    Require(result, complaints);
+}
+
+void ReadWindow(GDALRasterBand& band, const TileWindow& window, Resample resample, void* target,
+                const Layout& layout) {
+    const Cells x = Touched(window.left, window.right, band.GetXSize());
+    const Cells y = Touched(window.top, window.bottom, band.GetYSize());
+    GDALRasterIOExtraArg arguments = Arguments(window, resample);
+    const Complaints complaints;
+    const CPLErr result = band.RasterIO(GF_Read, x.first, y.first, x.count, y.count, target, window.columns,
+                                        window.rows, layout.type, static_cast<GSpacing>(layout.pixel),
+                                        static_cast<GSpacing>(layout.line), &arguments);
+    Require(result, complaints);
+}
+
+void ReserveBlockCache(GDALDataset& dataset, const TileWindow& window) {
+    double cellBytes = 0;
+    for (int band = 1; band <= dataset.GetRasterCount(); ++band) {
+        cellBytes += GDALGetDataTypeSizeBytes(dataset.GetRasterBand(band)->GetRasterDataType());
+    }
+    const bool wholeRows = window.right - window.left >= dataset.GetRasterXSize();
+    const double rows = wholeRows ? 0 : kSpareRows * (window.bottom - window.top);
+    const double bytes = std::max(kSmallestCache, rows * dataset.GetRasterXSize() * cellBytes);
+    GDALSetCacheMax64(static_cast<GIntBig>(bytes));
+}
+
+}  // namespace orvo::gdal
