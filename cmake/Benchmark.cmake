@@ -1,0 +1,2 @@
+# Google Benchmark; Debian: libbenchmark-dev.
+find_package(benchmark REQUIRED)
