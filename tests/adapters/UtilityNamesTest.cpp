@@ -1,0 +1,153 @@
+// Free names on the disk: reservations, several processes, folders that refuse.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+
+#include <set>
+
+#include "platform/RuntimeError.h"
+#include "platform/utility/UtilTools.h"
+#include "tests/adapters/TempFolder.h"
+
+namespace orvo::utility {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+struct Refusal {
+    Long number = 0;
+    std::string text;
+};
+
+Refusal RefusalIn(const std::string& folder, const std::string& extension = "png") {
+    UtilTools tools(std::make_shared<Library>(), {});
+    try {
+        tools.GetFreeFileName(folder, "i", {extension});
+    } catch (const RuntimeError& error) {
+        return {error.Number(), error.Description()};
+    }
+    return {};
+}
+
+/// Runs a check in a process of its own; what it returns must be below 256.
+int InOtherProcess(const std::function<int()>& check) {
+    const pid_t pid = ::fork();
+    if (pid == 0) ::_exit(check());
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(UtilityNames, JoinsWithTheFoldersKindOfSeparator) {
+    const TempFolder folder("a b");
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.Path());
+    std::filesystem::create_directories("x/y");
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "i_1"},
+        {"x", "x/i_1"},
+        {"x\\y", "x\\y\\i_1"},
+        {"x/y", "x/y/i_1"},
+        {".\\x\\", ".\\x\\i_1"},
+        {"x/", "x/i_1"},
+        {"./x\\y", "./x\\y/i_1"},
+    };
+    for (const auto& [path, expected] : cases) {
+        UtilTools tools(std::make_shared<Library>(), {});
+        EXPECT_EQ(tools.GetFreeFileName(path, "i", {"png"}), expected);
+    }
+    EXPECT_TRUE(std::filesystem::is_empty("x/y"));
+    std::filesystem::current_path(before);
+}
+
+TEST(UtilityNames, HoldsANameUntilItsFileStandsOrItsObjectEnds) {
+    const TempFolder folder;
+    const auto library = std::make_shared<Library>();
+    UtilTools run(library, {});
+    {
+        UtilTools once(library, {});
+        const std::string first = run.GetFreeFileName(folder.Path(), "i", {"png"});
+        const std::string second = once.GetFreeFileName(folder.Path(), "i", {"jpg", "gif"});
+        const std::string third = once.GetFreeFileName(folder.Path(), "i", {"png"});
+        EXPECT_THAT(folder.Names(), ElementsAre(".i_1.reserved", ".i_2.reserved", ".i_3.reserved"));
+        EXPECT_EQ(library->reservations.OnlyExtension(first), "png");
+        EXPECT_EQ(library->reservations.OnlyExtension(second), std::nullopt);
+        library->reservations.Release(second + ".gif");
+        EXPECT_THAT(folder.Names(), ElementsAre(".i_1.reserved", ".i_3.reserved"));
+        UtilTools stranger(std::make_shared<Library>(), {});
+        EXPECT_EQ(stranger.GetFreeFileName(folder.Path(), "i", {"png"}), folder / "i_2");
+        EXPECT_EQ(stranger.GetFreeFileName(folder.Path(), "i", {"png"}), folder / "i_4");
+    }
+    EXPECT_THAT(folder.Names(), ElementsAre(".i_1.reserved"));
+    EXPECT_EQ(run.GetFreeFileName(folder.Path(), "i", {"png"}), folder / "i_4");
+}
+
+TEST(UtilityNames, TwoProcessesNeverGetTheSameName) {
+    const TempFolder folder;
+    constexpr int kNames = 300;
+    std::vector<pid_t> writers;
+    for (const char* log : {"a.log", "b.log"}) {
+        writers.push_back(::fork());
+        if (writers.back() != 0) continue;
+        {
+            const auto library = std::make_shared<Library>();
+            UtilTools tools(library, {});
+            std::ofstream names(folder / log);
+            for (int i = 0; i < kNames; ++i) {
+                const std::string name = tools.GetFreeFileName(folder.Path(), "i", {"tif", "png"});
+                names << name << '\n';
+                std::ofstream(name + ".png") << log;
+                library->reservations.Release(name + ".png");
+            }
+        }
+        ::_exit(0);
+    }
+    for (const pid_t writer : writers) ::waitpid(writer, nullptr, 0);
+    std::set<std::string> names;
+    for (const char* log : {"a.log", "b.log"}) {
+        std::ifstream lines(folder / log);
+        for (std::string name; std::getline(lines, name);) {
+            EXPECT_TRUE(names.insert(name).second) << name;
+            EXPECT_EQ(ReadFile(name + ".png"), log);
+        }
+    }
+    EXPECT_EQ(names.size(), 2U * kNames);
+    EXPECT_EQ(folder.Names().size(), 2U * kNames + 2);
+}
+
+TEST(UtilityNames, NamesTheFolderThatRefuses) {
+    const TempFolder folder;
+    const Refusal missing = RefusalIn(folder / "none");
+    EXPECT_EQ(missing.number, 76);
+    EXPECT_THAT(missing.text, HasSubstr(folder / "none"));
+    EXPECT_EQ(RefusalIn(folder.Put("file", "")).number, 76);
+    EXPECT_EQ(RefusalIn(folder.Path(), std::string(255, 'x')).number, 75);
+    EXPECT_THAT(folder.Names(), ElementsAre("file"));
+    EXPECT_EQ(InOtherProcess([&] {
+                  ::chmod(folder.Path().c_str(), 0500);
+                  if (::geteuid() == 0 && ::seteuid(65534) != 0) return 0;
+                  return static_cast<int>(RefusalIn(folder.Path()).number);
+              }),
+              75);
+}
+
+TEST(UtilityNames, ReportsAFullDisk) {
+    const TempFolder folder;
+    const int number = InOtherProcess([&] {
+        const int spaces = ::geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER;
+        if (::unshare(spaces) != 0) return 255;
+        ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
+        if (::mount("tmpfs", folder.Path().c_str(), "tmpfs", 0, "nr_inodes=3") != 0) return 255;
+        for (int i = 0; i < 5; ++i) folder.Put("file" + std::to_string(i), "");
+        return static_cast<int>(RefusalIn(folder.Path()).number);
+    });
+    if (number == 255) GTEST_SKIP() << "no file system may be mounted here";
+    EXPECT_EQ(number, 61);
+}
+
+}  // namespace
+}  // namespace orvo::utility
