@@ -3,7 +3,7 @@ include(CMakePackageConfigHelpers)
 
 get_property(rooms GLOBAL PROPERTY ORVO_ROOMS)
 install(TARGETS ${rooms} EXPORT Orvo_TileTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-foreach(room support errorreport tileimage platform)
+foreach(room support errorreport tileimage tilevector platform)
     install(DIRECTORY ${room}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo_tile/${room}
         FILES_MATCHING PATTERN "*.h")
 endforeach()

@@ -65,7 +65,8 @@ class Statements {
     }
 
     /// A counted loop; `limit` is read once. If reading it fails and is skipped, the body runs once with the
-    /// counter as it stands, and then the loop's end fails, for the loop was never set up.
+    /// counter as it stands, and then the loop's end fails, for the loop was never set up. A body that
+    /// returns false leaves the loop at once, the counter as it stands.
     template <class Limit, class Body>
     void For(Long& counter, Long first, Limit&& limit, Body&& body, int line = __builtin_LINE()) {
         bool ready = false;
@@ -80,7 +81,11 @@ class Statements {
         if (ready && counter > last) return;
         bool again = true;
         while (again) {
-            body();
+            if constexpr (std::is_same_v<std::invoke_result_t<Body&>, bool>) {
+                if (!body()) return;
+            } else {
+                body();
+            }
             again = false;
             (*this)(
                 [&] {
