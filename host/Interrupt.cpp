@@ -1,0 +1,38 @@
+#include "host/Interrupt.h"
+
+#include <csignal>
+#include <initializer_list>
+
+namespace orvo::host {
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void OnSignal(int number) {
+    if (interrupted != 0) {
+        std::signal(number, SIG_DFL);
+        std::raise(number);
+    }
+    interrupted = 1;
+}
+
+}  // namespace
+
+void WatchSignals() {
+    struct sigaction action {};
+    action.sa_handler = OnSignal;
+    sigemptyset(&action.sa_mask);
+    for (const int number : {SIGINT, SIGTERM}) {
+        struct sigaction before {};
+        // A signal that is ignored from the start, as in a background job without job control, stays ignored.
+        if (sigaction(number, nullptr, &before) == 0 && before.sa_handler == SIG_IGN) continue;
+        sigaction(number, &action, nullptr);
+    }
+    std::signal(SIGXFSZ, SIG_IGN);
+}
+
+bool Interrupted() {
+    return interrupted != 0;
+}
+
+}  // namespace orvo::host

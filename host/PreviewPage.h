@@ -1,0 +1,14 @@
+// The page that shows the tiles where they lie.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/PlacedTile.h"
+
+namespace orvo::host {
+
+/// A page that needs nothing but itself and the tiles beside it. @param title the source's name
+std::string PreviewPage(const std::string& title, const std::vector<PlacedTile>& tiles);
+
+}  // namespace orvo::host

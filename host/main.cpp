@@ -1,0 +1,86 @@
+// orvo-tile: finds the command and runs it.
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "errorreport/Version.h"
+#include "host/Commands.h"
+#include "host/Errors.h"
+#include "host/Interrupt.h"
+
+namespace orvo::host {
+namespace {
+
+constexpr const char* kFooter =
+    "Exit codes: 0 all tiles are there; 1 something failed or is missing; 2 wrong usage; 130 interrupted.\n"
+    "Put -- before paths that begin with a dash.";
+
+std::string Version() {
+    return "orvo-tile " + std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) + "." +
+           std::to_string(kVersionRevision);
+}
+
+int Fail(ExitCode code, const std::string& text) {
+    std::cerr << "orvo-tile: " << text << '\n';
+    return code;
+}
+
+/// The arguments in reverse order, as the parser takes them. A number such as -.5 gets its zero: it would be
+/// read as an option.
+std::vector<std::string> Arguments(int count, char** values) {
+    std::vector<std::string> arguments;
+    for (int i = count - 1; i > 0; --i) {
+        std::string value = values[i];
+        if (value.size() > 2 && value.starts_with("-.") && value[2] >= '0' && value[2] <= '9')
+            value.insert(1, "0");
+        arguments.push_back(std::move(value));
+    }
+    return arguments;
+}
+
+int Run(const std::vector<Command>& commands) {
+    try {
+        for (const Command& command : commands) {
+            if (command.app->parsed()) return command.run();
+        }
+        return kExitUsage;
+    } catch (const UsageError& error) {
+        return Fail(kExitUsage, error.what());
+    } catch (const std::exception& error) {
+        return Interrupted() ? kExitInterrupted : Fail(kExitIncomplete, error.what());
+    }
+}
+
+int Main(int count, char** values) {
+    CLI::App application{"Cuts raster layers into georeferenced image tiles.", "orvo-tile"};
+    application.set_version_flag("--version", Version());
+    application.require_subcommand(1);
+    application.footer(kFooter);
+    application.fallthrough(false);
+    const std::vector<Command> commands{AddRaster(application)};
+    for (const Command& command : commands) command.app->footer(kFooter);
+    try {
+        application.parse(Arguments(count, values));
+    } catch (const CLI::Success& wish) {
+        return application.exit(wish, std::cout, std::cerr) == 0 ? kExitDone : kExitUsage;
+    } catch (const CLI::ParseError& error) {
+        return Fail(kExitUsage,
+                    std::string(error.what()) + " (orvo-tile --help and orvo-tile raster --help explain)");
+    }
+    return Run(commands);
+}
+
+}  // namespace
+}  // namespace orvo::host
+
+int main(int count, char** values) {
+    try {
+        orvo::host::WatchSignals();
+        return orvo::host::Main(count, values);
+    } catch (const std::exception& error) {
+        std::cerr << "orvo-tile: " << error.what() << '\n';
+        return orvo::host::kExitIncomplete;
+    }
+}
