@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <regex>
+#include <cstring>
 #include <string_view>
 
 #include "support/SystemPath.h"
@@ -11,14 +11,20 @@
 namespace orvo::utility {
 namespace {
 
-/// "convert" for "/usr/bin/convert-im6.q16"; empty for a program that is not known.
+/// "convert" for "/usr/bin/convert-im6.q16" and "convert.exe"; empty for a program that is not known.
 std::string KnownName(const std::string& program) {
-    static const std::regex known(
-        "(gdal_translate|convert|magick|gm|vips)(-?(im)?[0-9][a-z0-9.-]*)?([.]exe)?", std::regex::icase);
     const std::string path = SystemPath(program);
-    const std::string file = path.substr(path.rfind('/') + 1);
-    std::smatch parts;
-    return std::regex_match(file, parts, known) ? LCase(parts[1].str()) : std::string();
+    std::string file = LCase(std::string_view(path).substr(path.rfind('/') + 1));
+    if (file.ends_with(".exe")) file.resize(file.size() - 4);
+    for (const char* name : {"gdal_translate", "convert", "magick", "gm", "vips"}) {
+        if (!file.starts_with(name)) continue;
+        std::string_view version = std::string_view(file).substr(std::strlen(name));
+        if (version.starts_with('-')) version.remove_prefix(1);
+        if (version.starts_with("im")) version.remove_prefix(2);
+        const bool isVersion = !version.empty() && version[0] >= '0' && version[0] <= '9';
+        if (file == name || isVersion) return name;
+    }
+    return {};
 }
 
 bool HasLosses(const std::string& file) {

@@ -42,8 +42,14 @@ std::string Join(const std::string& folder, const std::string& name) {
     }
 }
 
-/// False where another process, or an object of this one, holds the name.
-bool CreateMark(const std::string& mark, const std::string& folder) {
+/// False where another process, or an object of this one, holds the name. A second name for a mark that is
+/// there
+/// (`like`, may be empty) costs a tenth of a new file; where the disk has no such names, a new file serves.
+bool CreateMark(const std::string& mark, const std::string& like, const std::string& folder) {
+    if (!like.empty()) {
+        if (::link(like.c_str(), mark.c_str()) == 0) return true;
+        if (errno == EEXIST) return false;
+    }
     const int file = ::open(mark.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (file < 0 && errno == EEXIST) return false;
     if (file < 0) Fail(errno, folder);
@@ -85,12 +91,12 @@ std::string Reservations::Reserve(const void* owner, const std::string& folder, 
     const std::string stem = Join(folder, baseName) + "_";
     const std::string diskStem = SystemPath(stem);
     const std::size_t nameAt = diskStem.rfind('/') + 1;  // 0 where there is no folder
-    std::int64_t& counter = counters_[diskStem];
+    auto& [counter, lastMark] = series_[diskStem];
     for (;; ++counter) {
         const std::string number = std::to_string(counter + 1);
         const std::string name = diskStem + number;
         const std::string mark = name.substr(0, nameAt) + "." + name.substr(nameAt) + ".reserved";
-        if (!CreateMark(mark, folder)) continue;
+        if (!CreateMark(mark, lastMark, folder)) continue;
         MarkGuard guard(mark);
         const bool taken = std::any_of(extensions.begin(), extensions.end(), [&](const auto& extension) {
             return Exists(extension.empty() ? name : name + "." + extension, folder);
@@ -99,6 +105,7 @@ std::string Reservations::Reserve(const void* owner, const std::string& folder, 
         Held held{owner, mark, std::nullopt};
         if (extensions.size() == 1) held.onlyExtension = extensions.front();
         held_.insert_or_assign(name, std::move(held));
+        lastMark = mark;
         guard.Keep();
         ++counter;
         return stem + number;

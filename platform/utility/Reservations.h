@@ -38,8 +38,12 @@ class Reservations {
         std::string mark;  ///< the hidden file
         std::optional<std::string> onlyExtension;
     };
-    std::map<std::string, std::int64_t> counters_;  ///< by what stands before the counter, as on the disk
-    std::map<std::string, Held> held_;              ///< by name, as on the disk
+    struct Series {
+        std::int64_t counter = 0;  ///< of the last name looked at
+        std::string lastMark;      ///< may be gone
+    };
+    std::map<std::string, Series> series_;  ///< by what stands before the counter, as on the disk
+    std::map<std::string, Held> held_;      ///< by name, as on the disk
 };
 
 }  // namespace orvo::utility
