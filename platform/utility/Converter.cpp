@@ -27,20 +27,35 @@ std::string KnownName(const std::string& program) {
     return {};
 }
 
-bool HasLosses(const std::string& file) {
+bool HasLosses(const std::string& format) {
     constexpr std::array<std::string_view, 10> formats{"jpg", "jpeg", "jpe",  "jfif", "webp",
                                                        "jp2", "j2k",  "heic", "avif", "jxl"};
-    const std::string extension = LCase(AfterLast(file, '.'));
-    return std::find(formats.begin(), formats.end(), extension) != formats.end();
+    return std::find(formats.begin(), formats.end(), format) != formats.end();
+}
+
+/// What brings the source's bands to those of the format. The translator copies bands as they are: JPEG then
+/// takes four for inks and a palette for grey, and WebP knows colours only.
+std::vector<std::string> TranslatorBands(const TiffLayout& layout, const std::string& format) {
+    const bool jpeg = format == "jpg" || format == "jpeg";
+    if (!jpeg && format != "webp") return {};
+    if (layout.meaning == TiffLayout::Palette) return {"-expand", "rgb"};
+    if (jpeg && layout.samples == 2) return {"-b", "1"};
+    if (jpeg && layout.samples == 4 && layout.meaning != TiffLayout::Inks) {
+        return {"-b", "1", "-b", "2", "-b", "3"};
+    }
+    if (!jpeg && layout.samples == 1) return {"-b", "1", "-b", "1", "-b", "1"};
+    if (!jpeg && layout.samples == 2) return {"-b", "1", "-b", "1", "-b", "1", "-b", "2"};
+    return {};
 }
 
 }  // namespace
 
-std::vector<std::string> ConverterArguments(const std::string& program, const std::string& source,
-                                            const std::string& target, int quality) {
+std::vector<std::string> ConverterArguments(const Conversion& conversion) {
+    const auto& [program, source, target, quality, layout] = conversion;
     const std::string name = KnownName(program);
     const std::string number = std::to_string(quality);
-    const bool losses = HasLosses(target);
+    const std::string format = LCase(AfterLast(target, '.'));
+    const bool losses = HasLosses(format);
     std::vector<std::string> arguments;
     const auto add = [&](const std::vector<std::string>& more) {
         arguments.insert(arguments.end(), more.begin(), more.end());
@@ -48,6 +63,7 @@ std::vector<std::string> ConverterArguments(const std::string& program, const st
     if (name == "gdal_translate") {
         add({"-q", "--config", "GDAL_PAM_ENABLED", "NO"});
         if (losses) add({"-co", "QUALITY=" + number});
+        if (layout) add(TranslatorBands(*layout, format));
         add({source, target});
     } else if (name == "convert" || name == "magick" || name == "gm") {
         if (name == "gm") add({"convert"});

@@ -1,19 +1,26 @@
 // How conversion programs are called.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "platform/Types.h"
+#include "platform/utility/TiffLayout.h"
 
 namespace orvo::utility {
 
-/// The arguments for converting the first image of `source`. GDAL's translator, ImageMagick, GraphicsMagick
-/// and vips are known by the program's file name, also with a version behind it; any other program gets
-/// source, target and quality.
-/// @param source, target begin with "./" and hold letters, digits, dots and hyphens only
-/// @param quality 1 to 100; the known programs hear it where the target's format has losses
-std::vector<std::string> ConverterArguments(const std::string& program, const std::string& source,
-                                            const std::string& target, int quality);
+/// One call of a program. Source and target begin with "./" and hold letters, digits and dots only.
+struct Conversion {
+    std::string program;
+    std::string source;
+    std::string target;
+    int quality = 75;                  ///< 1 to 100
+    std::optional<TiffLayout> layout;  ///< of the source, where it is known
+};
+
+/// The arguments for converting the first image of the source. GDAL's translator, ImageMagick, GraphicsMagick
+/// and vips are known by the program's file name, also with a version behind it, and hear the quality where
+/// the target's format has losses; any other program gets source, target and quality.
+std::vector<std::string> ConverterArguments(const Conversion& conversion);
 
 }  // namespace orvo::utility

@@ -148,9 +148,10 @@ std::string RasterConvert::Convert(Job& job) {
     std::string reason = ProvideSource(job, folder.Path(), source);
     if (!reason.empty()) return reason;
     const std::string tile = "tile." + extension;
-    const ProcessResult result = runner_->Run(
-        SystemPath(job.program), ConverterArguments(job.program, "./" + source, "./" + tile, job.quality),
-        folder.Path().string(), settings_.interrupted);
+    const auto arguments = ConverterArguments({job.program, "./" + source, "./" + tile, job.quality,
+                                               ReadTiffLayout((folder.Path() / source).string())});
+    const ProcessResult result =
+        runner_->Run(SystemPath(job.program), arguments, folder.Path().string(), settings_.interrupted);
     StopIfInterrupted();
     reason = Judge(job.program, result, folder.Path() / tile);
     return reason.empty() ? Commit(folder.Path() / tile, target) : reason;

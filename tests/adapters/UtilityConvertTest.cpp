@@ -66,7 +66,7 @@ class UtilityConvert : public testing::Test {
 TEST(UtilityConverter, KnowsProgramsByTheirFileName) {
     const auto form = [](const char* program, const char* target) {
         std::string line;
-        for (const auto& a : ConverterArguments(program, "./s.tif", target, 80)) line += a + " ";
+        for (const auto& a : ConverterArguments({program, "./s.tif", target, 80, {}})) line += a + " ";
         return line;
     };
     const std::string gdal = "-q --config GDAL_PAM_ENABLED NO ";
@@ -110,6 +110,37 @@ TEST_F(UtilityConvert, WorksWithTheRealPrograms) {
     EXPECT_THAT(failures, IsEmpty());
     EXPECT_EQ(folder.Names().size(), static_cast<std::size_t>(found) * 8);
     if (found == 0) GTEST_SKIP() << "none of the programs is installed";
+}
+
+/// The number of colour components in a JPEG's frame header.
+int JpegComponents(const std::string& file) {
+    const std::string bytes = ReadFile(file);
+    const auto frame = bytes.find("\xFF\xC0");
+    return frame == std::string::npos ? 0 : bytes.at(frame + 9);
+}
+
+TEST_F(UtilityConvert, GivesJpegsTheColoursOfTheirSource) {
+    const std::string translate = "/usr/bin/gdal_translate";
+    if (!std::filesystem::exists(translate)) GTEST_SKIP() << "the translator is not installed";
+    const std::tuple<const char*, Strings, int> sources[] = {
+        {"grey.tif", {}, 1},
+        {"greyAlpha.tif", {"-b", "1", "-b", "1", "-colorinterp_2", "alpha"}, 1},
+        {"rgb.tif", {"-b", "1", "-b", "1", "-b", "1", "-co", "PHOTOMETRIC=RGB"}, 3},
+        {"rgba.tif",
+         {"-b", "1", "-b", "1", "-b", "1", "-b", "1", "-co", "ALPHA=YES", "-co", "ENDIANNESS=BIG"},
+         3},
+        {"palette.tif", {"-b", "1", "-co", "PHOTOMETRIC=PALETTE"}, 3},
+    };
+    posix::ProcessRunner runner;
+    for (auto [name, arguments, components] : sources) {
+        SCOPED_TRACE(name);
+        arguments.insert(arguments.end(), {source, elsewhere / name});
+        ASSERT_EQ(runner.Run(translate, arguments, "", {}).exitCode, 0);
+        std::string target = tools->GetFreeFileName(folder.Path(), "i", {"jpg"});
+        EXPECT_TRUE(convert->ConvertExtern(translate, elsewhere / name, target, 0, nullptr, true));
+        EXPECT_EQ(JpegComponents(target), components);
+    }
+    EXPECT_THAT(failures, IsEmpty());
 }
 
 TEST_F(UtilityConvert, PassesTheQualityOn) {
