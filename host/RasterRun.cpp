@@ -189,12 +189,11 @@ class RasterRun {
             KeepLeftovers(folder, cell);
         }
         if (shifted_ > 0) {
-            summary.AddNotice(
-                std::to_string(shifted_) +
-                " clipped tiles were cut in whole pixels and lie up to a "
-                "pixel beside or beyond their rectangle in the index: the rounding of the cut turns an "
-                "odd number of pixels into the next even one; world files and preview place them "
-                "exactly");
+            summary.AddNotice(std::to_string(shifted_) +
+                              " clipped tiles do not fill their rectangles in the index exactly: they are "
+                              "cut in whole pixels, "
+                              "where a fraction goes up and an odd number gains one; world files and preview "
+                              "show where they lie");
         }
         if (!leftovers_.empty()) {
             summary.AddNotice(std::to_string(leftovers_.size()) +
