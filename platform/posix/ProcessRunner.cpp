@@ -183,6 +183,7 @@ int Spawn(const std::string& file, const std::string& program, const std::vector
     std::vector<std::string> texts{program};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
+    argv.reserve(texts.size() + 1);
     for (std::string& text : texts) argv.push_back(text.data());
     argv.push_back(nullptr);
     return ::posix_spawn(&pid, file.c_str(), &with.actions, &with.attributes, argv.data(), environ);

@@ -36,7 +36,7 @@ std::string Environment(const char* name) {
 }
 
 std::string Home() {
-    const std::string home = Environment("HOME");
+    std::string home = Environment("HOME");
     if (!home.empty()) return home;
     const passwd* user = ::getpwuid(::getuid());
     return user == nullptr ? "/" : user->pw_dir;
@@ -44,7 +44,7 @@ std::string Home() {
 
 /// A folder that the environment may move; a relative one does not count.
 std::string UserFolder(const char* variable, const char* belowHome) {
-    const std::string folder = Environment(variable);
+    std::string folder = Environment(variable);
     return folder.starts_with('/') ? folder : Home() + belowHome;
 }
 

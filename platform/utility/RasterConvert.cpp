@@ -93,7 +93,7 @@ std::string Judge(const std::string& program, const ProcessResult& result, const
 struct RasterConvert::Job {
     const std::string& program;
     const std::string& sourceFile;
-    Integer quality;
+    Integer quality = kDefaultQuality;
     WrittenImage image;
 };
 
@@ -105,7 +105,7 @@ std::string RasterConvert::ExportRasterWindow(const std::shared_ptr<IRasterLayer
     StopIfInterrupted();
     const IEnvelope& part = Object(envelope);
     std::string reason;
-    const std::string path =
+    std::string path =
         rasters_->ExportRasterWindow(Object(layer), targetFile, quality, part, width, height, reason);
     if (path.empty()) {
         settings_.onFailure(targetFile, reason);

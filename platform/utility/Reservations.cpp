@@ -94,8 +94,8 @@ std::string Reservations::Reserve(const void* owner, const std::string& folder, 
     auto& [counter, lastMark] = series_[diskStem];
     for (;; ++counter) {
         const std::string number = std::to_string(counter + 1);
-        const std::string name = diskStem + number;
-        const std::string mark = name.substr(0, nameAt) + "." + name.substr(nameAt) + ".reserved";
+        const std::string name = std::string(diskStem).append(number);
+        const std::string mark = std::string(name).insert(nameAt, 1, '.').append(".reserved");
         if (!CreateMark(mark, lastMark, folder)) continue;
         MarkGuard guard(mark);
         const bool taken = std::any_of(extensions.begin(), extensions.end(), [&](const auto& extension) {
