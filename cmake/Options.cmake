@@ -1,6 +1,7 @@
 # Flags for every target of this tree.
 add_library(orvo_options INTERFACE)
 target_compile_options(orvo_options INTERFACE
+    -ffp-contract=off  # tile edges are accumulated in plain doubles, the same on every processor
     -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast)
 # At -O3, g++ 12 warns of overlaps and overflows inside std::string and std::vector that cannot happen.
 target_compile_options(orvo_options INTERFACE

@@ -6,13 +6,12 @@ constexpr std::size_t kLongestEntry = 320;  // bytes; the descriptors are shorte
 }
 
 void CallStackList::PushFront(const std::string& entry) {
-    newest_ = (newest_ + kMost - 1) % kMost;
-    std::string& slot = ring_[newest_];
-    if (count_ < kMost) {
-        slot.reserve(kLongestEntry);
-        ++count_;
-    }
+    const std::size_t next = (newest_ + kMost - 1) % kMost;
+    std::string& slot = ring_[next];
+    if (count_ < kMost) slot.reserve(kLongestEntry);
     slot.assign(entry);
+    newest_ = next;
+    if (count_ < kMost) ++count_;
 }
 
 std::vector<std::string> CallStackList::Entries() const {

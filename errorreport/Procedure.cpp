@@ -65,10 +65,11 @@ const Failure& CurrentFailure() {
 }
 
 void Statements::Enter() const {
-    // One scratch text for all entries: the dialog changes it in place, and its memory is used again.
-    thread_local std::string entry;
-    entry.assign(text_.descriptor);
-    GlobalErrorDialog().CallStack(entry);
+    // One scratch text for all entries, never destroyed: the dialog changes it in place, its memory is used
+    // again.
+    static auto* entry = new std::string;
+    entry->assign(text_.descriptor);
+    GlobalErrorDialog().CallStack(*entry);
 }
 
 bool Statements::RunAgain(int line) {

@@ -33,7 +33,7 @@ void Localize(Control& control, const char* source, const char* target, Lookup l
     try {
         const std::string& id = control.Get(source);
         if (IsNumeric(id)) control.Set(target, lookup(StringId(id)));
-    } catch (const std::exception&) {
+    } catch (...) {
         // Skipped on purpose: one missing text must not cost the others theirs.
     }
 }

@@ -6,6 +6,9 @@
 #include "support/Arithmetic.h"
 
 namespace orvo {
+namespace {
+constexpr Integer kCompanyName = 1;  // one row for all languages
+}
 
 std::span<const StringRow>& AddedRows() {
     static std::span<const StringRow> rows;
@@ -27,7 +30,7 @@ std::string LoadResString(Integer id) {
 }
 
 std::string Text(Integer id) {
-    return LoadResString(AddInteger(id, LangOffset()));
+    return LoadResString(id == kCompanyName ? id : AddInteger(id, LangOffset()));
 }
 
 std::string GetResString(Integer& nRes) {

@@ -30,7 +30,8 @@ Integer& LangOffset();
 /// The text of exactly this id; a missing row fails with number 326.
 std::string LoadResString(Integer id);
 
-/// The text of id + LangOffset; a sum above 32767 fails with "Overflow".
+/// The text of id + LangOffset; a sum above 32767 fails with "Overflow". Id 1, the supplier's name, is looked
+/// up without the offset.
 std::string Text(Integer id);
 
 /// As Text, but a text that ends in "_" continues in the next id; `nRes` ends one past the last id read.

@@ -74,6 +74,15 @@ std::string UCase(std::string_view text) {
     return MapCase(text, true);
 }
 
+std::string Left(std::string_view text, std::size_t count) {
+    std::size_t end = 0;
+    for (; end < text.size(); ++end) {
+        const bool startsCharacter = (static_cast<unsigned char>(text[end]) & 0xC0U) != 0x80U;
+        if (startsCharacter && count-- == 0) break;
+    }
+    return std::string(text.substr(0, end));
+}
+
 std::string AfterLast(std::string_view text, char mark) {
     const auto at = text.rfind(mark);
     return std::string(at == std::string_view::npos ? text : text.substr(at + 1));

@@ -12,6 +12,9 @@ namespace orvo {
 std::string LCase(std::string_view text);
 std::string UCase(std::string_view text);
 
+/// The first `count` characters (code points); the whole text where it is shorter.
+std::string Left(std::string_view text, std::size_t count);
+
 /// The text behind the last occurrence of `mark`; the whole text where it does not occur.
 std::string AfterLast(std::string_view text, char mark);
 

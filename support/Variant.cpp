@@ -3,6 +3,8 @@
 #include <optional>
 #include <type_traits>
 
+#include "platform/RuntimeError.h"
+
 namespace orvo {
 namespace {
 
@@ -32,6 +34,13 @@ bool IsLess(const Variant& a, const Variant& b) {
     if (textB != nullptr && emptyA) return !textB->empty();
     if (textA != nullptr || textB != nullptr) return textB != nullptr;
     return *Number(a) < *Number(b);
+}
+
+std::string TextOf(const Variant& value) {
+    if (std::holds_alternative<std::monostate>(value)) return {};
+    const auto* text = std::get_if<std::string>(&value);
+    if (text == nullptr) throw RuntimeError(Fault::TypeMismatch);
+    return *text;
 }
 
 }  // namespace orvo

@@ -20,4 +20,7 @@ using Variant = std::variant<std::monostate, Null, bool, Integer, Long, float, d
 /// ""), any number before any text, and nothing before or after Null.
 bool IsLess(const Variant& a, const Variant& b);
 
+/// The text of a Variant that holds one; Empty is "". Any other content fails with "Type mismatch" (13).
+std::string TextOf(const Variant& value);
+
 }  // namespace orvo

@@ -71,11 +71,9 @@ clsTileImage::clsTileImage() {
         run([&] { tileCountX_ = 1; });
         run([&] { tileCountY_ = 1; });
         run([&] { tileObjectDict_ = platform::Create(platform::Current().newDictionary); });
-        run([&] {
-            folder = std::get<std::string>(GetString(IRegistry::kCurrentUser, kShellFolders, "AppData"));
-        });
+        run([&] { folder = TextOf(GetString(IRegistry::kCurrentUser, kShellFolders, "AppData")); });
         // The product's folder is looked up and, on purpose, not kept: nothing uses it.
-        run([&] { folder = folder + "\\" + LoadResString(kCompanyFolder) + "\\" + Text(kProductName); });
+        run([&] { folder = folder + "\\" + Text(kCompanyFolder) + "\\" + Text(kProductName); });
         run([&] { tools.reset(); });
     });
 }

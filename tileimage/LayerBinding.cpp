@@ -27,10 +27,10 @@ constexpr const char* kFileGeodatabaseFormat = "FGDBR";
 /// where the name holds no such file; its answer then does not count.
 bool IsInPersonalGeodatabase(const std::string& name) {
     const auto found = name.find(kPersonalGeodatabase);
-    const std::size_t P = found == std::string::npos ? 0 : found + 1;
+    const bool named = found != std::string::npos;
     const auto files = platform::Create(platform::Current().newFileSystemObject);
-    const bool exists = files->FileExists(name.substr(0, P + 3));
-    return P > 0 && exists;
+    const bool exists = files->FileExists(named ? name.substr(0, found + 4) : Left(name, 3));
+    return named && exists;
 }
 
 std::string FormatNameOf(IRasterLayer& layer) {

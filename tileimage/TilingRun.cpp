@@ -37,7 +37,7 @@ template <class Statement>
 void Quietly(Statement&& statement) {
     try {
         statement();
-    } catch (const std::exception&) {
+    } catch (...) {
         // Goes on with the next statement.
     }
 }
@@ -54,15 +54,23 @@ struct clsTileImage::Run {
     Long rowOffset = 0;
     double left = 0;  ///< of the current cell, map units, accumulated cell by cell
     double top = 0;
-};
-
-struct clsTileImage::Cell {
+    // Of the current cell; where a statement that sets one is skipped, the previous cell's value stays.
     Long w = 0;
+    Long h = 0;
     std::string baseName;
-    std::shared_ptr<IEnvelope> envelope;
-    PixelWindow window;
     std::string outputName;
 };
+
+/// What is made anew for each cell.
+struct clsTileImage::Cell {
+    std::shared_ptr<IEnvelope> envelope;
+    PixelWindow window;
+};
+
+template <class MakeText>
+void clsTileImage::Step(Statements& run, const MakeText& text, int line) {
+    run([&] { CreateMessageText(text(), 0, true); }, line);
+}
 
 bool clsTileImage::Tile() {
     return Procedure<bool>(kTile).Run([&](Statements& run, bool& result) {
@@ -96,30 +104,29 @@ bool clsTileImage::Tile() {
 
 void clsTileImage::WalkGrid(Statements& run, Run& job) {
     while (run.Test([&] { return job.rowOffset < job.rows; })) {
-        Long h = 0;
-        run([&] { h = CutTo(tilePixelHeight_, job.rows, job.rowOffset); });
-        while (run.Test([&] { return job.columnOffset < job.columns; })) TileCell(run, job, h);
+        run([&] { job.h = CutTo(tilePixelHeight_, job.rows, job.rowOffset); });
+        while (run.Test([&] { return job.columnOffset < job.columns; })) TileCell(run, job);
         run([&] { job.rowOffset = Add(job.rowOffset, tilePixelHeight_); });
         run([&] { job.columnOffset = 0; });
         run([&] { job.left = extentXMin_; });
-        run([&] { job.top = Finite(job.top - h * cellSizeY_); });
+        run([&] { job.top = Finite(job.top - job.h * cellSizeY_); });
     }
 }
 
-void clsTileImage::TileCell(Statements& run, Run& job, Long h) {
+void clsTileImage::TileCell(Statements& run, Run& job) {
     Cell cell;
-    Step(run, "Tiling " + imageName_);
-    run([&] { cell.w = CutTo(tilePixelWidth_, job.columns, job.columnOffset); });
-    run([&] { cell.baseName = TileBaseName(); });
+    Step(run, [&] { return "Tiling " + imageName_; });
+    run([&] { job.w = CutTo(tilePixelWidth_, job.columns, job.columnOffset); });
+    run([&] { job.baseName = TileBaseName(); });
     run([&] { cell.envelope = platform::Create(platform::Current().newEnvelope); });
     run([&] { Object(cell.envelope).XMin(job.left); });
-    run([&] { Object(cell.envelope).XMax(Finite(cell.w * cellSizeX_ + job.left)); });
+    run([&] { Object(cell.envelope).XMax(Finite(job.w * cellSizeX_ + job.left)); });
     run([&] { Object(cell.envelope).YMax(job.top); });
-    run([&] { Object(cell.envelope).YMin(Finite(job.top - h * cellSizeY_)); });
-    run([&] { cell.window = {job.columnOffset, job.rowOffset, cell.w, h}; });
-    if (ClipCell(run, cell) && !TileExtern(run, job, cell)) TileByPlatform(run, job, cell, h);
+    run([&] { Object(cell.envelope).YMin(Finite(job.top - job.h * cellSizeY_)); });
+    run([&] { cell.window = {job.columnOffset, job.rowOffset, job.w, job.h}; });
+    if (ClipCell(run, cell) && !TileExtern(run, job, cell)) TileByPlatform(run, job, cell);
     run([&] { job.columnOffset = Add(job.columnOffset, tilePixelWidth_); });
-    run([&] { job.left = Finite(job.left + cell.w * cellSizeX_); });
+    run([&] { job.left = Finite(job.left + job.w * cellSizeX_); });
 }
 
 /// Cuts the cell back to the clip area; false where the two do not meet. The pixel size of the platform's
@@ -146,37 +153,37 @@ bool clsTileImage::ClipCell(Statements& run, Cell& cell) {
 }
 
 /// The external way: the window is cut out of the source file and converted. True where that gave the tile.
-bool clsTileImage::TileExtern(Statements& run, Run& job, Cell& cell) {
+bool clsTileImage::TileExtern(Statements& run, Run& job, const Cell& cell) {
     bool converted = false;
     if (!run.Test([&] { return IsPlainImage(workingExtension_); })) {
         run([&] { workingExtension_ = LCase(graphicFormat_); });
         return converted;
     }
-    Step(run, "Tiling extern");
+    Step(run, [] { return std::string("Tiling extern"); });
     if (run.Test([&] { return workingExtension_ == "tif" || workingExtension_ == "bmp"; })) {
         run([&] { workingExtension_ = LCase(graphicFormat_); });
     }
     run([&] {
-        cell.outputName = Object(job.tools).GetFreeFileName(savePath_, cell.baseName, {workingExtension_});
+        job.outputName = Object(job.tools).GetFreeFileName(savePath_, job.baseName, {workingExtension_});
     });
-    Step(run, "Tiling: Change to " + workingExtension_);
+    Step(run, [&] { return "Tiling: Change to " + workingExtension_; });
     run([&] {
         converted = Object(job.convert)
-                        .ConvertExtern(graphicConvertProg_, imagePath_, cell.outputName, graphicQuality_,
+                        .ConvertExtern(graphicConvertProg_, imagePath_, job.outputName, graphicQuality_,
                                        &cell.window, true);
     });
     // Looks for the full path although the keys are bare file names: kept, it always finds the name free.
-    if (run.Test([&] { return converted && !Object(tileObjectDict_).Exists(cell.outputName); })) {
+    if (run.Test([&] { return converted && !Object(tileObjectDict_).Exists(job.outputName); })) {
         run([&] { AddTile(job, cell); });
     }
     return converted;
 }
 
 /// The platform way: the layer's part inside the envelope is exported, a TIFF converted in a second step.
-void clsTileImage::TileByPlatform(Statements& run, Run& job, Cell& cell, Long h) {
+void clsTileImage::TileByPlatform(Statements& run, Run& job, const Cell& cell) {
     run([&] {
-        cell.outputName =
-            Object(job.tools).GetFreeFileName(savePath_, cell.baseName, {"tif", "jpg", "png", "gif"});
+        job.outputName =
+            Object(job.tools).GetFreeFileName(savePath_, job.baseName, {"tif", "jpg", "png", "gif"});
     });
     if (run.Test([&] {
             const std::string lower = LCase(workingExtension_);
@@ -184,22 +191,22 @@ void clsTileImage::TileByPlatform(Statements& run, Run& job, Cell& cell, Long h)
         })) {
         run([&] { workingExtension_ = LCase(graphicFormat_); });
     }
-    run([&] { cell.outputName = cell.outputName + "." + workingExtension_; });
-    Step(run, "Tiling: Convert to " + UCase(workingExtension_));
+    run([&] { job.outputName = job.outputName + "." + workingExtension_; });
+    Step(run, [&] { return "Tiling: Convert to " + UCase(workingExtension_); });
     run([&] {
-        cell.outputName = Object(job.convert)
-                              .ExportRasterWindow(imageLayer_, cell.outputName, graphicQuality_, nullptr,
-                                                  cell.envelope, cell.w, h);
+        job.outputName = Object(job.convert)
+                             .ExportRasterWindow(imageLayer_, job.outputName, graphicQuality_, nullptr,
+                                                 cell.envelope, job.w, job.h);
     });
-    Step(run, "Tiling: Convert to " + UCase(workingExtension_));
-    if (run.Test([&] { return cell.outputName.empty(); })) return;
-    if (run.Test([&] { return UCase(Object(job.files).GetExtensionName(cell.outputName)) == "TIF"; })) {
-        Step(run, "Tiling");
-        run([&] { cell.outputName = SaveTIFFToWWW(cell.outputName); });
+    Step(run, [&] { return "Tiling: Convert to " + UCase(workingExtension_); });
+    if (run.Test([&] { return job.outputName.empty(); })) return;
+    if (run.Test([&] { return UCase(Object(job.files).GetExtensionName(job.outputName)) == "TIF"; })) {
+        Step(run, [] { return std::string("Tiling"); });
+        run([&] { job.outputName = SaveTIFFToWWW(job.outputName); });
     } else {
-        RemoveSideFiles(run, job, cell.outputName);
+        RemoveSideFiles(run, job, job.outputName);
     }
-    if (run.Test([&] { return !cell.outputName.empty(); })) run([&] { AddTile(job, cell); });
+    if (run.Test([&] { return !job.outputName.empty(); })) run([&] { AddTile(job, cell); });
 }
 
 /// Removes what an export leaves beside its image. Failures of the removal itself are of no interest.
@@ -207,19 +214,18 @@ void clsTileImage::RemoveSideFiles(Statements& run, Run& job, const std::string&
     if (!run.Test([&] { return Object(job.files).GetParentFolderName(tileFile) == savePath_; })) return;
     std::string stem;
     Quietly([&] { stem = StemOf(Object(job.files), tileFile); });
-    for (const std::string& sideFile : {stem + ".aux", stem + ".rrd", tileFile + ".aux.xml"}) {
+    const auto remove = [&](const std::string& name, const char* suffix) {
         bool exists = true;
-        Quietly([&] { exists = Object(job.files).FileExists(sideFile); });
-        if (exists) Quietly([&] { Object(job.files).DeleteFile(sideFile, true); });
-    }
+        Quietly([&] { exists = Object(job.files).FileExists(name + suffix); });
+        if (exists) Quietly([&] { Object(job.files).DeleteFile(name + suffix, true); });
+    };
+    remove(stem, ".aux");
+    remove(stem, ".rrd");
+    remove(tileFile, ".aux.xml");
 }
 
-void clsTileImage::Step(Statements& run, const std::string& text) {
-    run([&] { CreateMessageText(text, 0, true); });
-}
-
-void clsTileImage::AddTile(Run& job, const Cell& cell) {
-    Object(tileObjectDict_).Add(Object(job.files).GetFileName(cell.outputName), cell.envelope);
+void clsTileImage::AddTile(const Run& job, const Cell& cell) {
+    Object(tileObjectDict_).Add(Object(job.files).GetFileName(job.outputName), cell.envelope);
 }
 
 }  // namespace orvo

@@ -71,13 +71,14 @@ class clsTileImage {
     std::string GetTileExtent(Long NrX, const Long& NrY) const;
 
     void WalkGrid(Statements& run, Run& job);
-    void TileCell(Statements& run, Run& job, Long h);
+    void TileCell(Statements& run, Run& job);
     bool ClipCell(Statements& run, Cell& cell);
-    bool TileExtern(Statements& run, Run& job, Cell& cell);
-    void TileByPlatform(Statements& run, Run& job, Cell& cell, Long h);
+    bool TileExtern(Statements& run, Run& job, const Cell& cell);
+    void TileByPlatform(Statements& run, Run& job, const Cell& cell);
     void RemoveSideFiles(Statements& run, Run& job, const std::string& tileFile);
-    void Step(Statements& run, const std::string& text);
-    void AddTile(Run& job, const Cell& cell);
+    template <class MakeText>
+    void Step(Statements& run, const MakeText& text, int line = __builtin_LINE());
+    void AddTile(const Run& job, const Cell& cell);
 
     // Held objects and derived facts of the bound layer.
     std::shared_ptr<IRasterLayer> imageLayer_;

@@ -97,9 +97,13 @@ TEST_F(StringsTest, EveryRowIsThereOnceInEveryLanguageButForTheKnownGaps) {
     EXPECT_EQ(Text(8018), "Ligne N°. :");
     EXPECT_EQ(NumberOf([] { Text(8008); }), 326);
     EXPECT_EQ(NumberOf([] { Text(12768); }), 6);
+    EXPECT_EQ(Text(1), LoadResString(1)) << "one row for all languages";
+    EXPECT_EQ(Text(8024), "&Commande répèter");
     LangOffset() = 10000;
-    EXPECT_NE(Text(209).find("*.tif\"|"), std::string::npos)
-        << "the stray quote behind the second pattern list";
+    EXPECT_EQ(Text(1), LoadResString(1));
+    EXPECT_EQ(Text(8018), "Record No.:");
+    EXPECT_EQ(LoadResString(102), "keine Kachelgröße bzw. -anzahl angegeben ");
+    EXPECT_TRUE(Text(209).ends_with("|*.*\"")) << "the stray quote behind the second pattern list";
 }
 
 TEST_F(StringsTest, ContinuedLookupJoinsPiecesAndAdvancesTheId) {

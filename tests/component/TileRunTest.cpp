@@ -65,6 +65,8 @@ TEST_F(TileRunTest, MoreThan999TilesAreRefusedWithoutProgress) {
     EXPECT_FALSE(tiler->Tile());
     ASSERT_EQ(world->messages.size(), 1U);
     EXPECT_EQ(world->messages[0].text, "trop de tuiles (max. 999)");
+    EXPECT_EQ(world->messages[0].title, "Message");
+    EXPECT_EQ(world->messages[0].icon, MessageIcon::Critical);
     EXPECT_TRUE(status->shown.empty());
     EXPECT_TRUE(world->failures.empty());
 }
@@ -245,7 +247,7 @@ TEST_F(TileRunTest, RunsAddUpAndTakeNewNamesAlsoBesideOlderTiles) {
 }
 
 TEST_F(TileRunTest, NegativeSizeEndsThroughOverflowOnly) {
-    // Widths of −2^30 pixels reach the end of the numbers in the second step.
+    // With widths of −2^30 pixels what is left of the row passes 2^31 in the third cell.
     facts.columns = 5;
     facts.cellSize = {1, 1};
     Bind(5);

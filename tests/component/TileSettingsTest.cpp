@@ -22,6 +22,14 @@ TEST_F(TileSettingsTest, CreationSetsTheLanguageAndADictionaryThatOutlivesTheTil
     EXPECT_EQ(Trace().At(0), "14:25:07 [clsTileImage] Private Sub Class_Terminate()");
 }
 
+TEST_F(TileSettingsTest, UnreadableFolderIsOneFailureOfTheReaderAndCreationGoesOn) {
+    world->registry["Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders"]["AppData"] = {
+        1, "no end"};
+    Renew();
+    ASSERT_EQ(world->failures.size(), 1U);
+    EXPECT_EQ(ShownLabel(0), "GetString");
+}
+
 TEST_F(TileSettingsTest, SizesInMapUnitsBecomePixelsAndCounts) {
     struct Case {
         Long columns;
