@@ -1,8 +1,6 @@
 #include "platform/gdal/ColourTable.h"
 
 #include <algorithm>
-#include <limits>
-#include <numeric>
 
 #include "platform/gdal/Pieces.h"
 
@@ -10,12 +8,12 @@ namespace orvo::gdal {
 namespace {
 
 constexpr int kBits = 6;
+constexpr int kDrop = 8 - kBits;
 constexpr std::size_t kBins = std::size_t{1} << (3 * kBits);
 constexpr unsigned kVisible = 128;
 constexpr Holds kColours{.transparency = true};
 
 std::size_t BinOf(const unsigned char* colour) {
-    constexpr int kDrop = 8 - kBits;
     return (static_cast<std::size_t>(colour[0] >> kDrop) << (2 * kBits)) |
            (static_cast<std::size_t>(colour[1] >> kDrop) << kBits) |
            static_cast<std::size_t>(colour[2] >> kDrop);
@@ -37,6 +35,14 @@ int Distance(const Colour& a, const unsigned char* b) {
     const int green = a.green - b[1];
     const int blue = a.blue - b[2];
     return red * red + green * green + blue * blue;
+}
+
+unsigned char Nearest(const Palette& palette, const unsigned char* colour) {
+    const auto nearer = [&](const Colour& a, const Colour& b) {
+        return Distance(a, colour) < Distance(b, colour);
+    };
+    return static_cast<unsigned char>(std::min_element(palette.begin(), palette.end(), nearer) -
+                                      palette.begin());
 }
 
 }  // namespace
@@ -121,40 +127,27 @@ Palette ColourCount::Cut(std::size_t colours) const {
     return palette;
 }
 
-void Indexer::Measure() {
+Indexer::Table Indexer::Measure() {
     ColourCount count;
     Pixels piece;
-    ForEachPiece(dataset_, [&](const TileWindow& window) {
+    ForEachPiece(reader_.Layer().Dataset(), [&](const TileWindow& window) {
         reader_.Read(window, kColours, piece);
         count.Add(piece);
     });
     const bool transparent = HasAlpha(piece.form) || piece.transparent;
-    palette_ = count.Cut(transparent ? 255 : 256);
-    lookup_.resize(kBins);
+    Table table{count.Cut(transparent ? 255 : 256), std::vector<unsigned char>(kBins)};
     for (std::size_t bin = 0; bin < kBins; ++bin) {
-        constexpr int kDrop = 8 - kBits;
         std::array<unsigned char, 3> middle{};
         for (int c = 0; c < 3; ++c) {
             middle[static_cast<std::size_t>(c)] = static_cast<unsigned char>((Along(bin, c) << kDrop) + 2);
         }
-        lookup_[bin] = Nearest(middle.data());
+        table.nearest[bin] = Nearest(table.palette, middle.data());
     }
-    if (transparent) palette_.push_back({0, 0, 0, 0});
+    if (transparent) table.palette.push_back({0, 0, 0, 0});
+    return table;
 }
 
-unsigned char Indexer::Nearest(const unsigned char* colour) const {
-    std::size_t best = 0;
-    int least = std::numeric_limits<int>::max();
-    for (std::size_t i = 0; i < palette_.size(); ++i) {
-        const int distance = Distance(palette_[i], colour);
-        if (distance >= least) continue;
-        least = distance;
-        best = i;
-    }
-    return static_cast<unsigned char>(best);
-}
-
-void Indexer::IndexGreys(Pixels& pixels) const {
+void Indexer::IndexGreys(Pixels& pixels) {
     Palette palette;
     for (unsigned level = 0; level < 256; ++level) {
         const auto grey = static_cast<unsigned char>(level);
@@ -174,14 +167,14 @@ void Indexer::IndexGreys(Pixels& pixels) const {
 }
 
 void Indexer::IndexColours(Pixels& pixels) {
-    if (palette_.empty()) Measure();
+    const Table& table = table_.Get([&] { return Measure(); });
     const auto channels = static_cast<std::size_t>(pixels.Channels());
-    const auto hidden = static_cast<unsigned char>(palette_.size() - 1);
+    const auto hidden = static_cast<unsigned char>(table.palette.size() - 1);
     for (std::size_t i = 0; i < pixels.Count(); ++i) {
         const unsigned char* const pixel = pixels.bytes.data() + i * channels;
-        pixels.bytes[i] = IsVisible(pixels, pixel) ? lookup_[BinOf(pixel)] : hidden;
+        pixels.bytes[i] = IsVisible(pixels, pixel) ? table.nearest[BinOf(pixel)] : hidden;
     }
-    pixels.palette = palette_;
+    pixels.palette = table.palette;
 }
 
 void Indexer::MakeIndexed(Pixels& pixels) {

@@ -1,10 +1,12 @@
 // Bringing colours down to a palette.
 #pragma once
 
-#include <optional>
+#include <array>
+#include <cstdint>
 #include <vector>
 
 #include "platform/gdal/LayerReader.h"
+#include "platform/gdal/Once.h"
 #include "platform/gdal/Pixels.h"
 
 namespace orvo::gdal {
@@ -34,21 +36,23 @@ class ColourCount {
 /// it.
 class Indexer {
   public:
-    /// @param dataset of the reader; must outlive this object
-    Indexer(GDALDataset& dataset, LayerReader& reader) : dataset_(dataset), reader_(reader) {}
+    /// The reader must outlive this object.
+    explicit Indexer(LayerReader& reader) : reader_(reader) {}
     /// Turns pixels of any 8-bit form into the indexed form. The transparent entry, if any, has alpha 0.
     void MakeIndexed(Pixels& pixels);
 
   private:
-    void Measure();
-    unsigned char Nearest(const unsigned char* colour) const;
-    void IndexGreys(Pixels& pixels) const;
+    /// The layer's colours and which of them comes nearest to any colour.
+    struct Table {
+        Palette palette;
+        std::vector<unsigned char> nearest;  // by the upper six bits per channel
+    };
+    Table Measure();
+    static void IndexGreys(Pixels& pixels);
     void IndexColours(Pixels& pixels);
 
-    GDALDataset& dataset_;
     LayerReader& reader_;
-    Palette palette_;                    // empty until it is measured
-    std::vector<unsigned char> lookup_;  // upper six bits per channel → index
+    Once<Table> table_;
 };
 
 }  // namespace orvo::gdal

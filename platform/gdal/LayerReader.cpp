@@ -49,7 +49,18 @@ bool HasTransparentEntry(const Palette& palette) {
 
 }  // namespace
 
-LayerReader::LayerReader(GDALDataset& dataset) : dataset_(dataset), plan_(PlanBands(dataset)) {}
+LayerReader::LayerReader(RasterLayer& layer) : layer_(layer), plan_(PlanBands(layer.Dataset())) {}
+
+bool LayerReader::Recover() {
+    const bool first = !ahead_.IsStopped();
+    ahead_.Stop();
+    layer_.Reopen();
+    return first;
+}
+
+const Stretch& LayerReader::LayerStretch() {
+    return stretch_.Get([&] { return MeasureStretch(layer_.Dataset(), plan_); });
+}
 
 bool LayerReader::IsStretched(const Holds& holds) const {
     return plan_.type != GDT_Byte && !(plan_.type == GDT_UInt16 && holds.sixteenBits);
@@ -64,8 +75,7 @@ Form LayerReader::FormFor(const Holds& holds) {
     if (indexed) {
         alpha = alpha || plan_.HasNodata() || HasTransparentEntry(plan_.palette);
     } else if (IsStretched(holds)) {
-        if (!stretch_) stretch_ = MeasureStretch(dataset_, plan_);
-        alpha = alpha || stretch_->holes;
+        alpha = LayerStretch().holes || alpha;
     }
     if (indexed || plan_.colours.size() == 3) return alpha && holds.transparency ? Form::RGBA : Form::RGB;
     return alpha && holds.transparency ? Form::GreyAlpha : Form::Grey;
@@ -90,7 +100,7 @@ void LayerReader::Read(const TileWindow& window, const Holds& holds, Pixels& pix
 }
 
 void LayerReader::ReadIndexed(const TileWindow& window, Pixels& pixels) {
-    ReadWindow(dataset_, plan_.colours, window, Resample::Nearest, pixels.bytes.data(), Interleaved(pixels));
+    ahead_.Read(layer_.Dataset(), plan_.colours, GDT_Byte, window, Resample::Nearest, pixels.bytes.data());
     pixels.palette = plan_.palette;
     // An index past the palette's end is shown black, as other readers do.
     const std::size_t used =
@@ -104,7 +114,8 @@ void LayerReader::ReadIndexed(const TileWindow& window, Pixels& pixels) {
 void LayerReader::ReadExpanded(const TileWindow& window, Pixels& pixels) {
     if (HasAlpha(pixels.form)) ReadAlpha(window, pixels);
     indices_.resize(pixels.Count());
-    ReadWindow(dataset_, plan_.colours, window, Resample::Nearest, indices_.data(), {.type = GDT_UInt16});
+    ReadWindow(layer_.Dataset(), plan_.colours, window, Resample::Nearest, indices_.data(),
+               {.type = GDT_UInt16});
     const auto channels = static_cast<std::size_t>(pixels.Channels());
     for (std::size_t i = 0; i < indices_.size(); ++i) {
         const unsigned index = indices_[i];
@@ -120,11 +131,16 @@ void LayerReader::ReadExpanded(const TileWindow& window, Pixels& pixels) {
 void LayerReader::ReadDirect(const TileWindow& window, Pixels& pixels) {
     std::vector<int> bands = plan_.colours;
     const bool alpha = HasAlpha(pixels.form);
-    const bool alongside =
-        alpha && plan_.alpha != 0 && dataset_.GetRasterBand(plan_.alpha)->GetRasterDataType() == plan_.type;
+    const bool alongside = alpha && plan_.alpha != 0 &&
+                           layer_.Dataset().GetRasterBand(plan_.alpha)->GetRasterDataType() == plan_.type;
     if (alongside) bands.push_back(plan_.alpha);
-    ReadWindow(dataset_, bands, window, Resample::Bilinear, pixels.bytes.data(), Interleaved(pixels));
-    if (alpha && !alongside) ReadAlpha(window, pixels);
+    if (alpha && !alongside) {
+        ReadWindow(layer_.Dataset(), bands, window, Resample::Bilinear, pixels.bytes.data(),
+                   Interleaved(pixels));
+        ReadAlpha(window, pixels);
+    } else {
+        ahead_.Read(layer_.Dataset(), bands, plan_.type, window, Resample::Bilinear, pixels.bytes.data());
+    }
     if (alpha && plan_.HasNodata()) ClearNodata(pixels);
 }
 
@@ -132,10 +148,11 @@ void LayerReader::ReadStretched(const TileWindow& window, Pixels& pixels) {
     const std::size_t colours = plan_.colours.size();
     const auto channels = static_cast<std::size_t>(pixels.Channels());
     const bool alpha = HasAlpha(pixels.form);
+    const Stretch& stretch = LayerStretch();
     if (alpha) ReadAlpha(window, pixels);
     cells_.resize(pixels.Count() * colours);
     const std::size_t cell = colours * sizeof(double);
-    ReadWindow(dataset_, plan_.colours, window, Resample::Bilinear, cells_.data(),
+    ReadWindow(layer_.Dataset(), plan_.colours, window, Resample::Bilinear, cells_.data(),
                {.type = GDT_Float64,
                 .pixel = cell,
                 .line = cell * static_cast<std::size_t>(pixels.width),
@@ -145,7 +162,7 @@ void LayerReader::ReadStretched(const TileWindow& window, Pixels& pixels) {
         for (std::size_t c = 0; c < colours; ++c) {
             const double value = cells_[i * colours + c];
             const bool hole = IsHole(value, plan_.nodata[c], plan_.type);
-            pixels.bytes[i * channels + c] = hole ? 0 : (*stretch_)(value);
+            pixels.bytes[i * channels + c] = hole ? 0 : stretch(value);
             empty = empty && hole;
         }
         if (alpha && empty) SetAlpha(pixels, i, 0);
@@ -158,8 +175,9 @@ void LayerReader::ReadAlpha(const TileWindow& window, Pixels& pixels) {
         for (std::size_t i = 0; i < pixels.Count(); ++i) SetAlpha(pixels, i, Opaque(pixels.depth));
         return;
     }
-    GDALRasterBand& band = plan_.mask ? *dataset_.GetRasterBand(plan_.colours[0])->GetMaskBand()
-                                      : *dataset_.GetRasterBand(plan_.alpha);
+    GDALDataset& dataset = layer_.Dataset();
+    GDALRasterBand& band = plan_.mask ? *dataset.GetRasterBand(plan_.colours[0])->GetMaskBand()
+                                      : *dataset.GetRasterBand(plan_.alpha);
     const unsigned full = !plan_.mask && band.GetRasterDataType() == GDT_UInt16 ? 65535 : 255;
     std::vector<std::uint16_t> values(pixels.Count());
     ReadWindow(band, window, plan_.mask ? Resample::Nearest : Resample::Bilinear, values.data(),

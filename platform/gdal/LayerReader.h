@@ -1,10 +1,11 @@
 // Reading tiles of one layer as pixels that an image format can hold.
 #pragma once
 
-#include <optional>
-
 #include "platform/gdal/BandPlan.h"
+#include "platform/gdal/Once.h"
 #include "platform/gdal/Pixels.h"
+#include "platform/gdal/RasterLayer.h"
+#include "platform/gdal/ReadAhead.h"
 #include "platform/gdal/Stretch.h"
 #include "platform/gdal/TileWindow.h"
 
@@ -24,17 +25,23 @@ struct Holds {
 /// as 0.
 class LayerReader {
   public:
-    /// The dataset must outlive this object.
-    explicit LayerReader(GDALDataset& dataset);
+    /// The layer must outlive this object; it may be opened anew in between.
+    explicit LayerReader(RasterLayer& layer);
 
     /// Fills `pixels`, whose memory it reuses. Fails with number 57 where the source cannot be read.
     void Read(const TileWindow& window, const Holds& holds, Pixels& pixels);
 
-    const BandPlan& Plan() const { return plan_; }
+    /// Prepares for another try after a failed read: opens the source anew and reads nothing ahead from then
+    /// on. False where that was done before, so that another try is in vain; the source is opened anew all
+    /// the same.
+    bool Recover();
+
+    RasterLayer& Layer() const { return layer_; }
 
   private:
     bool IsStretched(const Holds& holds) const;
     Form FormFor(const Holds& holds);
+    const Stretch& LayerStretch();
     void ReadIndexed(const TileWindow& window, Pixels& pixels);
     void ReadExpanded(const TileWindow& window, Pixels& pixels);
     void ReadDirect(const TileWindow& window, Pixels& pixels);
@@ -43,9 +50,10 @@ class LayerReader {
     void ClearNodata(Pixels& pixels) const;
     void SetTransparentColour(Pixels& pixels) const;
 
-    GDALDataset& dataset_;
+    RasterLayer& layer_;
     BandPlan plan_;
-    std::optional<Stretch> stretch_;
+    ReadAhead ahead_;
+    Once<Stretch> stretch_;
     std::vector<double> cells_;
     std::vector<std::uint16_t> indices_;
 };

@@ -85,7 +85,7 @@ std::string ReasonOf(const std::exception& failure) {
 /// A layer that tiles are cut from, and what was learned about it as a whole.
 struct OpenLayer {
     explicit OpenLayer(std::shared_ptr<RasterLayer> from)
-        : layer(std::move(from)), reader(layer->Dataset()), indexer(layer->Dataset(), reader) {}
+        : layer(std::move(from)), reader(*layer), indexer(reader) {}
 
     std::shared_ptr<RasterLayer> layer;
     LayerReader reader;
@@ -104,8 +104,10 @@ class RasterIO final : public IRasterIO {
   private:
     OpenLayer& Use(IRasterLayer& layer);
     GDALDataset& OpenSource(const std::string& sourceFile);
-    void Encode(OpenLayer& source, const TileWindow& window, Format format, int quality,
-                const std::string& target);
+    std::span<const unsigned char> Encode(OpenLayer& source, const TileWindow& window, Format format,
+                                          int quality);
+    std::span<const unsigned char> EncodeOnce(OpenLayer& source, const TileWindow& window, Format format,
+                                              int quality);
 
     std::unique_ptr<OpenLayer> layer_;
     std::string sourceFile_;
@@ -113,6 +115,7 @@ class RasterIO final : public IRasterIO {
     Pixels pixels_;
     PngEncoder png_;
     JpegEncoder jpeg_;
+    std::optional<FileInMemory> file_;  // the last one that the raster library wrote
 };
 
 OpenLayer& RasterIO::Use(IRasterLayer& layer) {
@@ -124,25 +127,38 @@ OpenLayer& RasterIO::Use(IRasterLayer& layer) {
     return *layer_;
 }
 
-void RasterIO::Encode(OpenLayer& source, const TileWindow& window, Format format, int quality,
-                      const std::string& target) {
-    const FileInMemory file;
+std::span<const unsigned char> RasterIO::Encode(OpenLayer& source, const TileWindow& window, Format format,
+                                                int quality) {
+    for (;;) {
+        try {
+            ReserveBlockCache(source.layer->Dataset(), window);
+            return EncodeOnce(source, window, format, quality);
+        } catch (const RuntimeError& failure) {
+            if (failure.Number() != static_cast<Long>(Fault::DeviceIOError) || !source.reader.Recover())
+                throw;
+        }
+    }
+}
+
+std::span<const unsigned char> RasterIO::EncodeOnce(OpenLayer& source, const TileWindow& window,
+                                                    Format format, int quality) {
+    file_.emplace();
     if (format == Format::Tiff) {
-        CopyAsTiff(source.layer->Dataset(), window, Place::Keep, file);
-        return Write(target, file.Bytes());
+        CopyAsTiff(source.layer->Dataset(), window, Place::Keep, *file_);
+        return file_->Bytes();
     }
     source.reader.Read(window, HoldsOf(format), pixels_);
-    if (format == Format::Png) return Write(target, png_.Encode(pixels_));
-    if (format == Format::Jpeg) return Write(target, jpeg_.Encode(pixels_, quality));
+    if (format == Format::Png) return png_.Encode(pixels_);
+    if (format == Format::Jpeg) return jpeg_.Encode(pixels_, quality);
     if (format == Format::Gif) {
         source.indexer.MakeIndexed(pixels_);
-        WriteGif(pixels_, file);
+        WriteGif(pixels_, *file_);
     } else if (format == Format::Bmp) {
-        WriteBmp(pixels_, file);
+        WriteBmp(pixels_, *file_);
     } else {
-        WriteTiff(pixels_, file);
+        WriteTiff(pixels_, *file_);
     }
-    Write(target, file.Bytes());
+    return file_->Bytes();
 }
 
 std::string RasterIO::ExportRasterWindow(IRasterLayer& layer, const std::string& targetFile, Integer quality,
@@ -155,8 +171,7 @@ std::string RasterIO::ExportRasterWindow(IRasterLayer& layer, const std::string&
         const std::string target = format == Format::SubstituteTiff ? name.stem + ".tif" : targetFile;
         const TileWindow window = WindowOf(source.layer->GeoTransform(), source.layer->Width(),
                                            source.layer->Height(), envelope, width, height);
-        ReserveBlockCache(source.layer->Dataset(), window);
-        Encode(source, window, format, QualityOf(quality), target);
+        Write(target, Encode(source, window, format, QualityOf(quality)));
         return target;
     } catch (const std::exception& failure) {
         reason = ReasonOf(failure);
@@ -201,6 +216,7 @@ bool RasterIO::CutWindow(const std::string& sourceFile, PixelWindow& window, con
         Write(tiffFile, file.Bytes());
         return true;
     } catch (const std::exception& failure) {
+        source_.reset();  // it may hold cells that it never read
         reason = ReasonOf(failure);
         return false;
     }

@@ -99,36 +99,58 @@ std::string DriverOf(GDALDataset& dataset) {
 
 }  // namespace
 
-RasterLayer::RasterLayer(const std::string& name) : dataset_(Open(name)) {
-    RequireBands(*dataset_, name);
-    Locate(name);
-    NameSource(name);
+RasterLayer::RasterLayer(const std::string& name) : dataset_(Open(name)), name_(name) {
+    RequireBands(*dataset_, name_);
+    columns_ = dataset_->GetRasterXSize();
+    rows_ = dataset_->GetRasterYSize();
+    const std::string driver = DriverOf(*dataset_);
+    format_ = driver == "OpenFileGDB" ? "FGDBR" : driver;
+    Locate();
+    NameSource();
 }
 
 RasterLayer::~RasterLayer() = default;
 
-void RasterLayer::Locate(const std::string& name) {
+void RasterLayer::Locate() {
     georeferenced_ = dataset_->GetGeoTransform(transform_.data()) == CE_None && !IsIdentity(transform_);
     if (georeferenced_) {
-        RequireStraight(transform_, *dataset_, name);
+        RequireStraight(transform_, *dataset_, name_);
         return;
     }
     if (HasOnlyControlPoints(*dataset_)) {
-        Refuse(name, "is placed by control points only. Warp it first: gdalwarp SOURCE straight.tif");
+        Refuse(name_, "is placed by control points only. Warp it first: gdalwarp SOURCE straight.tif");
     }
-    transform_ = {0, 1, 0, static_cast<double>(dataset_->GetRasterYSize()), 0, -1};
+    transform_ = {0, 1, 0, static_cast<double>(rows_), 0, -1};
 }
 
-void RasterLayer::NameSource(const std::string& name) {
-    auto parts = ParseContainedName(name);
-    if (!parts && IsDatabase(DriverOf(*dataset_))) parts = ContainedName{name, ""};
+void RasterLayer::NameSource() {
+    auto parts = ParseContainedName(name_);
+    if (!parts && IsDatabase(DriverOf(*dataset_))) parts = ContainedName{name_, ""};
     contained_ = parts.has_value();
     if (!contained_) {
-        filePath_ = name;
+        filePath_ = name_;
         return;
     }
     if (parts->inner.empty()) parts->inner = StemOf(parts->container);
     filePath_ = parts->container + "\\" + parts->inner;
+}
+
+GDALDataset& RasterLayer::Dataset() const {
+    if (!dataset_) throw RuntimeError(Fault::DeviceIOError, name_ + " is gone or has changed");
+    return *dataset_;
+}
+
+void RasterLayer::Reopen() {
+    const int bands = dataset_ ? dataset_->GetRasterCount() : 0;
+    dataset_.reset();
+    try {
+        auto fresh = Open(name_);
+        const bool same = fresh->GetRasterXSize() == columns_ && fresh->GetRasterYSize() == rows_ &&
+                          fresh->GetRasterCount() == bands;
+        if (same) dataset_ = std::move(fresh);
+    } catch (const RuntimeError&) {
+        // Every read from now on says so.
+    }
 }
 
 std::shared_ptr<IEnvelope> RasterLayer::Extent() {
@@ -140,21 +162,8 @@ std::shared_ptr<IEnvelope> RasterLayer::Extent() {
     return extent;
 }
 
-Long RasterLayer::Width() {
-    return dataset_->GetRasterXSize();
-}
-
-Long RasterLayer::Height() {
-    return dataset_->GetRasterYSize();
-}
-
-std::string RasterLayer::FormatName() {
-    const std::string driver = DriverOf(*dataset_);
-    return driver == "OpenFileGDB" ? "FGDBR" : driver;
-}
-
 std::string RasterLayer::SpatialReference() const {
-    return dataset_->GetProjectionRef();
+    return Dataset().GetProjectionRef();
 }
 
 int RasterLayer::BandCount() const {
@@ -162,7 +171,7 @@ int RasterLayer::BandCount() const {
 }
 
 std::string RasterLayer::BandType(int band) const {
-    GDALRasterBand* const found = dataset_->GetRasterBand(band);
+    GDALRasterBand* const found = Dataset().GetRasterBand(band);
     if (found == nullptr) throw RuntimeError(Fault::SubscriptOutOfRange);
     return GDALGetDataTypeName(found->GetRasterDataType());
 }

@@ -28,14 +28,16 @@ class RasterLayer final : public IRasterLayer,
     std::shared_ptr<IRaster> Raster() override { return shared_from_this(); }
     bool IsInGeodatabase() override { return contained_; }
     std::shared_ptr<IEnvelope> Extent() override;
-    Long Width() override;
-    Long Height() override;
+    Long Width() override { return columns_; }
+    Long Height() override { return rows_; }
     Point MeanCellSize() override { return {transform_[1], -transform_[5]}; }
     std::shared_ptr<IRasterDataset> RasterDataset() override { return shared_from_this(); }
-    std::string FormatName() override;
+    std::string FormatName() override { return format_; }
 
-    /// Owned by the layer.
-    GDALDataset& Dataset() const { return *dataset_; }
+    /// Owned by the layer; valid until it is opened anew. Fails with number 57 where that was not possible.
+    GDALDataset& Dataset() const;
+    /// Opens the source anew after a failed read, for the library may then hold cells that it never read.
+    void Reopen();
     /// Left edge, cell width, 0, top edge, 0, minus cell height, in map units.
     const std::array<double, 6>& GeoTransform() const { return transform_; }
     bool IsGeoreferenced() const { return georeferenced_; }
@@ -49,11 +51,15 @@ class RasterLayer final : public IRasterLayer,
     friend std::shared_ptr<RasterLayer> OpenRasterLayer(const std::string& nameOrSubdataset);
     explicit RasterLayer(const std::string& name);
 
-    void Locate(const std::string& name);
-    void NameSource(const std::string& name);
+    void Locate();
+    void NameSource();
 
     std::unique_ptr<GDALDataset> dataset_;
+    std::string name_;  // as it was opened
     std::string filePath_;
+    std::string format_;
+    Long columns_ = 0;
+    Long rows_ = 0;
     std::array<double, 6> transform_{};
     bool georeferenced_ = false;
     bool contained_ = false;

@@ -1,0 +1,31 @@
+// Facts about a whole layer that cost a pass over all its cells.
+#pragma once
+
+#include <optional>
+
+#include "platform/RuntimeError.h"
+
+namespace orvo::gdal {
+
+/// A value that is made on first use. A failure to make it is final: it is thrown again, not tried again.
+template <class Value>
+class Once {
+  public:
+    template <class Make>
+    const Value& Get(Make&& make) {
+        if (failure_) throw RuntimeError(*failure_);
+        if (value_) return *value_;
+        try {
+            return value_.emplace(make());
+        } catch (const RuntimeError& failure) {
+            failure_ = failure;
+            throw;
+        }
+    }
+
+  private:
+    std::optional<Value> value_;
+    std::optional<RuntimeError> failure_;
+};
+
+}  // namespace orvo::gdal

@@ -1,0 +1,183 @@
+// Small rasters for tests, and what tiles show.
+#pragma once
+
+#include <gdal_priv.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Platform.h"
+#include "platform/gdal/Library.h"
+#include "platform/gdal/RasterIO.h"
+#include "platform/gdal/RasterLayer.h"
+#include "platform/memory/Envelope.h"
+#include "tests/adapters/TempFolder.h"
+
+namespace orvo {
+
+/// Cell value by column, row and band (from 0).
+using CellFunction = std::function<double(int, int, int)>;
+
+struct RasterSpec {
+    int width = 10;
+    int height = 10;
+    int bands = 1;
+    GDALDataType type = GDT_Byte;
+    CellFunction cell = [](int x, int y, int band) { return (x * 7 + y * 13 + band * 50) % 256; };
+    std::optional<double> nodata{};
+    bool alpha = false;  ///< the last band is alpha
+    std::vector<std::array<short, 4>> palette{};
+    std::array<double, 6> transform{1000, 2, 0, 5000, 0, -3};
+    const char* driver = "GTiff";
+    std::vector<const char*> options{};
+};
+
+inline void WriteRaster(const std::string& path, const RasterSpec& spec) {
+    gdal::Start();
+    std::vector<const char*> options = spec.options;
+    options.push_back(nullptr);
+    GDALDriver* const memory = GetGDALDriverManager()->GetDriverByName("MEM");
+    GDALDatasetUniquePtr image(memory->Create("", spec.width, spec.height, spec.bands, spec.type, nullptr));
+    image->SetGeoTransform(const_cast<double*>(spec.transform.data()));
+    for (int b = 0; b < spec.bands; ++b) {
+        GDALRasterBand& band = *image->GetRasterBand(b + 1);
+        constexpr GDALColorInterp kColours[] = {GCI_RedBand, GCI_GreenBand, GCI_BlueBand};
+        if (spec.bands - (spec.alpha ? 1 : 0) == 3 && b < 3) band.SetColorInterpretation(kColours[b]);
+        if (spec.alpha && b == spec.bands - 1) band.SetColorInterpretation(GCI_AlphaBand);
+        if (spec.nodata) band.SetNoDataValue(*spec.nodata);
+        std::vector<double> row(static_cast<std::size_t>(spec.width));
+        for (int y = 0; y < spec.height; ++y) {
+            for (int x = 0; x < spec.width; ++x) row[static_cast<std::size_t>(x)] = spec.cell(x, y, b);
+            ASSERT_EQ(band.RasterIO(GF_Write, 0, y, spec.width, 1, row.data(), spec.width, 1, GDT_Float64, 0,
+                                    0, nullptr),
+                      CE_None);
+        }
+    }
+    if (!spec.palette.empty()) {
+        GDALColorTable table;
+        for (std::size_t i = 0; i < spec.palette.size(); ++i) {
+            const auto& c = spec.palette[i];
+            const GDALColorEntry entry{c[0], c[1], c[2], c[3]};
+            table.SetColorEntry(static_cast<int>(i), &entry);
+        }
+        image->GetRasterBand(1)->SetColorTable(&table);
+    }
+    GDALDatasetUniquePtr file(GetGDALDriverManager()
+                                  ->GetDriverByName(spec.driver)
+                                  ->CreateCopy(path.c_str(), image.get(), FALSE,
+                                               const_cast<char**>(options.data()), nullptr, nullptr));
+    ASSERT_NE(file, nullptr) << CPLGetLastErrorMsg();
+}
+
+/// Red, green, blue and alpha as a viewer shows them; greys show in all three.
+using Shown = std::array<int, 4>;
+
+struct Picture {
+    int width = 0;
+    int height = 0;
+    int bands = 0;
+    GDALDataType type = GDT_Unknown;
+    std::array<double, 6> transform{};
+    bool placed = false;
+    std::vector<Shown> pixels;
+    std::vector<double> cells;  ///< of band 1
+    const Shown& At(int x, int y) const { return pixels.at(static_cast<std::size_t>(y * width + x)); }
+};
+
+namespace detail {
+
+inline std::vector<double> Cells(GDALRasterBand& band) {
+    std::vector<double> cells(static_cast<std::size_t>(band.GetXSize() * band.GetYSize()));
+    EXPECT_EQ(band.RasterIO(GF_Read, 0, 0, band.GetXSize(), band.GetYSize(), cells.data(), band.GetXSize(),
+                            band.GetYSize(), GDT_Float64, 0, 0, nullptr),
+              CE_None);
+    return cells;
+}
+
+}  // namespace detail
+
+/// Reads an image without any code under test.
+inline Picture Load(const std::string& path) {
+    Picture picture;
+    GDALDatasetUniquePtr file(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+    EXPECT_NE(file, nullptr) << path;
+    if (!file) return picture;
+    picture.width = file->GetRasterXSize();
+    picture.height = file->GetRasterYSize();
+    picture.bands = file->GetRasterCount();
+    picture.type = file->GetRasterBand(1)->GetRasterDataType();
+    picture.placed = file->GetGeoTransform(picture.transform.data()) == CE_None;
+    GDALRasterBand& first = *file->GetRasterBand(1);
+    picture.cells = detail::Cells(first);
+    const bool colours = picture.bands >= 3;
+    const auto green = colours ? detail::Cells(*file->GetRasterBand(2)) : picture.cells;
+    const auto blue = colours ? detail::Cells(*file->GetRasterBand(3)) : picture.cells;
+    // Nodata counts per band; a pixel is hidden where all bands are.
+    auto mask = detail::Cells(*first.GetMaskBand());
+    for (int b = 2; colours && b <= 3; ++b) {
+        const auto other = detail::Cells(*file->GetRasterBand(b)->GetMaskBand());
+        for (std::size_t i = 0; i < mask.size(); ++i) mask[i] = std::max(mask[i], other[i]);
+    }
+    for (std::size_t i = 0; i < picture.cells.size(); ++i) {
+        Shown shown{static_cast<int>(picture.cells[i]), static_cast<int>(green[i]), static_cast<int>(blue[i]),
+                    static_cast<int>(mask[i])};
+        if (const GDALColorTable* table = first.GetColorTable()) {
+            const GDALColorEntry* entry = table->GetColorEntry(shown[0]);
+            shown = {entry->c1, entry->c2, entry->c3, shown[3] == 0 ? 0 : entry->c4};
+        }
+        picture.pixels.push_back(shown);
+    }
+    return picture;
+}
+
+/// A folder, a platform that makes envelopes, and a conversion service.
+class GdalTest : public testing::Test {
+  protected:
+    GdalTest() {
+        platform::Platform made;
+        made.newEnvelope = [] { return std::make_shared<memory::Envelope>(); };
+        platform::Install(made);
+    }
+    ~GdalTest() override { platform::Install({}); }
+
+    std::string Make(const std::string& name, const RasterSpec& spec) {
+        WriteRaster(folder_ / name, spec);
+        return folder_ / name;
+    }
+    static memory::Envelope Box(double xMin, double yMin, double xMax, double yMax) {
+        memory::Envelope box;
+        box.XMin(xMin);
+        box.XMax(xMax);
+        box.YMin(yMin);
+        box.YMax(yMax);
+        return box;
+    }
+    /// The envelope of a part given in cells, which need not be whole.
+    static memory::Envelope CellBox(const gdal::RasterLayer& layer, double left, double top, double right,
+                                    double bottom) {
+        const auto& t = layer.GeoTransform();
+        return Box(t[0] + left * t[1], t[3] + bottom * t[5], t[0] + right * t[1], t[3] + top * t[5]);
+    }
+    /// Exports whole cells; returns the file written.
+    std::string Export(gdal::RasterLayer& layer, const std::string& name, int left, int top, int columns,
+                       int rows, Integer quality = 0) {
+        reason_.clear();
+        return io_->ExportRasterWindow(layer, out_ / name, quality,
+                                       CellBox(layer, left, top, left + columns, top + rows), columns, rows,
+                                       reason_);
+    }
+
+    TempFolder folder_;
+    TempFolder out_;
+    std::shared_ptr<IRasterIO> io_ = gdal::NewRasterIO();
+    std::string reason_;
+};
+
+}  // namespace orvo
