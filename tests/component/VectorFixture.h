@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <sstream>
 
 #include "platform/fake/Vector.h"
 #include "tests/component/Fixture.h"
@@ -9,56 +10,64 @@
 
 namespace orvo {
 
+using State = std::array<Long, 4>;
+
 /// Reaches the private state of a grid.
 class TileVectorProbe {
   public:
     /// Tile width and height, columns and rows.
-    static std::array<Long, 4> State(const clsTileVector& grid) {
+    static State Of(const clsTileVector& grid) {
         return {grid.tileWidth_, grid.tileHeight_, grid.tileCountX_, grid.tileCountY_};
     }
-    static const void* Status(const clsTileVector& grid) { return grid.statusObject_.get(); }
-    static const void* Extent(const clsTileVector& grid) { return grid.layerExtent_.get(); }
+    static bool SharesObjects(const clsTileVector& a, const clsTileVector& b) {
+        return a.layerExtent_ == b.layerExtent_ && a.statusObject_ == b.statusObject_;
+    }
 };
-
-using State = std::array<Long, 4>;
 
 class VectorTest : public ComponentTest {
   protected:
     /// A new grid over an extent of that size with its corner at (10, 20).
-    void Renew(double width, double height) {
+    void Renew(double width, double height, const std::string& steps) {
         extent = fake::MakeEnvelope(world, {10, 20, 10 + width, 20 + height});
         grid = std::make_shared<clsTileVector>();
         grid->VectorLayer(fake::MakeVectorLayer(world, extent));
+        Do(steps);
+    }
+    /// Steps such as "w250 x4": width, height, column count (x), row count (y), initialize (i), no extent
+    /// (n).
+    void Do(const std::string& steps) {
+        std::istringstream in(steps);
+        char step = 0;
+        for (Long value = 0; in >> step >> value;) {
+            if (step == 'w') grid->TileWidth(value);
+            if (step == 'h') grid->TileHeight(value);
+            if (step == 'x') grid->TileCountX(value);
+            if (step == 'y') grid->TileCountY(value);
+            if (step == 'i') grid->InitializeTiles();
+            if (step == 'n') grid->LayerExtent(nullptr), grid->VectorLayer(nullptr);
+        }
     }
     /// 3 × 2 tiles of 100 × 50 units, their heights set.
     void BuildGrid() {
-        Renew(300, 100);
-        grid->TileWidth(100);
-        grid->TileHeight(50);
-        grid->InitializeTiles();
-        SetHeights(*grid);
+        Renew(300, 100, "w100 h50 i0");
+        for (Long n = 0; n < 6; ++n) grid->GetTileExtent(n % 3 + 1, n / 3 + 1)->Height(50);
     }
-    static void SetHeights(clsTileVector& tiles) {
-        for (Long y = 1; y <= tiles.TileCountY(); ++y) {
-            for (Long x = 1; x <= tiles.TileCountX(); ++x) {
-                const auto tile = tiles.GetTileExtent(x, y);
-                tile->Height(tile->Depth());
-            }
-        }
+    /// The n-th failure shown, as "9 GetTileID".
+    std::string Failure(std::size_t n) const {
+        return ShownError(n).substr(0, ShownError(n).find('(')) + ShownLabel(n);
     }
-    State GridState() const { return TileVectorProbe::State(*grid); }
-    static std::string Shown(const IEnvelope* e) {
-        if (e == nullptr) return "none";
-        testing::Message text;
-        text << e->XMin() << " " << e->YMin() << " " << e->Width() << " " << e->Height() << " " << e->Depth();
-        return text.GetString();
+    static std::string Shown(const std::shared_ptr<IEnvelope>& e) {
+        if (!e) return "none";
+        return (testing::Message() << e->XMin() << " " << e->YMin() << " " << e->Width() << " " << e->Height()
+                                   << " " << e->Depth())
+            .GetString();
     }
     static std::string Shown(const std::shared_ptr<IGeometry>& geometry) {
         if (!geometry) return "none";
         testing::Message text;
         for (const auto& part : fake::ShapeOf(geometry).parts) {
             for (const auto& point : part) text << point.X << "," << point.Y << " ";
-            text << "/ ";
+            text << "/";
         }
         return text.GetString();
     }

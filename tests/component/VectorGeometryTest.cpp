@@ -14,165 +14,112 @@ using Geometry = std::shared_ptr<IGeometry>;
 class VectorGeometryTest : public VectorTest {
   protected:
     VectorGeometryTest() { BuildGrid(); }
-    std::string Clipped(const Geometry& geometry) {
-        const std::string input = Shown(geometry);
-        const Geometry result = grid->Clip(2, 1, geometry);
-        EXPECT_NE(result, geometry);
-        EXPECT_EQ(Shown(geometry), input) << "the input stays";
-        return Shown(result);
+    /// The answer and the numbers as they are afterwards, as "true 3,2".
+    std::string Ask(Long x, Long y, const Geometry& geometry) {
+        world->failures.clear();
+        const bool inside = grid->IsInside(x, y, geometry);
+        return (testing::Message() << inside << " " << x << "," << y).GetString();
     }
 };
 
 TEST_F(VectorGeometryTest, ClipGivesTheShareOfATile) {
     const auto line = [&](std::vector<Point> path) { return MakePolyline(world, {std::move(path)}); };
     const auto area = [&](std::vector<fake::Box> boxes) { return MakePolygon(world, boxes); };
-    const std::string tile = "110,20 210,20 210,70 110,70 110,20 / ";
-    struct Case {
-        const char* name;
-        Geometry geometry;
-        std::string result;
-    };
-    for (const Case& c : std::vector<Case>{
-             {"line inside", line({{120, 30}, {130, 30}}), "120,30 130,30 / "},
-             {"line through", line({{0, 30}, {120, 30}, {120, 90}}), "110,30 120,30 120,70 / "},
-             {"line in and out", line({{150, 60}, {150, 90}, {160, 90}, {160, 60}}),
-              "150,60 150,70 / 160,70 160,60 / "},
-             {"line ending on the edge", line({{120, 30}, {120, 70}}), "120,30 120,70 / "},
-             {"line along the edge", line({{120, 70}, {130, 70}}), "none"},
-             {"line that touches", line({{120, 70}, {120, 90}}), "none"},
-             {"line elsewhere", line({{20, 30}, {30, 30}}), "none"},
-             {"area inside", area({{120, 30, 130, 40}}), "120,30 130,30 130,40 120,40 120,30 / "},
-             {"area across the corner", area({{0, 0, 120, 30}}), "110,20 120,20 120,30 110,30 110,20 / "},
-             {"area equal to the tile", area({{110, 20, 210, 70}}), tile},
-             {"area that covers the tile", area({{0, 0, 300, 300}}), "none"},
-             {"area whose hole reaches in", area({{0, 0, 300, 300}, {150, 10, 220, 80}}),
-              tile + "150,20 210,20 210,70 150,70 150,20 / "},
-             {"area whose hole holds the tile", area({{0, 0, 300, 300}, {100, 10, 220, 80}}), "none"},
-             {"area that touches", area({{0, 20, 110, 70}}), "none"},
-             {"points inside", MakeMultipoint(world, {{120, 30}, {130, 30}}), "120,30 / 130,30 / "},
-             {"points in and out", MakeMultipoint(world, {{20, 30}, {130, 30}, {150, 40}}),
-              "130,30 / 150,40 / "},
-             {"points elsewhere", MakeMultipoint(world, {{20, 30}}), "none"},
-             {"no points", MakeMultipoint(world, {}), "none"},
-             {"single point", MakePoint(world, {120, 30}), "none"},
-             {"envelope", fake::MakeEnvelope(world, {120, 30, 130, 40}), "none"},
-         }) {
-        SCOPED_TRACE(c.name);
-        if (c.geometry->GeometryType() == GeometryType::Envelope) {
-            EXPECT_EQ(grid->Clip(2, 1, c.geometry), nullptr);
-        } else {
-            EXPECT_EQ(Clipped(c.geometry), c.result);
-        }
+    const std::string tile = "110,20 210,20 210,70 110,70 110,20 /";
+    for (const auto& [geometry, result] : std::vector<std::pair<Geometry, std::string>>{
+             {line({{120, 30}, {130, 30}}), "120,30 130,30 /"},
+             {line({{0, 30}, {120, 30}, {120, 90}}), "110,30 120,30 120,70 /"},
+             {line({{150, 60}, {150, 90}, {160, 90}, {160, 60}}), "150,60 150,70 /160,70 160,60 /"},
+             {line({{120, 30}, {120, 70}}), "120,30 120,70 /"},
+             {line({{120, 70}, {130, 70}}), "none"},  // along the edge
+             {line({{120, 70}, {120, 90}}), "none"},  // touches it
+             {area({{120, 30, 130, 40}}), "120,30 130,30 130,40 120,40 120,30 /"},
+             {area({{0, 0, 120, 30}}), "110,20 120,20 120,30 110,30 110,20 /"},
+             {area({{110, 20, 210, 70}}), tile},
+             {area({{0, 0, 300, 300}}), "none"},  // covers the tile
+             {area({{0, 0, 300, 300}, {150, 10, 220, 80}}), tile + "150,20 210,20 210,70 150,70 150,20 /"},
+             {area({{0, 0, 300, 300}, {100, 10, 220, 80}}), "none"},  // the tile lies in its hole
+             {area({{0, 20, 110, 70}}), "none"},
+             {MakeMultipoint(world, {{120, 30}, {130, 30}}), "120,30 /130,30 /"},
+             {MakeMultipoint(world, {{20, 30}, {130, 30}, {150, 40}}), "130,30 /150,40 /"},
+             {MakeMultipoint(world, {{20, 30}}), "none"},
+             {MakePoint(world, {120, 30}), "none"}}) {
+        const std::string input = Shown(geometry);
+        const Geometry clipped = grid->Clip(2, 1, geometry);
+        EXPECT_EQ(Shown(clipped), result) << input;
+        EXPECT_NE(clipped, geometry);
+        EXPECT_EQ(Shown(geometry), input) << "the input stays";
     }
+    EXPECT_EQ(grid->Clip(2, 1, extent), nullptr) << "an envelope is none of the kinds";
     EXPECT_TRUE(world->failures.empty());
 }
 
 TEST_F(VectorGeometryTest, ClipFailsTowardsNothingAndGoesOnAsAsked) {
     const auto line = MakePolyline(world, {{{120, 30}, {130, 30}}});
     EXPECT_EQ(grid->Clip(4, 1, line), nullptr);
-    EXPECT_EQ(ShownError(0) + ShownLabel(0), "9 (Subscript out of range)Clip");
     EXPECT_EQ(grid->Clip(1, 1, nullptr), nullptr);
-    EXPECT_EQ(ShownError(1).substr(0, 2), "91");
-    grid->TileHeight(0);
-    grid->InitializeTiles();
-    EXPECT_EQ(grid->Clip(1, 1, line), nullptr);
-    EXPECT_EQ(ShownError(2).substr(0, 2), "91") << "the platform's answer to an empty envelope";
+    Do("h0 i0");
+    EXPECT_EQ(grid->Clip(1, 1, line), nullptr) << "the platform refuses an empty envelope";
     ASSERT_EQ(world->failures.size(), 3U);
+    EXPECT_EQ(Failure(0) + ", " + Failure(1) + ", " + Failure(2), "9 Clip, 91 Clip, 91 Clip");
     AlwaysAnswer(kNext);
     EXPECT_EQ(Shown(grid->Clip(4, 1, line)), Shown(line)) << "a skipped condition enters its block";
-    EXPECT_EQ(grid->Clip(1, 1, nullptr), nullptr);
 }
 
 TEST_F(VectorGeometryTest, IsInsideWritesBackTheTileItFindsOrWhereItStopped) {
     struct Case {
-        const char* name;
         Point point;
         Long x, y;
-        bool inside;
-        Long foundX, foundY;
+        const char* answer;
         std::size_t failures = 0;
     };
-    for (const Case& c : std::vector<Case>{{"found", {250, 100}, -1, -1, true, 3, 2},
-                                           {"origin's tile", {11, 21}, -1, -1, true, 1, 1},
-                                           {"east", {5000, 30}, -1, -1, false, 4, 3},
-                                           {"north", {30, 5000}, -1, -1, false, 4, 3},
-                                           {"just west", {-50, 30}, -1, -1, false, 4, 3},
-                                           {"farther west", {-150, 30}, -1, -1, false, 0, 1, 1},
-                                           {"far south", {30, -500}, -1, -1, false, 1, -9, 1},
-                                           {"beyond all numbers", {1e15, 30}, -1, -1, false, 4, 3},
-                                           // The column overflows, so neither number is written.
-                                           {"beyond all to the west", {-1e15, 30}, -1, -1, false, -1, -1, 1},
-                                           {"on an edge", {110, 30}, -1, -1, false, 4, 3},
-                                           {"on a corner", {10, 20}, -1, -1, false, 4, 3},
-                                           {"named", {150, 100}, 2, 2, true, 2, 2},
-                                           {"another named", {150, 100}, 2, 1, false, 2, 1},
-                                           {"half named", {150, 100}, -1, 2, false, -1, 2, 1},
-                                           {"named outside", {150, 100}, 2, 3, false, 2, 3, 1}}) {
-        SCOPED_TRACE(c.name);
-        world->failures.clear();
-        Long x = c.x;
-        Long y = c.y;
-        EXPECT_EQ(grid->IsInside(x, y, MakePoint(world, c.point)), c.inside);
-        EXPECT_EQ(x, c.foundX);
-        EXPECT_EQ(y, c.foundY);
+    for (const Case& c : std::vector<Case>{{{250, 100}, -1, -1, "true 3,2"},
+                                           {{11, 21}, -1, -1, "true 1,1"},
+                                           {{5000, 30}, -1, -1, "false 4,3"},
+                                           {{30, 1e15}, -1, -1, "false 4,3"},
+                                           {{-50, 30}, -1, -1, "false 4,3"},
+                                           {{-150, 30}, -1, -1, "false 0,1", 1},
+                                           {{30, -500}, -1, -1, "false 1,-9", 1},
+                                           {{-1e15, 30}, -1, -1, "false -1,-1", 1},  // the column overflows
+                                           {{110, 30}, -1, -1, "false 4,3"},         // on an edge
+                                           {{10, 20}, -1, -1, "false 4,3"},
+                                           {{150, 100}, 2, 2, "true 2,2"},
+                                           {{150, 100}, 2, 1, "false 2,1"},
+                                           {{150, 100}, -1, 2, "false -1,2", 1},
+                                           {{150, 100}, 2, 3, "false 2,3", 1}}) {
+        EXPECT_EQ(Ask(c.x, c.y, MakePoint(world, c.point)), c.answer) << c.point.X << " " << c.point.Y;
         EXPECT_EQ(world->failures.size(), c.failures);
     }
-    for (const auto& shape :
-         {MakePolyline(world, {{{120, 30}, {130, 30}}}), MakeMultipoint(world, {{120, 30}})}) {
-        Long x = -1;
-        Long y = -1;
-        EXPECT_FALSE(grid->IsInside(x, y, shape));
-        EXPECT_EQ(x, -1);
-        EXPECT_EQ(y, -1);
-    }
+    EXPECT_EQ(Ask(-1, -1, MakePolyline(world, {{{120, 30}, {130, 30}}})), "false -1,-1");
+    EXPECT_EQ(Ask(2, 1, MakeMultipoint(world, {{120, 30}})), "false 2,1");
 }
 
 TEST_F(VectorGeometryTest, IsInsideTestsTheProbableTileFirstAndSearchesOnlyWhereThatFails) {
-    Long x = -1;
-    Long y = -1;
     const auto point = MakePoint(world, {250, 100});
-    EXPECT_TRUE(grid->IsInside(x, y, point));
-    std::vector<std::string> names;
-    for (std::size_t n = 5; n-- > 0;) names.push_back(Trace().At(n).substr(9, 27));
-    EXPECT_THAT(names, testing::ElementsAre("[clsTileVector] Public Func", "[clsVectorTile] Public Prop",
-                                            "[GUIApi] Function Min(Param", "[GUIApi] Function Min(Param",
-                                            "[clsVectorTile] Public Prop"));
+    EXPECT_EQ(Ask(-1, -1, point), "true 3,2");
+    std::string entered;
+    for (std::size_t n = 5; n-- > 0;) entered += Trace().At(n).substr(9, 11);
+    EXPECT_EQ(entered, "[clsTileVec[clsVectorT[GUIApi] Fu[GUIApi] Fu[clsVectorT");
     // The probable tile no longer holds the point, two others do: the search takes the one further south.
     grid->GetTileExtent(3, 2)->Height(10);
     grid->GetTileExtent(3, 1)->Height(100);
     grid->GetTileExtent(1, 2)->Width(290);
-    x = y = -1;
-    EXPECT_TRUE(grid->IsInside(x, y, point));
-    EXPECT_EQ(x, 3);
-    EXPECT_EQ(y, 1);
+    EXPECT_EQ(Ask(-1, -1, point), "true 3,1");
 }
 
 TEST_F(VectorGeometryTest, IsInsideFailsWhereTheSouthWestTileHasNoSize) {
     const auto point = MakePoint(world, {250, 60});
     grid->GetTileExtent(1, 1)->Height(0);
-    Long x = -1;
-    Long y = -1;
-    EXPECT_FALSE(grid->IsInside(x, y, point));
-    EXPECT_EQ(ShownError(0) + ShownLabel(0), "11 (Division by zero)IsInside");
-    EXPECT_EQ(x, 3) << "written before the row failed";
-    EXPECT_EQ(y, -1);
-
+    EXPECT_EQ(Ask(-1, -1, point), "false 3,-1") << "the column is written, the row failed";
+    EXPECT_EQ(Failure(0), "11 IsInside");
     AlwaysAnswer(kNext);
-    world->failures.clear();
-    x = y = -1;
-    EXPECT_TRUE(grid->IsInside(x, y, point)) << "skipped as far as the search";
-    EXPECT_EQ(x, 3);
-    EXPECT_EQ(y, 1);
+    EXPECT_EQ(Ask(-1, -1, point), "true 3,1") << "skipped as far as the search";
     ASSERT_EQ(world->failures.size(), 2U);
-    EXPECT_EQ(ShownError(1), "9 (Subscript out of range)") << "of column 3, row -1";
-
+    EXPECT_EQ(Failure(1), "9 IsInside") << "of column 3, row -1";
     world->answer = nullptr;
-    grid->TileHeight(0);
-    grid->InitializeTiles();
-    x = y = -1;
-    EXPECT_FALSE(grid->IsInside(x, y, point));
-    EXPECT_EQ(ShownError(2), "91 (Object variable or With block variable not set)");
-    EXPECT_EQ(x, -1);
+    Do("h0 i0");
+    EXPECT_EQ(Ask(-1, -1, point), "false -1,-1");
+    EXPECT_EQ(Failure(0), "91 IsInside");
 }
 
 }  // namespace
