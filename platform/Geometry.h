@@ -14,7 +14,8 @@ enum class GeometryType : Long {
     Multipoint = 2,
     Polyline = 3,
     Polygon = 4,
-    Envelope = 5
+    Envelope = 5,
+    Other = 6  ///< collections, curves, surfaces
 };
 
 /// A planar geometry in map units.
