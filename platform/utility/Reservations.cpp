@@ -99,7 +99,7 @@ std::string Reservations::Reserve(const void* owner, const std::string& folder, 
         if (!CreateMark(mark, lastMark, folder)) continue;
         MarkGuard guard(mark);
         const bool taken = std::any_of(extensions.begin(), extensions.end(), [&](const auto& extension) {
-            return Exists(extension.empty() ? name : name + "." + extension, folder);
+            return Exists(extension.empty() ? name : std::string(name).append(".").append(extension), folder);
         });
         if (taken) continue;
         Held held{owner, mark, std::nullopt};

