@@ -94,6 +94,9 @@ void VectorFaultTest::CheckOne(const Operation& operation, long n, fake::Lasting
         !operation.left.empty()) {
         EXPECT_EQ(*outcome, operation.left) << "left before there was a result";
     }
+    if (outcome && answer == kLeave) {
+        EXPECT_EQ(outcome->find(" 0 0;"), std::string::npos) << "no tile gets half an envelope: " << *outcome;
+    }
     Do("i0");
     grid->GetTileExtent(1, 1)->Height(50);
     EXPECT_EQ(Find({50, 30}), "1,1") << "usable afterwards";
