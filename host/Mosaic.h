@@ -8,13 +8,13 @@
 
 namespace orvo::host {
 
-/// Writes a VRT over the tiles, with names relative to its own folder. Needs the tiles' world files.
-/// @param folder that holds the tiles and gets the VRT
+/// The text of a VRT that lies in the tiles' folder and names them relatively. Palettes, which differ from
+/// tile to tile, are resolved into colours; a grey tile among colours stays grey; a tile without alpha is
+/// opaque.
 /// @param system the coordinate system as WKT; may be empty
-/// @param cell the layer's cell size in map units
-/// @return the number of tiles that the VRT shows; fails with RunError
-std::size_t WriteMosaic(const std::string& folder, const std::string& name,
-                        const std::vector<PlacedTile>& tiles, const std::string& system, double cellWidth,
-                        double cellHeight);
+/// @param cellWidth, cellHeight of the layer in map units
+/// Fails with RunError where a tile cannot be read.
+std::string MosaicText(const std::string& folder, const std::vector<PlacedTile>& tiles,
+                       const std::string& system, double cellWidth, double cellHeight);
 
 }  // namespace orvo::host

@@ -55,13 +55,7 @@ class Writer {
         if (!job_.vrt || tiles_.empty()) return;
         auto draft = std::make_unique<DraftFile>(folder_, ".vrt");
         const Point cell = layer_.MeanCellSize();
-        const std::size_t shown =
-            WriteMosaic(folder_, draft->Name(), tiles_, layer_.SpatialReference(), cell.X, cell.Y);
-        if (shown < tiles_.size()) {
-            products_.notices.push_back("the mosaic shows " + std::to_string(shown) + " of " +
-                                        std::to_string(tiles_.size()) +
-                                        " tiles: GDAL cannot place or combine the others");
-        }
+        draft->Write(MosaicText(folder_, tiles_, layer_.SpatialReference(), cell.X, cell.Y));
         vrt_ = std::move(draft);
     }
 

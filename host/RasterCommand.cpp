@@ -66,7 +66,7 @@ RasterJob Parse(const RasterOptions& options) {
     job.input = options.input;
     job.outdir = options.outdir;
     job.name = options.name;
-    job.worldFiles = options.worldFiles || options.vrt;
+    job.worldFiles = options.worldFiles;
     job.vrt = options.vrt;
     job.preview = options.preview;
     job.overwrite = options.common.overwrite;
@@ -85,8 +85,7 @@ void AddFiles(CLI::App& command, RasterOptions& options) {
         ->required();
     command.add_option("--name", options.name, "Image file, where it is not the layer's own");
     command.add_flag("--world-files", options.worldFiles, "Write a world file beside each tile");
-    command.add_flag("--vrt", options.vrt,
-                     "Write mosaic.vrt over all tiles, and the world files that it needs");
+    command.add_flag("--vrt", options.vrt, "Write mosaic.vrt, one virtual raster over all tiles");
     command.add_flag("--preview", options.preview,
                      "Write index.html, a page that shows the tiles where they lie");
 }
