@@ -100,7 +100,7 @@ void LayerReader::Read(const TileWindow& window, const Holds& holds, Pixels& pix
 }
 
 void LayerReader::ReadIndexed(const TileWindow& window, Pixels& pixels) {
-    ahead_.Read(layer_.Dataset(), plan_.colours, GDT_Byte, window, Resample::Nearest, pixels.bytes.data());
+    ahead_.Read(layer_, plan_.colours, GDT_Byte, window, Resample::Nearest, pixels.bytes.data());
     pixels.palette = plan_.palette;
     // An index past the palette's end is shown black, as other readers do.
     const std::size_t used =
@@ -139,7 +139,7 @@ void LayerReader::ReadDirect(const TileWindow& window, Pixels& pixels) {
                    Interleaved(pixels));
         ReadAlpha(window, pixels);
     } else {
-        ahead_.Read(layer_.Dataset(), bands, plan_.type, window, Resample::Bilinear, pixels.bytes.data());
+        ahead_.Read(layer_, bands, plan_.type, window, Resample::Bilinear, pixels.bytes.data());
     }
     if (alpha && plan_.HasNodata()) ClearNodata(pixels);
 }

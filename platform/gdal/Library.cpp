@@ -10,8 +10,6 @@
 namespace orvo::gdal {
 namespace {
 
-constexpr const char* kSideFiles = "GDAL_PAM_ENABLED";
-
 void CPL_STDCALL Note(CPLErr severity, CPLErrorNum, const char* message) {
     if (auto* complaints = static_cast<Complaints*>(CPLGetErrorHandlerUserData())) {
         complaints->Note(severity >= CE_Failure, message);
@@ -41,12 +39,12 @@ void Complaints::Note(bool failure, const char* message) {
     if ((failure || endedEarly) && first_.empty()) first_ = message;
 }
 
-NoSideFiles::NoSideFiles() {
-    CPLSetThreadLocalConfigOption(kSideFiles, "NO");
+Option::Option(const char* name, const char* value) : name_(name) {
+    CPLSetThreadLocalConfigOption(name, value);
 }
 
-NoSideFiles::~NoSideFiles() {
-    CPLSetThreadLocalConfigOption(kSideFiles, nullptr);
+Option::~Option() {
+    CPLSetThreadLocalConfigOption(name_, nullptr);
 }
 
 }  // namespace orvo::gdal

@@ -28,13 +28,22 @@ class Complaints {
     std::string first_;
 };
 
-/// Keeps the library from writing side files on this thread as long as it lives.
-class NoSideFiles {
+/// Sets an option of the library on this thread as long as it lives.
+class Option {
   public:
-    NoSideFiles();
-    ~NoSideFiles();
-    NoSideFiles(const NoSideFiles&) = delete;
-    NoSideFiles& operator=(const NoSideFiles&) = delete;
+    /// Both texts must outlive this object.
+    Option(const char* name, const char* value);
+    ~Option();
+    Option(const Option&) = delete;
+    Option& operator=(const Option&) = delete;
+
+  private:
+    const char* name_;
+};
+
+/// Keeps the library from writing side files.
+struct NoSideFiles : Option {
+    NoSideFiles() : Option("GDAL_PAM_ENABLED", "NO") {}
 };
 
 }  // namespace orvo::gdal

@@ -1,6 +1,5 @@
 #include "platform/gdal/NativeTiff.h"
 
-#include <cpl_conv.h>
 #include <cpl_string.h>
 #include <gdal_priv.h>
 
@@ -121,10 +120,8 @@ void CopyMask(GDALDataset& source, const TileWindow& window, GDALDataset& target
     ReadWindow(*source.GetRasterBand(1)->GetMaskBand(), window, Resample::Nearest, mask.data(),
                {.type = GDT_Byte});
     const Complaints complaints;
-    CPLSetThreadLocalConfigOption("GDAL_TIFF_INTERNAL_MASK", "YES");
-    const CPLErr created = target.CreateMaskBand(GMF_PER_DATASET);
-    CPLSetThreadLocalConfigOption("GDAL_TIFF_INTERNAL_MASK", nullptr);
-    Require(created == CE_None, complaints);
+    const Option inside("GDAL_TIFF_INTERNAL_MASK", "YES");
+    Require(target.CreateMaskBand(GMF_PER_DATASET) == CE_None, complaints);
     Require(target.GetRasterBand(1)->GetMaskBand()->RasterIO(GF_Write, 0, 0, window.columns, window.rows,
                                                              mask.data(), window.columns, window.rows,
                                                              GDT_Byte, 0, 0, nullptr) == CE_None,

@@ -15,8 +15,9 @@ namespace {
 
 constexpr std::array<unsigned char, 8> kSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
 constexpr int kMaxMemory = 9;
+constexpr std::size_t kLargestChunk = 0x7fffffff;
 constexpr int kSampleRows = 32;
-/// An image with at least this share of pixels equal to their left neighbour has flat colour.
+/// An image with at least this share of pixels equal to their left neighbour may have flat colour.
 constexpr double kFlatShare = 0.35;
 
 void Append32(std::vector<unsigned char>& to, std::size_t value) {
@@ -43,19 +44,28 @@ unsigned char ColourType(Form form) {
     return 6;
 }
 
-bool HasFlatColour(const Pixels& pixels) {
-    const std::size_t pixel = pixels.PixelBytes();
-    const int step = std::max(1, pixels.height / kSampleRows);
-    std::size_t equal = 0;
-    std::size_t looked = 0;
-    for (int row = step / 2; row < pixels.height; row += step) {
-        const unsigned char* const line =
-            pixels.bytes.data() + pixels.RowBytes() * static_cast<std::size_t>(row);
-        for (std::size_t at = pixel; at < pixels.RowBytes(); at += pixel, ++looked) {
-            equal += std::memcmp(line + at, line + at - pixel, pixel) == 0 ? 1U : 0U;
-        }
+/// Rows spread evenly over an image, in pairs, for what repeats from row to row counts too.
+void TakeSample(const Pixels& pixels, Pixels& sample) {
+    sample.form = pixels.form;
+    sample.depth = pixels.depth;
+    sample.Resize(pixels.width, std::min(pixels.height, kSampleRows));
+    for (int row = 0; row < sample.height; ++row) {
+        const int from =
+            sample.height < kSampleRows ? row : (row / 2) * 2 * pixels.height / kSampleRows + row % 2;
+        std::memcpy(sample.bytes.data() + sample.RowBytes() * static_cast<std::size_t>(row),
+                    pixels.bytes.data() + sample.RowBytes() * static_cast<std::size_t>(from),
+                    sample.RowBytes());
     }
-    return static_cast<double>(equal) >= kFlatShare * static_cast<double>(looked);
+}
+
+bool MayBeFlat(const Pixels& sample) {
+    const std::size_t pixel = sample.PixelBytes();
+    std::size_t equal = 0;
+    for (std::size_t at = pixel; at < sample.bytes.size(); at += pixel) {
+        const unsigned char* const here = sample.bytes.data() + at;
+        equal += std::memcmp(here, here - pixel, pixel) == 0 ? 1U : 0U;
+    }
+    return static_cast<double>(equal) >= kFlatShare * static_cast<double>(sample.Count());
 }
 
 }  // namespace
@@ -68,11 +78,16 @@ void PngEncoder::CloseStream::operator()(z_stream_s* stream) const {
     delete stream;
 }
 
-z_stream_s& PngEncoder::StreamFor(Stream& stream, int level, int strategy) {
+z_stream_s& PngEncoder::StreamFor(Method method) {
+    Stream& stream = streams_[static_cast<std::size_t>(method)];
     if (stream) {
         deflateReset(stream.get());
         return *stream;
     }
+    const int level = method == Method::Imagery ? 1 : Z_DEFAULT_COMPRESSION;
+    const int strategy = method == Method::Imagery ? Z_RLE
+                         : method == Method::Flat  ? Z_DEFAULT_STRATEGY
+                                                   : Z_FILTERED;
     auto fresh = std::make_unique<z_stream_s>();
     if (deflateInit2(fresh.get(), level, Z_DEFLATED, MAX_WBITS, kMaxMemory, strategy) != Z_OK) {
         throw RuntimeError(Fault::OutOfMemory);
@@ -89,7 +104,7 @@ const std::vector<unsigned char>& PngEncoder::Encode(const Pixels& pixels) {
     Header(pixels);
     Colours(pixels);
     Transparency(pixels);
-    Data(pixels);
+    Data(pixels, Choose(pixels));
     Chunk("IEND", {});
     return file_;
 }
@@ -125,37 +140,57 @@ void PngEncoder::Transparency(const Pixels& pixels) {
     if (!data.empty()) Chunk("tRNS", data);
 }
 
-void PngEncoder::Data(const Pixels& pixels) {
-    const bool flat = pixels.depth == 16 || HasFlatColour(pixels);
-    z_stream_s& stream =
-        flat ? StreamFor(flat_, Z_DEFAULT_COMPRESSION, Z_DEFAULT_STRATEGY) : StreamFor(imagery_, 1, Z_RLE);
-    const std::size_t start = file_.size();
+PngEncoder::Method PngEncoder::Choose(const Pixels& pixels) {
+    if (pixels.form == Form::Indexed) return Method::Flat;
+    if (pixels.depth == 16) return Method::Deep;
+    TakeSample(pixels, sample_);
+    if (!MayBeFlat(sample_)) return Method::Imagery;
+    const std::size_t end = file_.size();
+    const std::size_t imagery = Data(sample_, Method::Imagery);
+    file_.resize(end);
+    const std::size_t flat = Data(sample_, Method::Flat);
+    file_.resize(end);
+    return flat < imagery ? Method::Flat : Method::Imagery;
+}
+
+/// One row in the file's byte order.
+std::span<const unsigned char> PngEncoder::Row(const Pixels& pixels, int y) {
     const std::size_t rowBytes = pixels.RowBytes();
-    const std::size_t most = (rowBytes + 1) * static_cast<std::size_t>(pixels.height);
-    file_.resize(start + 8 + deflateBound(&stream, most));
-    stream.next_out = file_.data() + start + 8;
-    stream.avail_out = static_cast<uInt>(file_.size() - start - 8);
-    filter_.Start(rowBytes, pixels.PixelBytes());
+    const std::span row(pixels.bytes.data() + rowBytes * static_cast<std::size_t>(y), rowBytes);
+    if (pixels.depth == 8) return row;
+    const auto* const words = reinterpret_cast<const std::uint16_t*>(row.data());
     row_.resize(rowBytes);
+    for (std::size_t i = 0; i < rowBytes / 2; ++i) {
+        row_[2 * i] = static_cast<unsigned char>(words[i] >> 8);
+        row_[2 * i + 1] = static_cast<unsigned char>(words[i]);
+    }
+    return row_;
+}
+
+/// Appends the compressed rows as a chunk and returns their size in bytes.
+std::size_t PngEncoder::Data(const Pixels& pixels, Method method) {
+    z_stream_s& stream = StreamFor(method);
+    const std::size_t start = file_.size();
+    const std::size_t most = (pixels.RowBytes() + 1) * static_cast<std::size_t>(pixels.height);
+    const std::size_t room = deflateBound(&stream, most);
+    if (room > kLargestChunk) {
+        throw RuntimeError(static_cast<Long>(Fault::AutomationError), "the tile is too large for a PNG");
+    }
+    file_.resize(start + 8 + room);
+    stream.next_out = file_.data() + start + 8;
+    stream.avail_out = static_cast<uInt>(room);
+    filter_.Start(pixels.RowBytes(), pixels.PixelBytes());
     for (int y = 0; y < pixels.height; ++y) {
-        const unsigned char* row = pixels.bytes.data() + rowBytes * static_cast<std::size_t>(y);
-        if (pixels.depth == 16) {
-            const auto* const words = reinterpret_cast<const std::uint16_t*>(row);
-            for (std::size_t i = 0; i < rowBytes / 2; ++i) {
-                row_[2 * i] = static_cast<unsigned char>(words[i] >> 8);
-                row_[2 * i + 1] = static_cast<unsigned char>(words[i]);
-            }
-            row = row_.data();
-        }
-        const bool keep = pixels.form == Form::Indexed;
-        Deflate(stream, keep ? filter_.Keep(row) : filter_.Filter(row), Z_NO_FLUSH);
+        const unsigned char* const row = Row(pixels, y).data();
+        Deflate(stream, method == Method::Flat ? filter_.Keep(row) : filter_.Filter(row), Z_NO_FLUSH);
     }
     Deflate(stream, {}, Z_FINISH);
-    const std::size_t size = file_.size() - start - 8 - stream.avail_out;
+    const std::size_t size = room - stream.avail_out;
     Store32(file_.data() + start, size);
     std::memcpy(file_.data() + start + 4, "IDAT", 4);
     file_.resize(start + 8 + size);
     Append32(file_, crc32(0, file_.data() + start + 4, static_cast<uInt>(size + 4)));
+    return size;
 }
 
 void PngEncoder::Deflate(z_stream_s& stream, std::span<const unsigned char> bytes, int flush) {

@@ -1,7 +1,9 @@
 // Encoding PNG.
 #pragma once
 
+#include <array>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "platform/gdal/Pixels.h"
@@ -11,10 +13,12 @@ struct z_stream_s;
 
 namespace orvo::gdal {
 
-/// Encodes images of every form, 8 and 16 bits deep. Imagery gets the best filter per row and is then
-/// compressed by run lengths and Huffman codes, where a search for longer repetitions costs much and finds
-/// nothing; images with flat colour, and those of 16 bits, are compressed with that search. Memory is reused
-/// from image to image.
+/// Encodes images of every form, 8 and 16 bits deep. Memory is reused from image to image.
+///
+/// Imagery gets the best filter per row and is then compressed by run lengths and Huffman codes alone: a
+/// search for longer repetitions costs much there and finds nothing. Images with flat colour are compressed
+/// unfiltered and with that search, where a sample of their rows shows that it pays, and those of 16 bits
+/// filtered and with it.
 class PngEncoder {
   public:
     PngEncoder();
@@ -34,16 +38,19 @@ class PngEncoder {
     void Header(const Pixels& pixels);
     void Colours(const Pixels& pixels);
     void Transparency(const Pixels& pixels);
-    void Data(const Pixels& pixels);
+    enum class Method { Imagery, Flat, Deep };
+    Method Choose(const Pixels& pixels);
+    std::size_t Data(const Pixels& pixels, Method method);
+    std::span<const unsigned char> Row(const Pixels& pixels, int y);
     void Deflate(z_stream_s& stream, std::span<const unsigned char> bytes, int flush);
     void Chunk(const char* type, std::span<const unsigned char> data);
-    z_stream_s& StreamFor(Stream& stream, int level, int strategy);
+    z_stream_s& StreamFor(Method method);
 
     std::vector<unsigned char> file_;
     std::vector<unsigned char> row_;  // in the file's byte order
+    Pixels sample_;
     PngFilter filter_;
-    Stream imagery_;
-    Stream flat_;
+    std::array<Stream, 3> streams_;  // by method
 };
 
 }  // namespace orvo::gdal

@@ -103,6 +103,7 @@ RasterLayer::RasterLayer(const std::string& name) : dataset_(Open(name)), name_(
     RequireBands(*dataset_, name_);
     columns_ = dataset_->GetRasterXSize();
     rows_ = dataset_->GetRasterYSize();
+    bands_ = dataset_->GetRasterCount();
     const std::string driver = DriverOf(*dataset_);
     format_ = driver == "OpenFileGDB" ? "FGDBR" : driver;
     Locate();
@@ -140,17 +141,32 @@ GDALDataset& RasterLayer::Dataset() const {
     return *dataset_;
 }
 
-void RasterLayer::Reopen() {
-    const int bands = dataset_ ? dataset_->GetRasterCount() : 0;
-    dataset_.reset();
+/// The source opened anew; empty where that fails or it is no longer the raster that it was.
+std::unique_ptr<GDALDataset> RasterLayer::OpenAgain() const {
     try {
         auto fresh = Open(name_);
         const bool same = fresh->GetRasterXSize() == columns_ && fresh->GetRasterYSize() == rows_ &&
-                          fresh->GetRasterCount() == bands;
-        if (same) dataset_ = std::move(fresh);
+                          fresh->GetRasterCount() == bands_;
+        return same ? std::move(fresh) : nullptr;
     } catch (const RuntimeError&) {
-        // Every read from now on says so.
+        return nullptr;
     }
+}
+
+GDALDataset& RasterLayer::DatasetForRows() {
+    if (!triedRows_ && format_ == "GTiff") {
+        const Option past("GTIFF_DIRECT_IO", "YES");
+        forRows_ = OpenAgain();
+    }
+    triedRows_ = true;
+    return forRows_ ? *forRows_ : Dataset();
+}
+
+void RasterLayer::Reopen() {
+    dataset_.reset();
+    forRows_.reset();
+    triedRows_ = false;
+    dataset_ = OpenAgain();
 }
 
 std::shared_ptr<IEnvelope> RasterLayer::Extent() {
@@ -164,10 +180,6 @@ std::shared_ptr<IEnvelope> RasterLayer::Extent() {
 
 std::string RasterLayer::SpatialReference() const {
     return Dataset().GetProjectionRef();
-}
-
-int RasterLayer::BandCount() const {
-    return dataset_->GetRasterCount();
 }
 
 std::string RasterLayer::BandType(int band) const {

@@ -36,6 +36,9 @@ class RasterLayer final : public IRasterLayer,
 
     /// Owned by the layer; valid until it is opened anew. Fails with number 57 where that was not possible.
     GDALDataset& Dataset() const;
+    /// The same source for reading many whole rows: an uncompressed TIFF is then read past the block cache,
+    /// whose upkeep costs more than the reading. Valid and failing like Dataset().
+    GDALDataset& DatasetForRows();
     /// Opens the source anew after a failed read, for the library may then hold cells that it never read.
     void Reopen();
     /// Left edge, cell width, 0, top edge, 0, minus cell height, in map units.
@@ -43,7 +46,7 @@ class RasterLayer final : public IRasterLayer,
     bool IsGeoreferenced() const { return georeferenced_; }
     /// As WKT; empty where it is not known.
     std::string SpatialReference() const;
-    int BandCount() const;
+    int BandCount() const { return bands_; }
     /// The library's name of a band's cell type, such as "Byte" or "Float32". @param band counts from 1
     std::string BandType(int band) const;
 
@@ -53,13 +56,17 @@ class RasterLayer final : public IRasterLayer,
 
     void Locate();
     void NameSource();
+    std::unique_ptr<GDALDataset> OpenAgain() const;
 
     std::unique_ptr<GDALDataset> dataset_;
+    std::unique_ptr<GDALDataset> forRows_;
+    bool triedRows_ = false;
     std::string name_;  // as it was opened
     std::string filePath_;
     std::string format_;
     Long columns_ = 0;
     Long rows_ = 0;
+    int bands_ = 0;
     std::array<double, 6> transform_{};
     bool georeferenced_ = false;
     bool contained_ = false;

@@ -1,7 +1,5 @@
 #include "platform/gdal/ReadAhead.h"
 
-#include <gdal_priv.h>
-
 #include <algorithm>
 #include <cstring>
 
@@ -42,12 +40,12 @@ bool ReadAhead::Follows(const TileWindow& window, int rasterColumns) {
 }
 
 /// Reads the wanted cells and those to their right. False where there are none to read along.
-bool ReadAhead::Fetch(GDALDataset& dataset, Strip wanted) {
+bool ReadAhead::Fetch(RasterLayer& layer, Strip wanted) {
     const int rows = wanted.bottom - wanted.top;
     const Layout cell = Packed(wanted.type, wanted.bands.size(), 1);
-    const int most = static_cast<int>(
-        std::min<std::size_t>(kMostBytes / (cell.pixel * static_cast<std::size_t>(rows)),
-                              static_cast<std::size_t>(dataset.GetRasterXSize() - wanted.left)));
+    const int most =
+        static_cast<int>(std::min<std::size_t>(kMostBytes / (cell.pixel * static_cast<std::size_t>(rows)),
+                                               static_cast<std::size_t>(layer.Width() - wanted.left)));
     const int wantedRight = wanted.right;
     wanted.right = std::min(wanted.left + most, static_cast<int>(reach_));
     if (wanted.right <= wantedRight) return false;
@@ -57,7 +55,7 @@ bool ReadAhead::Fetch(GDALDataset& dataset, Strip wanted) {
     wanted.cells.resize(layout.line * static_cast<std::size_t>(rows));
     strip_ = {};
     for (int row = 0; row < rows; row += kRowsAtOnce) {
-        ReadWindow(dataset, wanted.bands,
+        ReadWindow(layer.DatasetForRows(), wanted.bands,
                    ExactWindow(wanted.left, wanted.top + row, columns, std::min(kRowsAtOnce, rows - row)),
                    Resample::Nearest, wanted.cells.data() + layout.line * static_cast<std::size_t>(row),
                    layout);
@@ -71,7 +69,7 @@ void ReadAhead::Stop() {
     strip_ = {};
 }
 
-void ReadAhead::Read(GDALDataset& dataset, std::span<const int> bands, GDALDataType type,
+void ReadAhead::Read(RasterLayer& layer, std::span<const int> bands, GDALDataType type,
                      const TileWindow& window, Resample resample, unsigned char* target) {
     const Layout layout = Packed(type, bands.size(), window.columns);
     if (window.IsExact() && !stopped_) {
@@ -82,8 +80,8 @@ void ReadAhead::Read(GDALDataset& dataset, std::span<const int> bands, GDALDataT
                      static_cast<int>(window.right),
                      static_cast<int>(window.bottom),
                      {}};
-        const bool follows = Follows(window, dataset.GetRasterXSize());
-        if (Holds(wanted) || (follows && Fetch(dataset, wanted))) {
+        const bool follows = Follows(window, layer.Width());
+        if (Holds(wanted) || (follows && Fetch(layer, wanted))) {
             const Layout from = Packed(type, bands.size(), strip_.right - strip_.left);
             const unsigned char* source = strip_.cells.data() +
                                           from.line * static_cast<std::size_t>(wanted.top - strip_.top) +
@@ -94,7 +92,7 @@ void ReadAhead::Read(GDALDataset& dataset, std::span<const int> bands, GDALDataT
             return;
         }
     }
-    ReadWindow(dataset, bands, window, resample, target, layout);
+    ReadWindow(layer.Dataset(), bands, window, resample, target, layout);
 }
 
 }  // namespace orvo::gdal

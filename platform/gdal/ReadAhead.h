@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "platform/gdal/RasterLayer.h"
 #include "platform/gdal/TileWindow.h"
 
 namespace orvo::gdal {
@@ -14,7 +15,7 @@ class ReadAhead {
   public:
     /// Reads pixel by pixel, bands interleaved, tightly packed. Fails like ReadWindow, also where only cells
     /// that were to be read along cannot be read: then Stop, and read again.
-    void Read(GDALDataset& dataset, std::span<const int> bands, GDALDataType type, const TileWindow& window,
+    void Read(RasterLayer& layer, std::span<const int> bands, GDALDataType type, const TileWindow& window,
               Resample resample, unsigned char* target);
     /// Reads nothing along from now on, and forgets what was.
     void Stop();
@@ -33,7 +34,7 @@ class ReadAhead {
 
     bool Holds(const Strip& wanted) const;
     bool Follows(const TileWindow& window, int rasterColumns);
-    bool Fetch(GDALDataset& dataset, Strip wanted);
+    bool Fetch(RasterLayer& layer, Strip wanted);
 
     bool stopped_ = false;
     Strip strip_;

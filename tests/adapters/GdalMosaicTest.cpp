@@ -159,6 +159,29 @@ TEST_F(GdalTileTest, TiffKeepsTypeBandsNodataAndPlace) {
     EXPECT_EQ(out_.Names(), std::vector<std::string>{"Tile.TIF"});
 }
 
+TEST_F(GdalTileTest, LayoutsOfTheSourceFileDoNotMatter) {
+    RasterSpec spec{.width = 300, .height = 70, .bands = 3};
+    // Blocks of zeros are left out of a sparse file.
+    spec.cell = [](int x, int y, int band) { return x < 150 ? 0 : (x * 5 + y * 3 + band * 70) % 256; };
+    const std::vector<std::vector<const char*>> layouts = {
+        {"INTERLEAVE=BAND"},
+        {"INTERLEAVE=BAND", "TILED=YES", "BLOCKXSIZE=32", "BLOCKYSIZE=16", "SPARSE_OK=TRUE"},
+        {"TILED=YES", "BLOCKXSIZE=48", "BLOCKYSIZE=64", "SPARSE_OK=TRUE"},
+        {"COMPRESS=LZW", "BLOCKYSIZE=9"},
+        {"ENDIANNESS=BIG"}};
+    for (const auto& options : layouts) {
+        spec.options = options;
+        const auto layer = gdal::OpenRasterLayer(Make("source.tif", spec));
+        for (const auto& [left, width] : {std::pair(0, 110), {110, 110}, {220, 80}}) {
+            const Picture tile = Load(Export(*layer, "t.png", left, 11, width, 50));
+            for (int y = 0; y < 50; ++y) {
+                for (int x = 0; x < width; ++x)
+                    ASSERT_EQ(tile.At(x, y), AsIs(spec, left + x, 11 + y)) << options[0];
+            }
+        }
+    }
+}
+
 TEST_F(GdalTileTest, SixteenBitsStayInPngAndAreStretchedElsewhere) {
     RasterSpec spec{.width = 9, .height = 5, .bands = 3, .type = GDT_UInt16, .nodata = 7};
     spec.cell = [](int x, int y, int band) { return x == 3 ? 7 : 1000 + 300 * x + 7001 * y + band * 1234; };
@@ -231,7 +254,7 @@ TEST_F(GdalTileTest, MasksAndTransparentPalettesAreShownAsAlpha) {
 
     Make("masked.tif", {.width = 8, .height = 4});
     {
-        CPLSetThreadLocalConfigOption("GDAL_TIFF_INTERNAL_MASK", "YES");
+        const gdal::Option inside("GDAL_TIFF_INTERNAL_MASK", "YES");
         GDALDatasetUniquePtr file(GDALDataset::Open((folder_ / "masked.tif").c_str(), GDAL_OF_UPDATE));
         ASSERT_EQ(file->CreateMaskBand(GMF_PER_DATASET), CE_None);
         std::vector<unsigned char> mask(32, 255);
@@ -239,7 +262,6 @@ TEST_F(GdalTileTest, MasksAndTransparentPalettesAreShownAsAlpha) {
         ASSERT_EQ(file->GetRasterBand(1)->GetMaskBand()->RasterIO(GF_Write, 0, 0, 8, 4, mask.data(), 8, 4,
                                                                   GDT_Byte, 0, 0, nullptr),
                   CE_None);
-        CPLSetThreadLocalConfigOption("GDAL_TIFF_INTERNAL_MASK", nullptr);
     }
     const auto masked = gdal::OpenRasterLayer(folder_ / "masked.tif");
     for (const char* name : {"m.png", "m.gif", "m.tif"}) {
