@@ -28,10 +28,13 @@ Shape MovedInside(const Shape& shape, const Bounds& r) {
 }
 
 /// The neighbourhood of the rectangle, cut somewhere around it where nothing is in doubt; else the whole
-/// shape.
+/// shape. Unlike in width and height, so that a slanted border through a corner misses the new corners.
 Shape Neighbourhood(const Shape& shape, const Bounds& r) {
-    for (const double margin : {0.0625, 0.0811, 0.1093}) {
-        auto cut = CutPolygons(shape, r.GrownBy(margin * (r.xMax - r.xMin), margin * (r.yMax - r.yMin)));
+    constexpr struct {
+        double x, y;
+    } kMargins[] = {{0.0625, 0.0811}, {0.1093, 0.0717}, {0.0523, 0.1217}, {0.1217, 0.0311}};
+    for (const auto& margin : kMargins) {
+        auto cut = CutPolygons(shape, r.GrownBy(margin.x * (r.xMax - r.xMin), margin.y * (r.yMax - r.yMin)));
         if (cut) return std::move(*cut);
     }
     return shape;

@@ -61,7 +61,7 @@ class AreaCutter {
             }
         }
         if (!inside_.empty() && inside_.front() == shape.AreaBegin(area)) return AddWhole(shape, area, into);
-        if (!Link()) return false;
+        if (!Link(shape)) return false;
         return AddShells(shape, into);
     }
 
@@ -74,7 +74,6 @@ class AreaCutter {
         shellVertices_.clear();
         inside_.clear();
         cornerIsInside_ = false;
-        meanZ_ = {};
     }
 
     bool IsClearOfEdges(const Bounds& b) const { return inner_.Holds(b); }
@@ -90,17 +89,14 @@ class AreaCutter {
             const Coordinate& a = ring[(start + n) % count];
             const Coordinate& b = ring[(start + n + 1) % count];
             if (IsNearEdge(b) || !CountAtCorner(a, b) || !FollowSegment(a, b)) return false;
-            if (!std::isnan(b.z)) {
-                meanZ_.sum += b.z;
-                meanZ_.count += 1;
-            }
         }
         return true;
     }
 
     bool FollowSegment(const Coordinate& a, const Coordinate& b) {
+        if ((OutsideOf(a, r_) & OutsideOf(b, r_)) != 0) return true;
         const auto held = HeldStretch(a, b, r_);
-        if (!held) return true;
+        if (!held) return !PassesCorner(a, b);
         if (held->enters) {
             if (IsNearCorner(held->enters->at)) return false;
             runs_.push_back({vertices_.size(), 0, held->enters->edge, Edge::Bottom});
@@ -115,6 +111,17 @@ class AreaCutter {
         runs_.back().end = vertices_.size();
         runs_.back().lastEdge = held->leaves->edge;
         return true;
+    }
+
+    /// Whether a segment that goes around a corner comes too near.
+    bool PassesCorner(const Coordinate& a, const Coordinate& b) const {
+        const double dx = b.x - a.x, dy = b.y - a.y;
+        const double tooNear = near_ * (std::abs(dx) + std::abs(dy));
+        for (int n = 0; n < 4; ++n) {
+            const Coordinate corner = Corner(n);
+            if (std::abs(dx * (corner.y - a.y) - dy * (corner.x - a.x)) <= tooNear) return true;
+        }
+        return false;
     }
 
     /// A ray from the bottom left corner to the left: what it meets tells whether the corner is inside.
@@ -133,9 +140,9 @@ class AreaCutter {
     }
 
     /// Joins the runs along the edges. Inside and outside take turns there, from what the corner is.
-    bool Link() {
+    bool Link(const Shape& shape) {
         if (runs_.empty()) {
-            if (cornerIsInside_) AddRectangle();
+            if (cornerIsInside_) AddRectangle(shape.meanZ);
             return true;
         }
         if (!SortEnds()) return false;
@@ -242,11 +249,11 @@ class AreaCutter {
         }
     }
 
-    void AddRectangle() {
+    void AddRectangle(double meanZ) {
         const std::size_t begin = shellVertices_.size();
         for (int n = 0; n < 4; ++n) {
             Coordinate corner = Corner(n);
-            if (meanZ_.count > 0) corner.z = meanZ_.sum / meanZ_.count;
+            corner.z = meanZ;
             shellVertices_.push_back(corner);
         }
         CloseShell(begin);
@@ -295,9 +302,6 @@ class AreaCutter {
     std::vector<Coordinate> shellVertices_;
     std::vector<std::size_t> inside_;  ///< rings that the rectangle holds as they are
     bool cornerIsInside_ = false;
-    struct {
-        double sum = 0, count = 0;
-    } meanZ_;  ///< for a rectangle that no border reaches
 };
 
 }  // namespace

@@ -25,7 +25,9 @@ Nearest NearestOn(const Coordinate& a, const Coordinate& b, const Coordinate& c)
 
 /// The height of the source's borders at a place; no number where none runs through it.
 double HeightAt(const Shape& source, const Coordinate& c) {
-    const double near = 1e-9 * (1e-9 + std::abs(c.x) + std::abs(c.y));
+    const Bounds& all = source.Extent();
+    const double near =
+        1e-9 * std::max({std::abs(all.xMin), std::abs(all.yMin), std::abs(all.xMax), std::abs(all.yMax)});
     Nearest best{near * near, std::numeric_limits<double>::quiet_NaN()};
     for (std::size_t n = 0; n < source.PathCount(); ++n) {
         if (!source.PathExtent(n).GrownBy(near, near).Holds(c)) continue;
@@ -71,26 +73,15 @@ void FillBetween(std::vector<Coordinate>& ring, double otherwise) {
     ring.back().z = ring.front().z;
 }
 
-double MeanHeight(const Shape& source) {
-    double sum = 0, count = 0;
-    for (const Coordinate& c : source.Points()) {
-        if (std::isnan(c.z)) continue;
-        sum += c.z;
-        count += 1;
-    }
-    return count > 0 ? sum / count : std::numeric_limits<double>::quiet_NaN();
-}
-
 }  // namespace
 
 Shape WithHeightsOf(const Shape& source, const Shape& rings) {
     Shape result = rings.EmptyCopy();
-    const double mean = MeanHeight(source);
     for (std::size_t area = 0; area < rings.AreaCount(); ++area) {
         for (std::size_t n = rings.AreaBegin(area); n < rings.AreaEnd(area); ++n) {
             std::vector<Coordinate> ring(rings.PathAt(n).begin(), rings.PathAt(n).end());
             for (Coordinate& c : ring) c.z = HeightAt(source, c);
-            FillBetween(ring, mean);
+            FillBetween(ring, source.meanZ);
             result.AddPath(ring);
         }
         result.EndArea();

@@ -29,15 +29,6 @@ bool MayMatter(Shape::Path path, const Bounds& range) {
     return common == 0;
 }
 
-void ReducePoints(const Shape& shape, const Bounds& range, Shape& into) {
-    bool hasOuter = false;
-    for (const Coordinate& c : shape.Points()) {
-        const bool isHeld = range.Holds(c);
-        if (isHeld || !hasOuter) into.AddPoint(c);
-        hasOuter = hasOuter || !isHeld;
-    }
-}
-
 }  // namespace
 
 Shape Reduced(const Shape& shape, const Bounds& range) {
@@ -60,7 +51,9 @@ Shape Reduced(const Shape& shape, const Bounds& range) {
     }
     if (shape.type == GeometryType::Polyline)
         for (std::size_t n = 0; n < shape.PathCount(); ++n) add(n);
-    if (shape.PathCount() == 0) ReducePoints(shape, range, reduced);
+    for (const Coordinate& c : shape.PathCount() == 0 ? shape.Points() : std::span<const Coordinate>{})
+        if (range.Holds(c)) reduced.AddPoint(c);
+    if (!reduced.IsEmpty()) reduced.Extend(shape.Extent());
     return reduced;
 }
 

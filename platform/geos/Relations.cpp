@@ -74,8 +74,8 @@ bool HasPathWithoutLength(const Shape& shape) {
 /// Some of it inside the rectangle and some outside. Only where its bounds reach out.
 Finding LiesOnBothSides(const Shape& shape, const Bounds& r) {
     if (!IsMadeOfPoints(shape)) return HasPathWithoutLength(shape) ? Finding::Doubt : EntersInside(shape, r);
-    const auto inside = [&](const Coordinate& c) { return r.HoldsInside(c); };
-    return std::ranges::any_of(shape.Points(), inside) ? Finding::Yes : Finding::No;
+    const auto isInside = [&](const Coordinate& c) { return r.HoldsInside(c); };
+    return std::ranges::any_of(shape.Points(), isInside) ? Finding::Yes : Finding::No;
 }
 
 /// Whether a place off the borders lies in the areas.
@@ -107,7 +107,7 @@ Finding EntersInside(const Shape& shape, const Bounds& rectangle) {
 }
 
 bool Within(const Shape& shape, const Bounds& rectangle, const Shape& whole) {
-    if (IsApart(shape, rectangle) || !rectangle.Holds(whole.Extent())) return false;
+    if (IsApart(shape, rectangle) || !rectangle.Holds(shape.Extent())) return false;
     if (!rectangle.HasArea()) return Within(*ToGeos(whole), *ToGeos(rectangle));
     return shape.type == GeometryType::Polygon || LeavesEdges(shape, rectangle);
 }
@@ -115,7 +115,7 @@ bool Within(const Shape& shape, const Bounds& rectangle, const Shape& whole) {
 bool Crosses(const Shape& shape, const Bounds& rectangle, const Shape& whole) {
     if (IsApart(shape, rectangle)) return false;
     if (!rectangle.HasArea()) return Crosses(*ToGeos(whole), *ToGeos(rectangle));
-    if (shape.type == GeometryType::Polygon || rectangle.Holds(whole.Extent())) return false;
+    if (shape.type == GeometryType::Polygon || rectangle.Holds(shape.Extent())) return false;
     const Finding finding = LiesOnBothSides(shape, rectangle);
     return finding == Finding::Doubt ? Crosses(*ToGeos(whole), *ToGeos(rectangle)) : finding == Finding::Yes;
 }
@@ -125,7 +125,7 @@ bool Overlaps(const Shape& shape, const Bounds& rectangle, const Shape& whole) {
     if (!rectangle.HasArea()) return Overlaps(*ToGeos(whole), *ToGeos(rectangle));
     // An area that reaches out of the rectangle overlaps it where its boundary runs inside: it then has
     // points of the rectangle on either side. Where none does, it covers the rectangle or leaves it alone.
-    if (shape.type != GeometryType::Polygon || rectangle.Holds(whole.Extent())) return false;
+    if (shape.type != GeometryType::Polygon || rectangle.Holds(shape.Extent())) return false;
     const Finding finding = EntersInside(shape, rectangle);
     return finding == Finding::Doubt ? Overlaps(*ToGeos(whole), *ToGeos(rectangle)) : finding == Finding::Yes;
 }

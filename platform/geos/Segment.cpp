@@ -69,8 +69,8 @@ bool Passes(const Coordinate& a, const Coordinate& b, const Stretch& stretch, co
     const Coordinate& from = stretch.enters->at;
     const Coordinate& to = stretch.leaves->at;
     constexpr double kRounding = 1e-15;
-    return std::abs(from.x - to.x) > kRounding * std::abs(to.x) ||
-           std::abs(from.y - to.y) > kRounding * std::abs(to.y);
+    return std::abs(from.x - to.x) > kRounding * (std::abs(a.x) + std::abs(b.x)) ||
+           std::abs(from.y - to.y) > kRounding * (std::abs(a.y) + std::abs(b.y));
 }
 
 }  // namespace

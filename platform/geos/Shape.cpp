@@ -28,12 +28,19 @@ Shape Shape::EmptyCopy() const {
     copy.type = type;
     copy.isMulti = isMulti;
     copy.hasZ = hasZ;
+    copy.meanZ = meanZ;
     return copy;
 }
 
 Shape::Path Shape::PathAt(std::size_t n) const {
     const std::size_t begin = n == 0 ? 0 : paths_[n - 1].end;
     return Points().subspan(begin, paths_[n].end - begin);
+}
+
+bool Shape::MayMeet(const Bounds& rectangle) const {
+    if (paths_.empty())
+        return std::ranges::any_of(points_, [&](const auto& c) { return rectangle.Holds(c); });
+    return std::ranges::any_of(paths_, [&](const PathEnd& path) { return path.extent.Meets(rectangle); });
 }
 
 void Shape::AddPoint(const Coordinate& point) {

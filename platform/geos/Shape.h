@@ -60,12 +60,18 @@ class Shape {
     orvo::GeometryType type = GeometryType::Null;
     bool isMulti = false;  ///< stays a collection of its kind, whatever the number of parts
     bool hasZ = false;
+    /// The mean height of the whole that this is a part of, for places that no border is near.
+    double meanZ = std::numeric_limits<double>::quiet_NaN();
 
     /// A shape without coordinates, of the same kind.
     Shape EmptyCopy() const;
 
     bool IsEmpty() const { return points_.empty(); }
+    /// Of the whole, where this is what is left of one.
     const Bounds& Extent() const { return extent_; }
+    void Extend(const Bounds& whole) { extent_.Include(whole); }
+    /// Whether the bounds of a point or path have a point in common with the rectangle.
+    bool MayMeet(const Bounds& rectangle) const;
     std::span<const Coordinate> Points() const { return points_; }
 
     /// Lines and rings; none where the shape is made of points.

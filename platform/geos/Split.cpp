@@ -65,7 +65,7 @@ class Splitter {
     void VisitAll(const std::shared_ptr<Geometry>& around, Span columns, Span rows) {
         for (std::size_t row = rows.begin; row < rows.end; ++row)
             for (std::size_t column = columns.begin; column < columns.end; ++column)
-                if (around->Extent().Meets(RangeOf({column, column + 1}, {row, row + 1})))
+                if (around->Coordinates().MayMeet(RangeOf({column, column + 1}, {row, row + 1})))
                     visit_(column, row, around);
     }
 

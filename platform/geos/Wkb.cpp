@@ -38,6 +38,7 @@ class Reader {
         shape_.isMulti = head.kind >= kMultiPoint && head.kind <= kMultiPolygon;
         shape_.type = TypeOf(head.kind);
         if (shape_.type != GeometryType::Other) ReadBody(head);
+        if (shape_.hasZ) shape_.meanZ = MeanZ();
         return std::move(shape_);
     }
 
@@ -57,6 +58,16 @@ class Reader {
             default:
                 return GeometryType::Other;
         }
+    }
+
+    double MeanZ() const {
+        double sum = 0, count = 0;
+        for (const Coordinate& c : shape_.Points()) {
+            if (std::isnan(c.z)) continue;
+            sum += c.z;
+            count += 1;
+        }
+        return count > 0 ? sum / count : std::numeric_limits<double>::quiet_NaN();
     }
 
     void ReadBody(const Header& head) {

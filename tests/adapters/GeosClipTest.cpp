@@ -1,0 +1,270 @@
+// Geometries cut to tiles: chosen cases, and what must hold for all of them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "GeosRandom.h"
+#include "GeosShapes.h"
+#include "platform/geos/Split.h"
+
+namespace orvo::geos::test {
+namespace {
+
+const auto kTile = Rectangle(0, 0, 10, 10);
+
+std::shared_ptr<Geometry> Cut(const std::shared_ptr<Geometry>& geometry,
+                              const std::shared_ptr<IEnvelope>& to) {
+    auto copy = std::dynamic_pointer_cast<Geometry>(geometry->Clone());
+    copy->Clip(to);
+    return copy;
+}
+
+bool SamePlaces(const GEOSGeometry& a, const GEOSGeometry& b) {
+    return GEOSisEmpty_r(Library(), &a) == 1 ? GEOSisEmpty_r(Library(), &b) == 1
+                                             : GEOSEquals_r(Library(), &a, &b) == 1;
+}
+
+struct CutCase {
+    const char* what;
+    const char* wkt;
+    const char* cut;
+};
+
+void Check(const std::vector<CutCase>& cases, const std::shared_ptr<IEnvelope>& envelope = kTile) {
+    for (const CutCase& c : cases) {
+        SCOPED_TRACE(std::string(c.what) + ": " + c.wkt);
+        const auto cut = Cut(Read(c.wkt), envelope);
+        const Reference found = Reread(*cut), expected = FromText(c.cut);
+        EXPECT_TRUE(SamePlaces(*found, *expected)) << ToText(*found);
+        EXPECT_EQ(GEOSGeomTypeId_r(Library(), found.get()), GEOSGeomTypeId_r(Library(), expected.get()))
+            << ToText(*found);
+        EXPECT_EQ(GEOSisValid_r(Library(), found.get()), 1) << ToText(*found);
+        EXPECT_EQ(cut->IsEmpty(), GEOSisEmpty_r(Library(), expected.get()) == 1);
+    }
+}
+
+TEST(GeosClip, PointsStayPoints) {
+    Check({{"inside and on edges", "MULTIPOINT (5 5, 0 0, 10 5, 11 5)", "MULTIPOINT (5 5, 0 0, 10 5)"},
+           {"one left is still several", "MULTIPOINT (5 5, 20 20)", "MULTIPOINT (5 5)"},
+           {"none left", "MULTIPOINT (20 20)", "MULTIPOINT EMPTY"},
+           {"single", "POINT (5 5)", "POINT (5 5)"},
+           {"single, outside", "POINT (15 5)", "POINT EMPTY"}});
+}
+
+TEST(GeosClip, LinesStayLines) {
+    Check({{"through", "LINESTRING (-5 5, 15 5)", "LINESTRING (0 5, 10 5)"},
+           {"in and out twice", "LINESTRING (-5 2, 5 2, 5 -5, 8 -5, 8 5, 15 5)",
+            "MULTILINESTRING ((0 2, 5 2, 5 0), (8 0, 8 5, 10 5))"},
+           {"over a corner", "LINESTRING (-5 5, 5 -5)", "LINESTRING EMPTY"},
+           {"touching with a vertex", "LINESTRING (-5 0, 0 5, -5 10)", "LINESTRING EMPTY"},
+           {"in, along an edge, out", "LINESTRING (5 5, 5 0, 8 0, 8 -5)", "LINESTRING (5 5, 5 0, 8 0)"},
+           {"on beyond an edge", "LINESTRING (-5 0, 15 0)", "LINESTRING (0 0, 10 0)"},
+           {"a ring that starts inside stays in one", "LINESTRING (5 5, 15 5, 15 8, 5 8, 5 5)",
+            "LINESTRING (10 8, 5 8, 5 5, 10 5)"},
+           {"several stay several", "MULTILINESTRING ((1 1, 2 2), (20 20, 30 30))",
+            "MULTILINESTRING ((1 1, 2 2))"}});
+}
+
+TEST(GeosClip, AreasStayAreas) {
+    Check(
+        {{"covering", "POLYGON ((-5 -5, 15 -5, 15 15, -5 15, -5 -5))",
+          "POLYGON ((0 0, 10 0, 10 10, 0 10, 0 0))"},
+         {"a corner", "POLYGON ((5 5, 15 5, 15 15, 5 15, 5 5))", "POLYGON ((5 5, 10 5, 10 10, 5 10, 5 5))"},
+         {"clockwise", "POLYGON ((5 5, 5 15, 15 15, 15 5, 5 5))", "POLYGON ((5 5, 10 5, 10 10, 5 10, 5 5))"},
+         {"in two pieces", "POLYGON ((-5 1, 15 1, 15 9, -5 9, -5 8, 14 8, 14 2, -5 2, -5 1))",
+          "MULTIPOLYGON (((0 1, 10 1, 10 2, 0 2, 0 1)), ((0 8, 10 8, 10 9, 0 9, 0 8)))"},
+         {"a hole inside", "POLYGON ((-5 -5, 5 -5, 5 15, -5 15, -5 -5), (1 1, 2 1, 2 2, 1 1))",
+          "POLYGON ((0 0, 5 0, 5 10, 0 10, 0 0), (1 1, 2 1, 2 2, 1 1))"},
+         {"a hole cut open", "POLYGON ((-5 -5, 15 -5, 15 15, -5 15, -5 -5), (-2 4, 4 4, 4 6, -2 6, -2 4))",
+          "POLYGON ((0 0, 10 0, 10 10, 0 10, 0 6, 4 6, 4 4, 0 4, 0 0))"},
+         {"a hole through", "POLYGON ((-5 -5, 15 -5, 15 15, -5 15, -5 -5), (-2 4, 12 4, 12 6, -2 6, -2 4))",
+          "MULTIPOLYGON (((0 0, 10 0, 10 4, 0 4, 0 0)), ((0 6, 10 6, 10 10, 0 10, 0 6)))"},
+         {"the tile lies in a hole",
+          "POLYGON ((-9 -9, 19 -9, 19 19, -9 19, -9 -9), (-1 -1, 11 -1, 11 11, -1 11, -1 -1))",
+          "POLYGON EMPTY"},
+         {"touching along an edge leaves no line", "POLYGON ((10 0, 20 0, 20 10, 10 10, 10 0))",
+          "POLYGON EMPTY"},
+         {"touching a corner leaves no point", "POLYGON ((10 10, 20 10, 20 20, 10 10))", "POLYGON EMPTY"},
+         {"area and edge give the area",
+          "POLYGON ((-5 -5, 5 -5, 5 5, -5 5, -5 -5), (0 0, 2 0, 2 2, 0 2, 0 0))",
+          "POLYGON ((2 0, 5 0, 5 5, 0 5, 0 2, 2 2, 2 0))"},
+         {"pinched on the edge", "POLYGON ((-5 0, 5 5, 15 0, 5 10, -5 0))",
+          "POLYGON ((0 2.5, 5 5, 10 2.5, 10 5, 5 10, 0 5, 0 2.5))"},
+         {"a hole pinches the tile in two",
+          "POLYGON ((-5 -5, 15 -5, 15 15, -5 15, -5 -5), (0 5, 5 2, 10 5, 5 8, 0 5))",
+          "MULTIPOLYGON (((0 0, 10 0, 10 5, 5 2, 0 5, 0 0)), ((0 5, 5 8, 10 5, 10 10, 0 10, 0 5)))"},
+         {"several stay several", "MULTIPOLYGON (((1 1, 5 1, 5 5, 1 1)), ((20 20, 30 20, 30 30, 20 20)))",
+          "MULTIPOLYGON (((1 1, 5 1, 5 5, 1 1)))"}});
+}
+
+TEST(GeosClip, AreasThatCrossThemselvesAreRepairedByTheEvenOddRule) {
+    Check({{"crossing inside", "POLYGON ((-2 2, 12 8, 12 2, -2 8, -2 2))",
+            "MULTIPOLYGON (((0 2.857142857142857, 5 5, 0 7.142857142857143, 0 2.857142857142857)), "
+            "((5 5, 10 2.857142857142857, 10 7.142857142857143, 5 5)))"},
+           {"crossing outside, either lobe inside", "POLYGON ((-5 2, 5 2, -8 6, -8 7, 5 8, -5 8, -5 2))",
+            "MULTIPOLYGON (((0 2, 5 2, 0 3.5384615384615383, 0 2)), ((0 7.615384615384615, 5 8, 0 8, 0 "
+            "7.615384615384615)))"}});
+}
+
+TEST(GeosClip, AnEnvelopeWithoutAreaLeavesLinesAndPointsOnly) {
+    const auto flat = Rectangle(0, 5, 10, 5);
+    Check({{"along it", "LINESTRING (-5 5, 5 5)", "LINESTRING (0 5, 5 5)"},
+           {"across it", "LINESTRING (5 -5, 5 15)", "LINESTRING EMPTY"},
+           {"area", "POLYGON ((1 1, 9 1, 9 9, 1 1))", "POLYGON EMPTY"},
+           {"points", "MULTIPOINT (5 5, 5 6)", "MULTIPOINT (5 5)"}},
+          flat);
+    for (const char* wkt : {"MULTIPOINT (0 0)", "LINESTRING (0 0, 1 1)", "POLYGON ((0 0, 1 0, 1 1, 0 0))"}) {
+        const auto cut = Cut(Read(wkt), std::make_shared<memory::Envelope>());
+        EXPECT_TRUE(cut->IsEmpty()) << wkt;
+        EXPECT_EQ(cut->GeometryType(), Read(wkt)->GeometryType());
+    }
+}
+
+TEST(GeosClip, ACopyGoesItsOwnWay) {
+    const auto line = Read("LINESTRING (-5 5, 15 5)");
+    const auto before = line->ToWkb();
+    const auto copy = std::dynamic_pointer_cast<Geometry>(line->Clone());
+    copy->Clip(kTile);
+    EXPECT_EQ(line->ToWkb(), before);
+    EXPECT_NE(copy->ToWkb(), before);
+}
+
+/// Every vertex on the borders lies on the slope of the random geometries.
+void ExpectHeights(const Geometry& piece, const GEOSGeometry& source, double tolerance) {
+    Reference border(GEOSGeom_getDimensions_r(Library(), &source) == 2
+                         ? GEOSBoundary_r(Library(), &source)
+                         : GEOSGeom_clone_r(Library(), &source));
+    for (const Coordinate& c : piece.Coordinates().Points()) {
+        EXPECT_FALSE(std::isnan(c.z));
+        const Reference place(GEOSGeom_createPointFromXY_r(Library(), c.x, c.y));
+        double away = 0;
+        GEOSDistance_r(Library(), border.get(), place.get(), &away);
+        if (away < 1e-9) {
+            EXPECT_NEAR(c.z, Random::Slope(c.x, c.y), tolerance);
+        }
+    }
+}
+
+/// What the overlay of each part by itself amounts to: point by point, segment by segment, area by area.
+double ExpectedMeasure(const GEOSGeometry& source, const GEOSGeometry& tile) {
+    const int parts = GEOSGetNumGeometries_r(Library(), &source);
+    double sum = 0;
+    for (int n = 0; n < parts; ++n) {
+        const GEOSGeometry* part = GEOSGetGeometryN_r(Library(), &source, n);
+        const int steps = GEOSGeomTypeId_r(Library(), part) == GEOS_LINESTRING
+                              ? GEOSGeomGetNumPoints_r(Library(), part) - 1
+                              : 1;
+        for (int step = 0; step < steps; ++step) {
+            Reference piece(GEOSGeom_clone_r(Library(), part));
+            if (GEOSGeomTypeId_r(Library(), part) == GEOS_LINESTRING) {
+                GEOSGeometry* ends[] = {GEOSGeomGetPointN_r(Library(), part, step),
+                                        GEOSGeomGetPointN_r(Library(), part, step + 1)};
+                const Reference both(GEOSGeom_createCollection_r(Library(), GEOS_MULTIPOINT, ends, 2));
+                piece.reset(GEOSConvexHull_r(Library(), both.get()));
+            }
+            const Reference held(GEOSIntersection_r(Library(), piece.get(), &tile));
+            const bool isLower =
+                GEOSGeom_getDimensions_r(Library(), held.get()) < GEOSGeom_getDimensions_r(Library(), part);
+            sum += isLower ? 0 : Measure(*held);
+        }
+    }
+    return sum;
+}
+
+// The library's overlay, less what is of a lower dimension, is what a cut must be.
+TEST(GeosClip, RandomPiecesAreWhatTheOverlaySays) {
+    Random random;
+    SCOPED_TRACE(random.Seed());
+    int cuts = 0;
+    for (int n = 0; n < 4000; ++n) {
+        const bool hasZ = n % 2 == 0;
+        const std::string wkt = random.Geometry(n % 3 == 0 ? 0 : n % 3 == 1 ? 5 : 2.5, hasZ);
+        SCOPED_TRACE(wkt);
+        const Reference source = FromText(wkt), tile = ReferenceOf(*kTile);
+        const auto piece = Cut(Geometry::FromWkb(Bytes(*source)), kTile);
+        const Reference found = Reread(*piece);
+        const Reference overlay(GEOSIntersection_r(Library(), source.get(), tile.get()));
+        const int dimension = GEOSGeom_getDimensions_r(Library(), source.get());
+        ASSERT_EQ(GEOSisValid_r(Library(), found.get()), 1) << ToText(*found);
+        if (!piece->IsEmpty()) {
+            ASSERT_EQ(GEOSGeom_getDimensions_r(Library(), found.get()), dimension);
+            ASSERT_TRUE((Bounds{0, 0, 10, 10}.Holds(piece->Extent()))) << ToText(*found);
+        }
+        const double expected = ExpectedMeasure(*source, *tile);
+        ASSERT_NEAR(Measure(*found), expected, 1e-9) << ToText(*found);
+        const Reference rest(GEOSDifference_r(Library(), found.get(), overlay.get()));
+        ASSERT_LT(dimension == 2 ? Measure(*rest) : 0, 1e-9) << ToText(*found);
+        if (hasZ && !piece->IsEmpty()) ExpectHeights(*piece, *source, 1e-6);
+        cuts += expected > 0 && Measure(*found) < Measure(*source) ? 1 : 0;
+    }
+    EXPECT_GT(cuts, 500);
+}
+
+/// A grid over and beyond the random geometries, off or on their snapped coordinates.
+TileGrid GridOf(std::size_t columns, std::size_t rows, double from, double to) {
+    TileGrid grid;
+    const auto edges = [&](std::size_t count, std::vector<Interval>& into) {
+        const double size = (to - from) / static_cast<double>(count);
+        for (std::size_t n = 0; n < count; ++n)
+            into.push_back({from + static_cast<double>(n) * size, from + static_cast<double>(n + 1) * size});
+    };
+    edges(columns, grid.columns);
+    edges(rows, grid.rows);
+    return grid;
+}
+
+std::shared_ptr<IEnvelope> TileOf(const TileGrid& grid, std::size_t column, std::size_t row) {
+    return Rectangle(grid.columns[column].low, grid.rows[row].low, grid.columns[column].high,
+                     grid.rows[row].high);
+}
+
+/// All pieces add up, and thinning out changes neither answers nor pieces.
+void CheckGrid(const std::string& wkt, const TileGrid& grid) {
+    const Reference source = FromText(wkt);
+    const auto geometry = Geometry::FromWkb(Bytes(*source));
+    const std::size_t count = grid.columns.size() * grid.rows.size();
+    std::vector<std::vector<unsigned char>> pieces(count);
+    ForEachTile(geometry, grid,
+                [&](std::size_t column, std::size_t row, const std::shared_ptr<Geometry>& around) {
+                    const auto tile = TileOf(grid, column, row);
+                    EXPECT_EQ(Ours(*around, tile), Ours(*geometry, tile));
+                    EXPECT_EQ(around->Covers(Bounds::Of(*tile)), geometry->Covers(Bounds::Of(*tile)));
+                    auto& piece = pieces[row * grid.columns.size() + column];
+                    EXPECT_TRUE(piece.empty()) << "visited twice";
+                    const auto cut = Cut(around, tile);
+                    if (!cut->IsEmpty()) piece = cut->ToWkb();
+                });
+    double sum = 0;
+    for (std::size_t n = 0; n < count; ++n) {
+        const auto cut = Cut(geometry, TileOf(grid, n % grid.columns.size(), n / grid.columns.size()));
+        EXPECT_EQ(pieces[n], cut->IsEmpty() ? std::vector<unsigned char>{} : cut->ToWkb());
+        if (!cut->IsEmpty()) sum += Measure(*Reread(*cut));
+    }
+    EXPECT_NEAR(sum, Measure(*source), 1e-7);
+}
+
+TEST(GeosClip, PiecesOfAGridAddUpAndEqualThoseCutOneByOne) {
+    Random random;
+    SCOPED_TRACE(random.Seed());
+    for (int n = 0; n < 300 && !testing::Test::HasFailure(); ++n) {
+        const auto grid = GridOf(static_cast<std::size_t>(random.Whole(1, 9)),
+                                 static_cast<std::size_t>(random.Whole(1, 9)), -40.013, 50.017);
+        const std::string wkt = n % 3 == 0 ? random.Line(0) : random.Area(n % 3 == 1 ? 0 : 2.5, n % 2 == 0);
+        SCOPED_TRACE(wkt);
+        CheckGrid(wkt, grid);
+    }
+}
+
+// Borders along the tiles' edges belong to both sides, so only areas add up.
+TEST(GeosClip, AreasOnTheEdgesOfAGridAddUp) {
+    Random random;
+    SCOPED_TRACE(random.Seed());
+    for (int n = 0; n < 200 && !testing::Test::HasFailure(); ++n) {
+        const std::string wkt = random.Area(n % 2 == 0 ? 5 : 2.5);
+        SCOPED_TRACE(wkt);
+        CheckGrid(wkt, GridOf(20, 20, -45, 55));
+    }
+}
+
+}  // namespace
+}  // namespace orvo::geos::test
