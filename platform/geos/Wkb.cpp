@@ -14,6 +14,7 @@ constexpr std::uint32_t kPoint = 1, kLine = 2, kPolygon = 3, kMultiPoint = 4, kM
                         kMultiPolygon = 6;
 constexpr std::uint32_t kLastCode = 17;  // triangles close the list of standard codes
 constexpr std::uint32_t kExtendedZ = 0x80000000, kExtendedM = 0x40000000, kExtendedSrid = 0x20000000;
+constexpr double kLargest = 1e100;      // products of coordinates stay numbers
 constexpr std::size_t kPartHeader = 5;  // byte order and type
 
 [[noreturn]] void Fail(const std::string& why) {
@@ -149,6 +150,7 @@ class Reader {
 
     static void CheckFinite(const Coordinate& c) {
         if (!std::isfinite(c.x) || !std::isfinite(c.y)) Fail("holds coordinates that are not finite numbers");
+        if (std::abs(c.x) > kLargest || std::abs(c.y) > kLargest) Fail("holds coordinates beyond 1e100");
     }
 
     Header ReadHeader() {
