@@ -29,6 +29,7 @@ void WatchSignals() {
         sigaction(number, &action, nullptr);
     }
     std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
 }
 
 bool Interrupted() {

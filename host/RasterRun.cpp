@@ -1,4 +1,7 @@
 // orvo-tile raster: the run from the opened source to the summary.
+#include <cpl_string.h>
+#include <gdal_priv.h>
+
 #include <cmath>
 #include <filesystem>
 #include <iostream>
@@ -92,7 +95,7 @@ class RasterRun {
         ledger_ = std::make_unique<TileLedger>(progress_, static_cast<Long>(grid_.columns));
         InstallPlatform();
         OutputFolder folder(job_.outdir);
-        folder.CheckEarlier(job_.overwrite, {job_.input, job_.name});
+        folder.CheckEarlier(job_.overwrite, SourceFiles());
         if (grid_.Count() > kMostTiles) return RefuseGrid();
         Summary summary;
         for (std::string& notice : FormatNotices(*layer_, job_)) summary.AddNotice(std::move(notice));
@@ -110,6 +113,14 @@ class RasterRun {
     }
 
   private:
+    /// All files that the layer is read from, also through a virtual raster.
+    std::vector<std::string> SourceFiles() {
+        std::vector<std::string> files{job_.input, job_.name};
+        const CPLStringList list(layer_->Dataset().GetFileList());
+        for (int i = 0; i < list.size(); ++i) files.emplace_back(list[i]);
+        return files;
+    }
+
     void InstallPlatform() {
         console::DesktopOptions shown;
         shown.out = &std::cerr;

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <regex>
+#include <string_view>
 
 #include "host/Errors.h"
 
@@ -15,10 +15,45 @@ namespace orvo::host {
 namespace {
 
 constexpr const char* kGenerator = "orvo-tile";
-const std::regex kIndexName("tiles(_[0-9]+)?\\.geojson");
-/// Tiles, their world files and exported TIFFs; the mosaic and the page.
-const std::regex kOurName(
-    "i[0-9]{6}[A-Za-z0-9_-]*\\.[A-Za-z0-9]+|mosaic(_[0-9]+)?\\.vrt|index(_[0-9]+)?\\.html");
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+bool IsPlain(char c) {
+    return IsDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+template <class Test>
+bool AllOf(std::string_view text, Test&& test) {
+    return !text.empty() && std::all_of(text.begin(), text.end(), test);
+}
+
+/// stem.ext or stem_7.ext
+bool IsNumbered(std::string_view name, std::string_view stem, std::string_view extension) {
+    if (!name.starts_with(stem) || !name.ends_with(extension) ||
+        name.size() < stem.size() + extension.size()) {
+        return false;
+    }
+    const std::string_view number = name.substr(stem.size(), name.size() - stem.size() - extension.size());
+    return number.empty() || (number.front() == '_' && AllOf(number.substr(1), IsDigit));
+}
+
+/// A tile, its world file or an exported TIFF: "i", the time of day, whatever makes the name free, an
+/// extension.
+bool IsTileName(std::string_view name) {
+    const auto dot = name.find('.');
+    if (dot == std::string_view::npos || dot < 7 || name.front() != 'i') return false;
+    const auto isFreePart = [](char c) { return IsPlain(c) || c == '_' || c == '-'; };
+    return AllOf(name.substr(1, 6), IsDigit) && AllOf(name.substr(0, dot), isFreePart) &&
+           AllOf(name.substr(dot + 1), IsPlain);
+}
+
+bool IsIndexName(std::string_view name) {
+    return IsNumbered(name, "tiles", ".geojson");
+}
+
+bool IsOurName(std::string_view name) {
+    return IsTileName(name) || IsNumbered(name, "mosaic", ".vrt") || IsNumbered(name, "index", ".html");
+}
 
 Json Ring(const Rectangle& r) {
     return Json::array({Json::array({r.xMin, r.yMin}), Json::array({r.xMax, r.yMin}),
@@ -39,7 +74,7 @@ std::vector<std::string> NamesIn(const Json& index) {
         names.push_back(feature.at("properties").at("location").get<std::string>());
     }
     for (const std::string& name : names) {
-        if (!std::regex_match(name, kOurName)) throw std::runtime_error("it names \"" + name + "\"");
+        if (!IsOurName(name)) throw std::runtime_error("it names \"" + name + "\"");
     }
     return names;
 }
@@ -69,7 +104,7 @@ std::vector<std::string> FindIndexes(const std::string& folder) {
     std::error_code missing;
     for (const auto& entry : fs::directory_iterator(folder, missing)) {
         std::string name = entry.path().filename().string();
-        if (std::regex_match(name, kIndexName)) names.push_back(std::move(name));
+        if (IsIndexName(name)) names.push_back(std::move(name));
     }
     std::sort(names.begin(), names.end());
     return names;

@@ -19,6 +19,7 @@ from osgeo import gdal, ogr, osr
 
 gdal.UseExceptions()
 ogr.UseExceptions()
+gdal.PushErrorHandler("CPLQuietErrorHandler")
 ORVO_TILE = os.environ["ORVO_TILE"]
 
 
@@ -185,6 +186,29 @@ class TilesTest(HostTest):
                 self.assertEqual(pixels(self.path(out, name)), pixels(source, 26, 26, 8, 14))
                 with open(self.path(out, name[:-3] + "pgw")) as world:
                     self.assertEqual([float(line) for line in world], [1, 0, 0, -1, 26.5, 13.5])
+
+    def test_mosaic_of_unlike_tiles(self):
+        # One tile opaque, one half transparent in few colours, one in many: the converter writes them in three ways.
+        source = write_raster(self.path("map.tif"), 60, 20, bands=4)
+        for band, meaning in enumerate((gdal.GCI_RedBand, gdal.GCI_GreenBand, gdal.GCI_BlueBand, gdal.GCI_AlphaBand)):
+            dataset = gdal.Open(source, gdal.GA_Update)
+            dataset.GetRasterBand(band + 1).SetColorInterpretation(meaning)
+            if meaning == gdal.GCI_AlphaBand:
+                rows = bytes([255] * 20 + [128] * 20 + [200] * 10 + [77] * 10) * 20
+                dataset.GetRasterBand(4).WriteRaster(0, 0, 60, 20, rows)
+            else:
+                dataset.GetRasterBand(band + 1).WriteRaster(20, 0, 20, 20, bytes([50 * band]) * 400)
+            dataset = None
+        summary = self.cut(source, "out", "--tile-size", 20, "--vrt", "-q", "--converter", "/usr/bin/convert")
+        self.assertGreater(len({gdal.Open(self.path("out", n)).RasterCount for n in self.index_of(summary)}), 1)
+        self.assertEqual(pixels(summary["vrt"]), pixels(source))
+
+    def test_whole_axes(self):
+        write_raster(self.path("map.png"), 21, 10)
+        self.assertEqual(self.cut("map.png", "one", "--tile-size", -1, "-q")["tiles"]["written"], 1)
+        summary = self.cut("map.png", "row", "--tile-width", -1, "--tile-height", 2, "-q")
+        self.assertEqual(sorted(e for _, _, e in self.index_of(summary).values()),
+                         [(0, 21, y, y + 2) for y in range(0, 10, 2)])
 
     def test_tile_formats(self):
         write_raster(self.path("map.png"), 20, 10)
@@ -438,10 +462,13 @@ class FolderTest(HostTest):
         self.assertEqual(self.again("--overwrite").returncode, 2)
 
     def test_the_source_is_never_removed(self):
-        summary = self.cut("map.png", "out", "--tile-size", 20, "-q")
+        summary = self.cut("map.png", "out", "--tile-size", 20, "-q", "--world-files")
         tile, = self.index_of(summary)
         done = self.run_tile(self.path("out", tile), "out", "--tile-size", 10, "--overwrite")
         self.assertEqual(done.returncode, 2)
+        # Nor through a virtual raster that shows it.
+        gdal.BuildVRT(self.path("view.vrt"), [self.path("out", tile)]).FlushCache()
+        self.assertEqual(self.run_tile("view.vrt", "out", "--tile-size", 10, "--overwrite").returncode, 2)
         self.assertTrue(os.path.exists(self.path("out", tile)))
 
     def test_foreign_files_keep_their_names(self):
