@@ -37,7 +37,9 @@ class IRasterConvert {
     /// Writes the layer's part inside `envelope` as an image of `width` × `height` pixels.
     /// @param targetFile full path; png, jpg, gif, bmp and tif are written as asked, else a tif beside it
     /// @param quality 1 to 100 for formats with losses, 0 for the default of 75
-    /// @return the path written, which may carry another extension; empty where nothing was written
+    /// @return the path written, which may carry another extension; empty where nothing was written, also
+    /// where
+    ///         the target is there already: a finished image is never replaced
     virtual std::string ExportRasterWindow(const std::shared_ptr<IRasterLayer>& layer,
                                            const std::string& targetFile, Integer quality,
                                            const std::shared_ptr<void>& reserved,
@@ -46,7 +48,9 @@ class IRasterConvert {
 
     /// Converts an image file, or one window of it, with an external program and waits for its end.
     /// @param program name or path of the program; empty gives False at once
-    /// @param targetFile on success it holds the full path of the file written, extension included
+    /// @param targetFile on success it holds the full path of the file written, extension included; one that
+    /// is
+    ///        there already is never replaced and gives False
     /// @param window the part to convert; a null pointer converts the whole image
     /// @param wait always true
     virtual bool ConvertExtern(const std::string& program, const std::string& sourceFile,

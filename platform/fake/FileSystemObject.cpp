@@ -13,8 +13,15 @@ std::string_view WithoutTrailing(std::string_view path) {
     return path;
 }
 
+/// "\\", "/" or "C:\\": a path without components.
+bool IsRoot(std::string_view path) {
+    const bool endsOpen = path.ends_with('\\') || path.ends_with('/');
+    return endsOpen && (path.size() == 1 || (path.size() == 3 && path[1] == ':'));
+}
+
 std::string_view LastComponent(std::string_view path) {
     path = WithoutTrailing(path);
+    if (IsRoot(path)) return {};
     const auto at = path.find_last_of(kSeparators);
     return at == std::string_view::npos ? path : path.substr(at + 1);
 }
@@ -57,7 +64,7 @@ std::string FileSystemObject::GetParentFolderName(const std::string& path) {
     world_->Call("FileSystemObject.GetParentFolderName");
     const auto trimmed = WithoutTrailing(path);
     const auto at = trimmed.find_last_of(kSeparators);
-    if (at == std::string_view::npos) return {};
+    if (at == std::string_view::npos || IsRoot(trimmed)) return {};
     const bool isRoot = at == 0 || trimmed[at - 1] == ':';
     return std::string(trimmed.substr(0, isRoot ? at + 1 : at));
 }

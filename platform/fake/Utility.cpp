@@ -17,6 +17,11 @@ bool HasExtension(const std::string& path) {
     return dot != std::string::npos && path.find_first_of("\\/", dot) == std::string::npos;
 }
 
+bool HasFolder(const World& world, std::string folder) {
+    while (folder.size() > 1 && (folder.ends_with('\\') || folder.ends_with('/'))) folder.pop_back();
+    return world.folders.contains(World::Normal(folder));
+}
+
 std::string Sizes(Long width, Long height) {
     return std::to_string(width) + "x" + std::to_string(height);
 }
@@ -31,6 +36,7 @@ Integer UtilTools::GetLanguageOffset() {
 std::string UtilTools::GetFreeFileName(const std::string& folder, const std::string& baseName,
                                        const std::vector<std::string>& extensions) {
     world_->Call("UtilTools.GetFreeFileName");
+    if (!folder.empty() && !HasFolder(*world_, folder)) throw RuntimeError(Fault::PathNotFound, folder);
     const bool isOpenFolder = folder.empty() || folder.ends_with('\\') || folder.ends_with('/');
     const std::string stem = folder + (isOpenFolder ? "" : "\\") + baseName + "_";
     int& number = lastNumber_[stem];
@@ -58,7 +64,7 @@ std::string RasterConvert::ExportRasterWindow(const std::shared_ptr<IRasterLayer
     world_->Call("RasterConvert.ExportRasterWindow");
     const std::string what = "export of " + Object(layer).FilePath() + " at " +
                              std::to_string(Object(envelope).XMin()) + " as " + Sizes(width, height);
-    if (world_->exportWindow == Conversion::Fails) return {};
+    if (world_->exportWindow == Conversion::Fails || world_->HasFile(targetFile)) return {};
     std::string path = world_->exportGivesTiff ? WithoutExtension(targetFile) + ".tif" : targetFile;
     world_->exportedSizes.emplace_back(width, height);
     world_->PutFile(path, what);
@@ -77,6 +83,7 @@ bool RasterConvert::ConvertExtern(const std::string& program, const std::string&
     std::string path = targetFile;
     const auto reserved = world_->reservedExtension.find(targetFile);
     if (!HasExtension(path) && reserved != world_->reservedExtension.end()) path += "." + reserved->second;
+    if (world_->HasFile(path)) return false;
     if (window != nullptr) world_->convertedWindows.push_back(*window);
     world_->PutFile(path, "conversion of " + sourceFile);
     targetFile = path;

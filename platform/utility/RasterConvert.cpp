@@ -88,6 +88,13 @@ std::string Judge(const std::string& program, const ProcessResult& result, const
     return result.output.empty() ? reason : reason + ": " + result.output;
 }
 
+/// Why a target may not be written; empty where its name is free. A finished tile is never replaced.
+std::string Occupied(const std::string& target) {
+    std::error_code failed;
+    return fs::exists(fs::symlink_status(SystemPath(target), failed)) ? "a file of that name is there already"
+                                                                      : "";
+}
+
 }  // namespace
 
 struct RasterConvert::Job {
@@ -104,9 +111,11 @@ std::string RasterConvert::ExportRasterWindow(const std::shared_ptr<IRasterLayer
                                               Long height) {
     StopIfInterrupted();
     const IEnvelope& part = Object(envelope);
-    std::string reason;
-    std::string path =
-        rasters_->ExportRasterWindow(Object(layer), targetFile, quality, part, width, height, reason);
+    std::string reason = Occupied(targetFile);
+    std::string path;
+    if (reason.empty()) {
+        path = rasters_->ExportRasterWindow(Object(layer), targetFile, quality, part, width, height, reason);
+    }
     if (path.empty()) {
         settings_.onFailure(targetFile, reason);
         return path;
@@ -128,7 +137,8 @@ bool RasterConvert::ConvertExtern(const std::string& program, const std::string&
     if (window != nullptr) job.image.window = *window;
     const auto extension = library_->reservations.OnlyExtension(targetFile);
     if (extension && !extension->empty()) job.image.path += "." + *extension;
-    const std::string reason = Convert(job);
+    std::string reason = Occupied(job.image.path);
+    if (reason.empty()) reason = Convert(job);
     if (!reason.empty()) {
         settings_.onFailure(job.image.path, reason);
         return false;

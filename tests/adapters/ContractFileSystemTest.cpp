@@ -80,6 +80,8 @@ TEST_P(FileSystemContract, SplitsNames) {
         {"/h/ends.", "/h", "ends.", "ends", ""},
         {"/some.folder/plain", "/some.folder", "plain", "plain", ""},
         {"/Tür zu/ä.TIF", "/Tür zu", "ä.TIF", "ä", "TIF"},
+        {"C:\\", "", "", "", ""},
+        {"/", "", "", "", ""},
         {"", "", "", "", ""},
     };
     for (const Case& c : cases) {

@@ -84,6 +84,18 @@ TEST_P(UtilityContract, GivesEachNameOnce) {
               stem.substr(0, stem.size() - 8) + "other_1");
 }
 
+TEST_P(UtilityContract, ReportsAMissingFolderAndNeverReplacesAnImage) {
+    try {
+        utility.tools->GetFreeFileName(utility.folder + "/missing", "i142507", {"png"});
+        ADD_FAILURE() << "a name in a folder that is not there";
+    } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.Number(), 76);
+    }
+    std::string target = stem + "9.jpg";
+    utility.put(target);
+    EXPECT_FALSE(utility.convert->ConvertExtern(utility.program, utility.source, target, 75, nullptr, true));
+}
+
 TEST_P(UtilityContract, ConvertsAWindowAndCompletesItsName) {
     std::string target = FreeName({"jpg"});
     const PixelWindow window{10, 20, 30, 40};
