@@ -8,6 +8,7 @@
 #include "platform/geos/CutPolygons.h"
 #include "platform/geos/Heights.h"
 #include "platform/geos/Library.h"
+#include "platform/geos/Validity.h"
 
 namespace orvo::geos {
 namespace {
@@ -64,7 +65,8 @@ bool IsRectangle(const Shape& cut, const Bounds& r) {
 Shape ClipAreas(const Shape& shape, const Bounds& rectangle) {
     if (!rectangle.HasArea()) return shape.EmptyCopy();
     auto cut = CutPolygons(shape, rectangle);
-    const bool isSound = cut && (cut->IsEmpty() || IsRectangle(*cut, rectangle) || IsValid(*ToGeos(*cut)));
+    const bool isSound = cut && (cut->IsEmpty() || IsRectangle(*cut, rectangle) || IsPlainlyValid(*cut) ||
+                                 IsValid(*ToGeos(*cut)));
     return isSound ? std::move(*cut) : CutByOverlay(shape, rectangle);
 }
 

@@ -1,9 +1,9 @@
 #include "platform/geos/Relations.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "platform/geos/Library.h"
+#include "platform/geos/Segment.h"
 
 namespace orvo::geos {
 namespace {
@@ -12,21 +12,12 @@ bool IsMadeOfPoints(const Shape& shape) {
     return shape.type == GeometryType::Point || shape.type == GeometryType::Multipoint;
 }
 
-/// On which side of the line from `a` to `b` a corner lies: positive, negative, or 0 where rounding decides.
-int Side(const Coordinate& a, const Coordinate& b, double x, double y) {
-    constexpr double kRounding = 1e-14;
-    const double left = (b.x - a.x) * (y - a.y);
-    const double right = (b.y - a.y) * (x - a.x);
-    const double margin = kRounding * (std::abs(left) + std::abs(right));
-    return left - right > margin ? 1 : right - left > margin ? -1 : 0;
-}
-
 /// For a slanted segment whose own bounds reach into the rectangle while neither end does.
 Finding SlantEnters(const Coordinate& a, const Coordinate& b, const Bounds& r) {
     int left = 0, right = 0;
     for (const double x : {r.xMin, r.xMax}) {
         for (const double y : {r.yMin, r.yMax}) {
-            const int side = Side(a, b, x, y);
+            const int side = Side(a, b, {x, y});
             left += side > 0 ? 1 : 0;
             right += side < 0 ? 1 : 0;
         }

@@ -1,6 +1,7 @@
 // A segment against a rectangle.
 #pragma once
 
+#include <cmath>
 #include <optional>
 
 #include "platform/geos/Shape.h"
@@ -11,6 +12,15 @@ namespace orvo::geos {
 inline unsigned OutsideOf(const Coordinate& c, const Bounds& r) {
     return (c.x < r.xMin ? 1U : 0U) | (c.x > r.xMax ? 2U : 0U) | (c.y < r.yMin ? 4U : 0U) |
            (c.y > r.yMax ? 8U : 0U);
+}
+
+/// On which side of the line from `a` to `b` a place lies: positive, negative, or 0 where rounding decides.
+inline int Side(const Coordinate& a, const Coordinate& b, const Coordinate& c) {
+    constexpr double kRounding = 1e-14;
+    const double left = (b.x - a.x) * (c.y - a.y);
+    const double right = (b.y - a.y) * (c.x - a.x);
+    const double margin = kRounding * (std::abs(left) + std::abs(right));
+    return left - right > margin ? 1 : right - left > margin ? -1 : 0;
 }
 
 /// The edges, in the order of a walk around the rectangle with its inside on the left.

@@ -6,6 +6,7 @@
 #include "GeosRandom.h"
 #include "GeosShapes.h"
 #include "platform/geos/Split.h"
+#include "platform/geos/Validity.h"
 
 namespace orvo::geos::test {
 namespace {
@@ -198,6 +199,31 @@ TEST(GeosClip, RandomPiecesAreWhatTheOverlaySays) {
         cuts += expected > 0 && Measure(*found) < Measure(*source) ? 1 : 0;
     }
     EXPECT_GT(cuts, 500);
+}
+
+// The quick check may give no answer, but never a wrong one.
+TEST(GeosClip, WhatIsPlainlyValidIsValid) {
+    Random random;
+    SCOPED_TRACE(random.Seed());
+    int plain = 0, invalid = 0;
+    for (int n = 0; n < 4000; ++n) {
+        const std::string wkt = random.AnyArea(n % 2 == 0 ? 0 : 2.5);
+        const bool isValid = GEOSisValid_r(Library(), FromText(wkt).get()) == 1;
+        if (IsPlainlyValid(Read(wkt)->Coordinates())) {
+            ++plain;
+            ASSERT_TRUE(isValid) << wkt;
+        }
+        invalid += isValid ? 0 : 1;
+    }
+    EXPECT_GT(plain, 500);
+    EXPECT_GT(invalid, 500);
+    EXPECT_TRUE(
+        IsPlainlyValid(Read("POLYGON ((0 0, 9 0, 9 9, 0 9, 0 0), (1 1, 2 1, 2 2, 1 1))")->Coordinates()));
+    for (const char* wkt : {"POLYGON ((0 0, 9 0, 9 9, 0 9, 0 0), (11 1, 12 1, 12 2, 11 1))",
+                            "POLYGON ((0 0, 9 0, 9 9, 0 9, 0 0), (1 1, 8 1, 8 8, 1 1), (5 2, 6 2, 6 3, 5 2))",
+                            "MULTIPOLYGON (((0 0, 9 0, 9 9, 0 9, 0 0)), ((1 1, 2 1, 2 2, 1 1)))",
+                            "POLYGON ((0 0, 9 0, 4 0, 4 5, 0 0))"})
+        EXPECT_FALSE(IsPlainlyValid(Read(wkt)->Coordinates())) << wkt;
 }
 
 /// A grid over and beyond the random geometries, off or on their snapped coordinates.

@@ -48,13 +48,18 @@ class Random {
     /// Valid; with parts and holes now and then.
     std::string Area(double step, bool hasZ = false) {
         for (;;) {
-            const int parts = Whole(1, 4) == 1 ? 2 : 1;
-            std::string text;
-            for (int n = 0; n < parts; ++n) text += (n == 0 ? "" : ", ") + OneArea(step, hasZ);
-            text = std::string(parts > 1 ? "MULTIPOLYGON " : "POLYGON ") + (hasZ ? "Z " : "") +
-                   (parts > 1 ? "(" + text + ")" : text);
+            const std::string text = AnyArea(step, hasZ);
             if (GEOSisValid_r(Library(), FromText(text).get()) == 1) return text;
         }
+    }
+
+    /// May cross or touch itself.
+    std::string AnyArea(double step, bool hasZ = false) {
+        const int parts = Whole(1, 4) == 1 ? 2 : 1;
+        std::string text;
+        for (int n = 0; n < parts; ++n) text += (n == 0 ? "" : ", ") + OneArea(step, hasZ);
+        return std::string(parts > 1 ? "MULTIPOLYGON " : "POLYGON ") + (hasZ ? "Z " : "") +
+               (parts > 1 ? "(" + text + ")" : text);
     }
 
   private:

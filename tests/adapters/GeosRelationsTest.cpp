@@ -163,7 +163,9 @@ TEST(GeosRelations, AgreeWithTheLibraryOnRandomGeometries) {
     int agreed[3] = {0, 0, 0};
     for (int n = 0; n < 6000; ++n) {
         const std::string wkt = random.Geometry(n % 3 == 0 ? 0 : n % 3 == 1 ? 5 : 2.5);
-        const auto envelope = n % 7 == 0 ? Rectangle(0, 5, 10, 5) : kTile;
+        const auto envelope = n % 7 == 0   ? Rectangle(0, 5, 10, 5)
+                              : n % 5 == 0 ? Rectangle(0.1, -2.3, 0.1 + 7.7, 2.5)
+                                           : kTile;
         const Reference reference = FromText(wkt);
         const Relations expected = Theirs(*reference, *envelope);
         ASSERT_EQ(Ours(*Geometry::FromWkb(Bytes(*reference)), envelope), expected) << wkt;
