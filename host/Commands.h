@@ -16,5 +16,7 @@ struct Command {
 };
 
 Command AddRaster(CLI::App& application);
+Command AddVector(CLI::App& application);
+Command AddLocate(CLI::App& application);
 
 }  // namespace orvo::host

@@ -3,6 +3,7 @@
 #include <gdal_priv.h>
 
 #include <memory>
+#include <utility>
 
 #include "host/Errors.h"
 #include "host/Mosaic.h"
@@ -21,7 +22,7 @@ class Writer {
   public:
     Writer(const RasterJob& job, gdal::RasterLayer& layer, const std::string& folder,
            const std::vector<PlacedTile>& tiles, const std::vector<std::string>& leftovers)
-        : job_(job), layer_(layer), folder_(folder), tiles_(tiles), companions_(leftovers) {}
+        : job_(job), layer_(layer), folder_(folder), tiles_(tiles), companions_(leftovers), drafts_(folder) {}
 
     Products Write() {
         Try([&] { WriteWorldFiles(); });
@@ -43,9 +44,10 @@ class Writer {
 
     void WriteWorldFiles() {
         if (!job_.worldFiles) return;
+        const std::string prefix = folder_ + "/";
         for (const PlacedTile& tile : tiles_) {
             const std::string name = WorldFileName(tile.name);
-            const std::string reason = ReplaceFile(folder_ + "/" + name, WorldFileText(tile));
+            const std::string reason = ReplaceFile(prefix + name, WorldFileText(tile));
             if (!reason.empty()) throw RunError("cannot write the world file " + name + ": " + reason);
             companions_.push_back(name);
         }
@@ -53,46 +55,26 @@ class Writer {
 
     void DraftMosaic() {
         if (!job_.vrt || tiles_.empty()) return;
-        auto draft = std::make_unique<DraftFile>(folder_, ".vrt");
         const Point cell = layer_.MeanCellSize();
-        draft->Write(MosaicText(folder_, tiles_, layer_.SpatialReference(), cell.X, cell.Y));
-        vrt_ = std::move(draft);
+        const std::string text = MosaicText(folder_, tiles_, layer_.SpatialReference(), cell.X, cell.Y);
+        drafts_.Add("mosaic", ".vrt", text);
     }
 
     void DraftPage() {
         if (!job_.preview || tiles_.empty()) return;
-        auto draft = std::make_unique<DraftFile>(folder_, ".html");
-        draft->Write(PreviewPage(FileNameOf(job_.input), tiles_));
-        page_ = std::move(draft);
+        drafts_.Add("index", ".html", PreviewPage(FileNameOf(job_.input), tiles_));
     }
 
     void PublishAll() {
         const ReferenceSystem system = NameReferenceSystem(layer_.Dataset().GetSpatialRef());
         if (!system.notice.empty()) products_.notices.push_back(system.notice);
-        DraftFile index(folder_, ".geojson");
-        int number = 1;
-        while (!PublishAs(number, index, system.name)) ++number;
-    }
-
-    /// All three under one number, or none.
-    bool PublishAs(int number, DraftFile& index, const std::string& system) {
-        const std::string indexName = NumberedName("tiles", number, ".geojson");
-        const std::string vrtName = NumberedName("mosaic", number, ".vrt");
-        const std::string pageName = NumberedName("index", number, ".html");
-        std::vector<std::string> companions = companions_;
-        if (vrt_) companions.push_back(vrtName);
-        if (page_) companions.push_back(pageName);
-        index.Write(IndexText(tiles_, system, companions));
-        if (vrt_ && !vrt_->Publish(vrtName)) return false;
-        if ((page_ && !page_->Publish(pageName)) || !index.Publish(indexName)) {
-            if (page_) page_->Withdraw();
-            if (vrt_) vrt_->Withdraw();
-            return false;
-        }
-        products_.index = folder_ + "/" + indexName;
-        if (vrt_) products_.vrt = folder_ + "/" + vrtName;
-        if (page_) products_.preview = folder_ + "/" + pageName;
-        return true;
+        products_.index = drafts_.Publish("tiles", ".geojson", [&](const std::vector<std::string>& names) {
+            std::vector<std::string> companions = companions_;
+            companions.insert(companions.end(), names.begin(), names.end());
+            return IndexText(tiles_, system.name, companions);
+        });
+        products_.vrt = drafts_.PathOf("mosaic");
+        products_.preview = drafts_.PathOf("index");
     }
 
     const RasterJob& job_;
@@ -100,8 +82,7 @@ class Writer {
     const std::string& folder_;
     const std::vector<PlacedTile>& tiles_;
     std::vector<std::string> companions_;
-    std::unique_ptr<DraftFile> vrt_;
-    std::unique_ptr<DraftFile> page_;
+    DraftSet drafts_;
     Products products_;
 };
 

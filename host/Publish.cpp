@@ -57,13 +57,9 @@ void DraftFile::Write(const std::string& text) {
 }
 
 bool DraftFile::Publish(const std::string& name) {
-    const std::string target = folder_ + "/" + name;
-    if (RenameNew(folder_ + "/" + name_, target) == 0) {
-        published_ = name;
-        return true;
-    }
-    if (errno != EEXIST) Fail(target);
-    return false;
+    const bool done = MoveNew(Path(), folder_ + "/" + name);
+    if (done) published_ = name;
+    return done;
 }
 
 void DraftFile::Withdraw() {
@@ -72,6 +68,59 @@ void DraftFile::Withdraw() {
         Fail(folder_ + "/" + published_);
     }
     published_.clear();
+}
+
+void DraftSet::Add(const std::string& stem, const std::string& extension, std::unique_ptr<DraftFile> file) {
+    members_.push_back({stem, extension, "", std::move(file)});
+}
+
+void DraftSet::Add(const std::string& stem, const std::string& extension, const std::string& text) {
+    auto file = std::make_unique<DraftFile>(folder_, extension);
+    file->Write(text);
+    Add(stem, extension, std::move(file));
+}
+
+std::string DraftSet::Publish(const std::string& stem, const std::string& extension,
+                              const std::function<std::string(const std::vector<std::string>&)>& text) {
+    DraftFile index(folder_, extension);
+    for (int number = 1;; ++number) {
+        std::vector<std::string> names;
+        for (Member& member : members_)
+            names.emplace_back(member.name = NumberedName(member.stem, number, member.extension));
+        const std::string name = NumberedName(stem, number, extension);
+        try {
+            index.Write(text(names));
+            if (PublishMembers(index, name)) return folder_ + "/" + name;
+        } catch (...) {
+            Withdraw();
+            throw;
+        }
+        Withdraw();
+    }
+}
+
+bool DraftSet::PublishMembers(DraftFile& index, const std::string& name) {
+    for (const Member& member : members_) {
+        if (!member.file->Publish(member.name)) return false;
+    }
+    return index.Publish(name);
+}
+
+void DraftSet::Withdraw() {
+    for (const Member& member : members_) member.file->Withdraw();
+}
+
+std::string DraftSet::PathOf(const std::string& stem) const {
+    for (const Member& member : members_) {
+        if (member.stem == stem && member.file->IsPublished()) return folder_ + "/" + member.name;
+    }
+    return "";
+}
+
+bool MoveNew(const std::string& from, const std::string& to) {
+    if (RenameNew(from, to) == 0) return true;
+    if (errno != EEXIST && errno != ENOTEMPTY) Fail(to);
+    return false;
 }
 
 std::string NumberedName(const std::string& stem, int number, const std::string& extension) {

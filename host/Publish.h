@@ -1,7 +1,10 @@
 // Putting the finished files of a run under names that nobody else has.
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
 namespace orvo::host {
 
@@ -16,6 +19,7 @@ class DraftFile {
 
     /// The hidden name, without folder.
     const std::string& Name() const { return name_; }
+    std::string Path() const { return folder_ + "/" + name_; }
     /// Writes the whole text; write, flush and close are checked. Fails with RunError.
     void Write(const std::string& text);
     /// Gives the file its name in the same folder unless that is taken; false where it is. Fails with
@@ -23,12 +27,47 @@ class DraftFile {
     bool Publish(const std::string& name);
     /// Takes the name back.
     void Withdraw();
+    bool IsPublished() const { return !published_.empty(); }
 
   private:
     std::string folder_;
     std::string name_;       ///< the hidden name
     std::string published_;  ///< the name it has now; empty while hidden
 };
+
+/// The files that a run adds to its tiles. They get their usual names together, or all the same number where
+/// one of those is taken.
+class DraftSet {
+  public:
+    explicit DraftSet(std::string folder) : folder_(std::move(folder)) {}
+
+    /// Adds a finished file of the same folder, which will be called by the stem.
+    void Add(const std::string& stem, const std::string& extension, std::unique_ptr<DraftFile> file);
+    /// Writes a file and adds it. Fails with RunError, and then adds none.
+    void Add(const std::string& stem, const std::string& extension, const std::string& text);
+    /// Publishes all files, and last the index.
+    /// @param text of the index, made from the names that the others get
+    /// @return the index's full path. Fails with RunError, and then publishes none.
+    std::string Publish(const std::string& stem, const std::string& extension,
+                        const std::function<std::string(const std::vector<std::string>& names)>& text);
+    /// The full path of a published file; empty where none was added under that stem.
+    std::string PathOf(const std::string& stem) const;
+
+  private:
+    struct Member {
+        std::string stem, extension, name;
+        std::unique_ptr<DraftFile> file;
+    };
+    bool PublishMembers(DraftFile& index, const std::string& name);
+    void Withdraw();
+
+    std::string folder_;
+    std::vector<Member> members_;
+};
+
+/// Gives a file or folder another name on the same file system unless that is taken; false where it is. Fails
+/// with RunError.
+bool MoveNew(const std::string& from, const std::string& to);
 
 /// name.ext for 1, name_2.ext for 2 and so on.
 std::string NumberedName(const std::string& stem, int number, const std::string& extension);

@@ -18,11 +18,11 @@
 #include "host/Products.h"
 #include "host/ProgressDisplay.h"
 #include "host/RasterJob.h"
+#include "host/Session.h"
 #include "host/Summary.h"
 #include "host/TileLedger.h"
 #include "platform/console/Desktop.h"
 #include "platform/memory/Envelope.h"
-#include "platform/real/Platform.h"
 #include "support/SystemPath.h"
 #include "tileimage/clsTileImage.h"
 
@@ -122,26 +122,16 @@ class RasterRun {
     }
 
     void InstallPlatform() {
-        console::DesktopOptions shown;
-        shown.out = &std::cerr;
-        shown.read = console::TerminalReader();
-        shown.policy = job_.onError;
-        shown.prefix = "orvo-tile: ";
-        shown.interrupted = Interrupted;
-        shown.makeRoom = [this] { progress_.MakeRoom(); };
-        shown.onFailure = [this](const std::string& failure) {
-            ledger_->AddReason(PlainReason(failure, ""));
-        };
-        desktop_ = std::make_shared<console::Desktop>(std::move(shown));
-        real::Options options;
-        options.desktop = desktop_;
-        options.services.languageOffset = job_.languageOffset;
-        options.services.interrupted = Interrupted;
-        options.services.onFailure = [this](const std::string& target, const std::string& reason) {
+        utility::Settings services;
+        services.languageOffset = job_.languageOffset;
+        services.onFailure = [this](const std::string& target, const std::string& reason) {
             ledger_->AddReason(PlainReason(reason, target));
         };
-        options.services.onWritten = [this](const utility::WrittenImage& image) { ledger_->AddImage(image); };
-        platform::Install(real::MakePlatform(std::move(options)));
+        services.onWritten = [this](const utility::WrittenImage& image) { ledger_->AddImage(image); };
+        const auto hear = [this](const std::string& failure) {
+            ledger_->AddReason(PlainReason(failure, ""));
+        };
+        desktop_ = host::InstallPlatform(job_.onError, progress_, hear, std::move(services));
     }
 
     /// Everything but the output folder.

@@ -62,8 +62,10 @@ Json Ring(const Rectangle& r) {
 }
 
 Json Feature(const PlacedTile& tile) {
+    Json properties{{"location", tile.name}, {"column", tile.column}, {"row", tile.row}};
+    if (!tile.id.empty()) properties["tile"] = tile.id;
     return {{"type", "Feature"},
-            {"properties", {{"location", tile.name}, {"column", tile.column}, {"row", tile.row}}},
+            {"properties", std::move(properties)},
             {"geometry", {{"type", "Polygon"}, {"coordinates", Json::array({Ring(tile.envelope)})}}}};
 }
 

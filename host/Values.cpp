@@ -69,6 +69,14 @@ Long ParseSize(const std::string& option, const std::string& text) {
     return value;
 }
 
+Long ParseCount(const std::string& option, const std::string& text) {
+    Long value = 0;
+    if (Read(text, value) != std::errc() || value < 1) {
+        throw UsageError(Quoted(option, text) + " is no number of tiles; give a whole number from 1 on");
+    }
+    return value;
+}
+
 double ParseNumber(const std::string& option, const std::string& text) {
     double value = 0;
     if (Read(text, value) != std::errc() || !std::isfinite(value)) {

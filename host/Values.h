@@ -9,6 +9,8 @@ namespace orvo::host {
 
 /// Whole map units from 1 on, or −1 for a whole axis.
 Long ParseSize(const std::string& option, const std::string& text);
+/// A number of columns or rows, from 1 on.
+Long ParseCount(const std::string& option, const std::string& text);
 /// A finite number with a decimal point.
 double ParseNumber(const std::string& option, const std::string& text);
 /// 1 to 100.

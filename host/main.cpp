@@ -54,12 +54,13 @@ int Run(const std::vector<Command>& commands) {
 }
 
 int Main(int count, char** values) {
-    CLI::App application{"Cuts raster layers into georeferenced image tiles.", "orvo-tile"};
+    CLI::App application{"Cuts raster and vector layers into georeferenced tiles.", "orvo-tile"};
     application.set_version_flag("--version", Version());
     application.require_subcommand(1);
     application.footer(kFooter);
     application.fallthrough(false);
-    const std::vector<Command> commands{AddRaster(application)};
+    const std::vector<Command> commands{AddRaster(application), AddVector(application),
+                                        AddLocate(application)};
     for (const Command& command : commands) command.app->footer(kFooter);
     try {
         application.parse(Arguments(count, values));
@@ -67,7 +68,7 @@ int Main(int count, char** values) {
         return application.exit(wish, std::cout, std::cerr) == 0 ? kExitDone : kExitUsage;
     } catch (const CLI::ParseError& error) {
         return Fail(kExitUsage,
-                    std::string(error.what()) + " (orvo-tile --help and orvo-tile raster --help explain)");
+                    std::string(error.what()) + " (orvo-tile --help and orvo-tile COMMAND --help explain)");
     }
     return Run(commands);
 }

@@ -1,0 +1,162 @@
+#include "host/VectorGrid.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "host/Errors.h"
+#include "support/Arithmetic.h"
+
+namespace orvo::host {
+namespace {
+
+/// 1.4 GB of records and envelopes.
+constexpr std::int64_t kMostVectorTiles = 10'000'000;
+
+/// A size of at least one whole map unit.
+Long WholeUnits(double size) {
+    const double whole = std::max(std::ceil(size), 1.0);
+    if (whole > std::numeric_limits<Long>::max()) {
+        throw UsageError(
+            "the layer's extent has more map units than 32 bits count; bring it to a coordinate "
+            "system with larger units");
+    }
+    return static_cast<Long>(whole);
+}
+
+struct Axis {
+    Long size = 0;
+    std::int64_t count = 0;
+    std::int64_t empty = 0;
+};
+
+Axis PlanAxis(Long whole, Long size, Long count) {
+    const auto toCover = [&](Long tile) { return (std::int64_t{whole} + tile - 1) / tile; };
+    if (count > 0) {
+        const Long tile = RoundUp(Divide(whole, count));
+        return {tile, count, count - toCover(tile)};
+    }
+    const Long tile = size == -1 ? whole : size;
+    return {tile, toCover(tile), 0};
+}
+
+GridPlan PlanGrid(const IEnvelope& extent, const TileSizes& sizes) {
+    const Axis x = PlanAxis(ToLong(extent.Width()), sizes.width, sizes.columns);
+    const Axis y = PlanAxis(ToLong(extent.Height()), sizes.height, sizes.rows);
+    if (x.count > kMostVectorTiles || y.count > kMostVectorTiles || x.count * y.count > kMostVectorTiles) {
+        throw UsageError("this grid has " + std::to_string(x.count) + " x " + std::to_string(y.count) +
+                         " tiles, and at most " + std::to_string(kMostVectorTiles) +
+                         " are cut in one run; choose larger tiles");
+    }
+    return {x.size, y.size, x.count, y.count, x.empty, y.empty};
+}
+
+/// Whether `size` map units are still told apart at these coordinates.
+void RequireSteps(const IEnvelope& extent) {
+    const double far = std::max(
+        {std::abs(extent.XMin()), std::abs(extent.XMax()), std::abs(extent.YMin()), std::abs(extent.YMax())});
+    if (far > 1e15) {
+        throw UsageError(
+            "the layer lies so far from the origin that whole map units cannot be told apart; "
+            "check its coordinates");
+    }
+}
+
+}  // namespace
+
+VectorGrid::VectorGrid(const std::shared_ptr<ILayer>& layer, const TileSizes& sizes,
+                       const std::string& prefix)
+    : byCounts_(sizes.columns > 0) {
+    const auto extent = layer->AreaOfInterest();
+    RequireSteps(*extent);
+    const double east = extent->XMax();
+    const double north = extent->YMax();
+    extent->Width(WholeUnits(extent->Width()));
+    extent->Height(WholeUnits(extent->Height()));
+    plan_ = PlanGrid(*extent, sizes);
+    tiles_.Id(prefix);
+    Configure(layer);
+    CollectEdges(east, north);
+    SetHeights();
+}
+
+/// The rows' count setter writes into the tile width, so the columns come after it, and the sizes last: they
+/// keep counts of 2 and more, and derive those of 1 anew.
+void VectorGrid::Configure(const std::shared_ptr<ILayer>& layer) {
+    tiles_.VectorLayer(layer);
+    if (byCounts_) {
+        tiles_.TileCountY(static_cast<Long>(plan_.rows));
+        tiles_.TileCountX(static_cast<Long>(plan_.columns));
+    }
+    tiles_.TileWidth(plan_.width);
+    tiles_.TileHeight(plan_.height);
+    if (tiles_.TileCountX() != plan_.columns || tiles_.TileCountY() != plan_.rows)
+        throw RunError("the grid could not be laid out");
+    tiles_.InitializeTiles();
+}
+
+/// Each tile ends where its neighbour begins, so that rounding leaves neither gap nor overlap; the last ones
+/// reach the layer's own edges.
+void VectorGrid::CollectEdges(double east, double north) {
+    for (Long x = 1; x <= plan_.columns; ++x) {
+        const auto tile = TileAt(x, 1);
+        edges_.columns.push_back({tile->XMin(), tile->XMin() + tile->Width()});
+    }
+    for (Long y = 1; y <= plan_.rows; ++y) {
+        const auto tile = TileAt(1, y);
+        edges_.rows.push_back({tile->YMin(), tile->YMin() + tile->Depth()});
+    }
+    const auto close = [](std::vector<geos::Interval>& intervals, double end) {
+        for (std::size_t i = 1; i < intervals.size(); ++i) intervals[i - 1].high = intervals[i].low;
+        intervals.back().high = std::max(intervals.back().high, end);
+    };
+    close(edges_.columns, east);
+    close(edges_.rows, north);
+}
+
+/// The grid leaves the height to its owner.
+void VectorGrid::SetHeights() {
+    for (Long y = 1; y <= plan_.rows; ++y) {
+        for (Long x = 1; x <= plan_.columns; ++x) {
+            const auto tile = TileAt(x, y);
+            const geos::Bounds bounds = BoundsOf(x, y);
+            tile->Height(tile->Depth());
+            tile->YMax(bounds.yMax);
+            tile->XMax(bounds.xMax);
+        }
+    }
+}
+
+std::shared_ptr<IEnvelope> VectorGrid::TileAt(Long column, Long row) {
+    auto tile = tiles_.GetTileExtent(column, row);
+    if (!tile) throw RunError("the grid could not be laid out");
+    return tile;
+}
+
+geos::Bounds VectorGrid::BoundsOf(Long column, Long row) const {
+    const auto& x = edges_.columns[static_cast<std::size_t>(column) - 1];
+    const auto& y = edges_.rows[static_cast<std::size_t>(row) - 1];
+    return {x.low, y.low, x.high, y.high};
+}
+
+geos::Bounds VectorGrid::Whole() const {
+    return {edges_.columns.front().low, edges_.rows.front().low, edges_.columns.back().high,
+            edges_.rows.back().high};
+}
+
+std::size_t IntervalOf(const std::vector<geos::Interval>& intervals, double place) {
+    const auto above = std::ranges::upper_bound(intervals, place, {}, &geos::Interval::high);
+    return static_cast<std::size_t>(std::min(above, intervals.end() - 1) - intervals.begin());
+}
+
+TileNumbers VectorGrid::Locate(const std::shared_ptr<geos::Geometry>& point) {
+    const geos::Coordinate place = point->Coordinates().Points().front();
+    if (!Whole().Holds(place)) return {};
+    // Asked for this tile alone: for a point on an edge, a search would walk the whole grid in vain.
+    TileNumbers found{static_cast<Long>(IntervalOf(edges_.columns, place.x)) + 1,
+                      static_cast<Long>(IntervalOf(edges_.rows, place.y)) + 1, false};
+    found.onEdge = !tiles_.IsInside(found.column, found.row, point);
+    return found;
+}
+
+}  // namespace orvo::host

@@ -1,0 +1,186 @@
+#include "platform/gdal/TileDataset.h"
+
+#include <cpl_string.h>
+#include <gdal_priv.h>
+#include <ogrsf_frmts.h>
+
+#include "platform/RuntimeError.h"
+#include "platform/gdal/Attributes.h"
+#include "platform/gdal/Library.h"
+
+namespace orvo::gdal {
+namespace {
+
+[[noreturn]] void Fail(const std::string& text) {
+    throw RuntimeError(static_cast<Long>(Fault::AutomationError), text);
+}
+
+std::string Metadata(GDALDriver& driver, const char* item) {
+    const char* const value = driver.GetMetadataItem(item);
+    return value == nullptr ? "" : value;
+}
+
+/// The first one; empty where the format is no file, or a folder.
+std::string ExtensionOf(GDALDriver& driver) {
+    const CPLStringList extensions(CSLTokenizeString(Metadata(driver, GDAL_DMD_EXTENSIONS).c_str()));
+    if (extensions.empty() || EQUAL(extensions[0], "gdb")) return "";
+    return extensions[0];
+}
+
+bool Writes(GDALDriver& driver) {
+    return Metadata(driver, GDAL_DCAP_VECTOR) == "YES" && Metadata(driver, GDAL_DCAP_CREATE) == "YES" &&
+           !ExtensionOf(driver).empty();
+}
+
+VectorFormat Describe(GDALDriver& driver) {
+    const std::string name = driver.GetDescription();
+    return {name, ExtensionOf(driver), name != "ESRI Shapefile"};
+}
+
+bool Takes(GDALDriver& driver, const std::string& text) {
+    if (EQUAL(driver.GetDescription(), text.c_str())) return true;
+    const CPLStringList extensions(CSLTokenizeString(Metadata(driver, GDAL_DMD_EXTENSIONS).c_str()));
+    return extensions.FindString(text.c_str()) >= 0;
+}
+
+OGRwkbGeometryType TypeOf(const TileSchema& schema) {
+    const int kinds = int{schema.points} + int{schema.lines} + int{schema.areas};
+    OGRwkbGeometryType type = wkbUnknown;
+    if (kinds == 1) {
+        type = schema.points ? wkbPoint : schema.lines ? wkbLineString : wkbPolygon;
+        if (schema.multi) type = OGR_GT_GetCollection(type);
+    }
+    return schema.heights ? OGR_GT_SetZ(type) : type;
+}
+
+CPLStringList LayerOptions(const VectorFormat& format) {
+    CPLStringList options;
+    if (format.name == "CSV") options.SetNameValue("GEOMETRY", "AS_WKT");
+    if (format.name == "ESRI Shapefile") options.SetNameValue("ENCODING", "UTF-8");
+    return options;
+}
+
+/// The type that the format has for the field: a long number may become a real one, and whatever the format
+/// does not know becomes text.
+OGRFieldType Held(OGRFieldType type, const std::string& types) {
+    const auto knows = [&](OGRFieldType one) {
+        return types.empty() ||
+               (" " + types + " ").find(std::string(" ") + OGRFieldDefn::GetFieldTypeName(one) + " ") !=
+                   std::string::npos;
+    };
+    if (knows(type)) return type;
+    return type == OFTInteger64 && knows(OFTReal) ? OFTReal : OFTString;
+}
+
+void Adapt(OGRFieldDefn& field, const std::string& types) {
+    const OGRFieldType type = Held(field.GetType(), types);
+    if (type != field.GetType()) {
+        field.SetSubType(OFSTNone);
+        field.SetType(type);
+        field.SetWidth(0);
+        field.SetPrecision(0);
+    }
+    // A tile holds what the source holds, also where that breaks the source's own rules.
+    field.SetDefault(nullptr);
+    field.SetNullable(TRUE);
+    field.SetUnique(FALSE);
+}
+
+}  // namespace
+
+VectorFormat FindVectorFormat(const std::string& text) {
+    Start();
+    GDALDriverManager& manager = *GetGDALDriverManager();
+    std::string names;
+    for (int i = 0; i < manager.GetDriverCount(); ++i) {
+        GDALDriver& driver = *manager.GetDriver(i);
+        if (!Writes(driver)) continue;
+        if (Takes(driver, text)) return Describe(driver);
+        names += (names.empty() ? "" : ", ") + std::string(driver.GetDescription());
+    }
+    Fail("\"" + text + "\" is no vector format that can be written; choose one of " + names);
+}
+
+TileDataset::TileDataset(const std::string& path, const std::string& name, const TileSchema& schema)
+    : schema_(schema), path_(path), name_(name) {
+    const Complaints complaints;
+    // A tile that is not complete is thrown away, so nothing has to survive a crash.
+    const Option quick("OGR_SQLITE_SYNCHRONOUS", "OFF");
+    GDALDriver& driver = *GetGDALDriverManager()->GetDriverByName(schema.format.name.c_str());
+    dataset_.reset(driver.Create(path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+    if (!dataset_) Fail(path + " cannot be created: " + complaints.Reason("no reason was given"));
+    CPLStringList options = LayerOptions(schema.format);
+    layer_ = dataset_->CreateLayer(name.c_str(), const_cast<OGRSpatialReference*>(schema.system),
+                                   TypeOf(schema), options.List());
+    if (layer_ == nullptr) Fail(path + " cannot be created: " + complaints.Reason("no reason was given"));
+    if (layer_->GetGeomType() == wkbNone)
+        Fail(schema.format.name + " holds no geometries; choose another --format");
+    CreateFields();
+    source_ = std::make_unique<OGRFeature>(const_cast<OGRFeatureDefn*>(schema.fields));
+    if (dataset_->TestCapability(ODsCTransactions) != 0) dataset_->StartTransaction();
+}
+
+TileDataset::~TileDataset() {
+    const Complaints ignored;
+    source_.reset();
+    dataset_.reset();
+}
+
+void TileDataset::CreateFields() {
+    const Complaints complaints;
+    const std::string types = Metadata(*dataset_->GetDriver(), GDAL_DMD_CREATIONFIELDDATATYPES);
+    const auto create = [&](OGRFieldDefn&& field) {
+        Adapt(field, types);
+        const int count = layer_->GetLayerDefn()->GetFieldCount();
+        if (layer_->CreateField(&field) == OGRERR_NONE && layer_->GetLayerDefn()->GetFieldCount() > count)
+            return count;
+        // Some formats bring their own fields.
+        const int there = layer_->GetLayerDefn()->GetFieldIndex(field.GetNameRef());
+        if (there >= 0) return there;
+        Fail(schema_.format.name + " cannot hold the field \"" + field.GetNameRef() + "\" (" +
+             complaints.Reason("no reason was given") + "); choose another --format");
+    };
+    for (int i = 0; i < schema_.fields->GetFieldCount(); ++i)
+        targets_.push_back(create(OGRFieldDefn(schema_.fields->GetFieldDefn(i))));
+    idTarget_ = create(OGRFieldDefn(schema_.idField.c_str(), OFTInteger64));
+    tileTarget_ = create(OGRFieldDefn(schema_.tileField.c_str(), OFTString));
+}
+
+void TileDataset::Add(std::string_view attributes, std::int64_t id, std::span<const unsigned char> wkb) {
+    const Complaints complaints;
+    source_->Reset();
+    ReadAttributes(attributes, *source_);
+    OGRFeature feature(layer_->GetLayerDefn());
+    feature.SetFieldsFrom(source_.get(), targets_.data(), TRUE);
+    feature.SetField(idTarget_, static_cast<GIntBig>(id));
+    feature.SetField(tileTarget_, name_.c_str());
+    OGRGeometry* geometry = nullptr;
+    if (OGRGeometryFactory::createFromWkb(wkb.data(), nullptr, &geometry, wkb.size(), wkbVariantIso) !=
+        OGRERR_NONE)
+        Fail("a geometry cannot be read back");
+    const OGRwkbGeometryType type = TypeOf(schema_);
+    if (wkbFlatten(type) != wkbUnknown) geometry = OGRGeometryFactory::forceTo(geometry, type);
+    feature.SetGeometryDirectly(geometry);
+    if (layer_->CreateFeature(&feature) != OGRERR_NONE)
+        Fail("a feature cannot be written: " + complaints.Reason("no reason was given"));
+    ++added_;
+}
+
+void TileDataset::Close() {
+    const Complaints complaints;
+    source_.reset();
+    if (dataset_->TestCapability(ODsCTransactions) != 0) dataset_->CommitTransaction();
+    dataset_->FlushCache(true);
+    dataset_.reset();
+    if (complaints.Failed())
+        throw RuntimeError(static_cast<Long>(Fault::DeviceIOError), complaints.Reason(""));
+    const GDALDatasetUniquePtr written(GDALDataset::Open(path_.c_str(), GDAL_OF_VECTOR));
+    OGRLayer* const layer = written ? written->GetLayer(0) : nullptr;
+    if (layer == nullptr || layer->GetFeatureCount(TRUE) != added_) {
+        throw RuntimeError(
+            static_cast<Long>(Fault::DeviceIOError),
+            "not all features got into the file: " + complaints.Reason("it reads back shorter"));
+    }
+}
+
+}  // namespace orvo::gdal

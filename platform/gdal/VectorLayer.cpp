@@ -1,0 +1,135 @@
+#include "platform/gdal/VectorLayer.h"
+
+#include <gdal_priv.h>
+#include <ogrsf_frmts.h>
+
+#include <filesystem>
+
+#include "platform/Platform.h"
+#include "platform/gdal/Library.h"
+
+namespace orvo::gdal {
+namespace {
+
+constexpr int kLayersToName = 20;
+
+[[noreturn]] void Refuse(const std::string& source, const std::string& why) {
+    throw RuntimeError(static_cast<Long>(Fault::AutomationError), source + " " + why);
+}
+
+bool IsOnDisk(const std::string& path) {
+    std::error_code ignored;
+    return std::filesystem::exists(path, ignored);
+}
+
+bool IsRaster(const std::string& source) {
+    const Complaints ignored;
+    return GDALDatasetUniquePtr(GDALDataset::Open(source.c_str(), GDAL_OF_RASTER)) != nullptr;
+}
+
+std::unique_ptr<GDALDataset> Open(const std::string& source) {
+    if (!IsOnDisk(source) && source.find(':') == std::string::npos && !source.starts_with("/vsi")) {
+        throw RuntimeError(static_cast<Long>(Fault::FileNotFound),
+                           "File not found: " + source + ". Check the path and the spelling.");
+    }
+    const Complaints complaints;
+    std::unique_ptr<GDALDataset> dataset(
+        GDALDataset::Open(source.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
+    if (dataset && dataset->GetLayerCount() > 0) return dataset;
+    if (IsRaster(source)) Refuse(source, "is a raster, not a vector layer. Cut it with 'orvo-tile raster'.");
+    if (dataset) Refuse(source, "holds no vector layers. 'ogrinfo' shows what is in it.");
+    Refuse(source, "cannot be opened as a vector layer (" + complaints.Reason("no driver takes it") +
+                       "). Check that it is complete, and in a format that 'ogrinfo --formats' lists.");
+}
+
+std::string LayerNames(GDALDataset& dataset) {
+    std::string names;
+    const int count = dataset.GetLayerCount();
+    for (int i = 0; i < count && i < kLayersToName; ++i)
+        names += (i == 0 ? "" : ", ") + std::string(dataset.GetLayer(i)->GetName());
+    return count > kLayersToName ? names + ", and " + std::to_string(count - kLayersToName) + " more" : names;
+}
+
+[[noreturn]] void RefuseChoice(const std::string& source, const std::string& why) {
+    throw RuntimeError(static_cast<Long>(Fault::InvalidProcedureCall), source + " " + why);
+}
+
+OGRLayer& Choose(GDALDataset& dataset, const std::string& source, const std::string& name) {
+    if (name.empty()) {
+        if (dataset.GetLayerCount() == 1) return *dataset.GetLayer(0);
+        RefuseChoice(source,
+                     "holds several layers. Choose one with --layer NAME: " + LayerNames(dataset) + ".");
+    }
+    const Complaints ignored;
+    OGRLayer* const layer = dataset.GetLayerByName(name.c_str());
+    if (layer == nullptr)
+        RefuseChoice(source, "holds no layer \"" + name + "\". It holds: " + LayerNames(dataset) + ".");
+    return *layer;
+}
+
+/// Asked of the source itself, which may keep it in its header.
+OGREnvelope ExtentOf(OGRLayer& layer, const std::string& source, const std::string& name) {
+    const Complaints complaints;
+    if (layer.GetGeomType() == wkbNone)
+        Refuse(source, "has no geometries in its layer \"" + name + "\". Choose a layer that has some.");
+    OGREnvelope extent;
+    const bool found = layer.GetExtent(&extent, TRUE) == OGRERR_NONE && extent.IsInit() != 0;
+    if (found && std::isfinite(extent.MaxX - extent.MinX) && std::isfinite(extent.MaxY - extent.MinY))
+        return extent;
+    if (layer.GetFeatureCount(TRUE) == 0) Refuse(source, "has no features in its layer \"" + name + "\".");
+    Refuse(source, "has no extent in its layer \"" + name + "\": no feature there has a geometry" +
+                       (complaints.Failed() ? " (" + complaints.Reason("") + ")." : "."));
+}
+
+}  // namespace
+
+VectorLayer::VectorLayer(const std::string& source, const std::string& layer)
+    : source_(source), dataset_(Open(source)), layer_(&Choose(*dataset_, source, layer)) {
+    name_ = layer_->GetName();
+    const OGREnvelope extent = ExtentOf(*layer_, source_, name_);
+    extent_ = platform::Create(platform::Current().newEnvelope);
+    extent_->XMin(extent.MinX);
+    extent_->XMax(extent.MaxX);
+    extent_->YMin(extent.MinY);
+    extent_->YMax(extent.MaxY);
+    Rewind();
+}
+
+VectorLayer::~VectorLayer() = default;
+
+std::shared_ptr<IEnvelope> VectorLayer::AreaOfInterest() {
+    return extent_;
+}
+
+std::unique_ptr<OGRFeature> VectorLayer::Next() {
+    const Complaints complaints;
+    std::unique_ptr<OGRFeature> feature(layer_->GetNextFeature());
+    if (!feature && complaints.Failed()) {
+        throw RuntimeError(static_cast<Long>(Fault::DeviceIOError),
+                           source_ + " breaks off: " + complaints.Reason(""));
+    }
+    return feature;
+}
+
+void VectorLayer::Rewind() {
+    layer_->ResetReading();
+}
+
+std::int64_t VectorLayer::FeatureCount() const {
+    return layer_->GetFeatureCount(FALSE);
+}
+
+OGRFeatureDefn& VectorLayer::Definition() const {
+    return *layer_->GetLayerDefn();
+}
+
+const OGRSpatialReference* VectorLayer::SpatialReference() const {
+    return layer_->GetSpatialRef();
+}
+
+std::shared_ptr<VectorLayer> OpenVectorLayer(const std::string& source, const std::string& layer) {
+    Start();
+    return std::shared_ptr<VectorLayer>(new VectorLayer(source, layer));
+}
+
+}  // namespace orvo::gdal

@@ -1,0 +1,57 @@
+// Vector layers from whatever the library opens: their extent, and their features as a stream.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/Vector.h"
+
+class GDALDataset;
+class OGRFeature;
+class OGRFeatureDefn;
+class OGRLayer;
+class OGRSpatialReference;
+
+namespace orvo::gdal {
+
+/// One layer of a dataset. Its features come one by one, so that a layer may be larger than memory.
+class VectorLayer final : public ILayer {
+  public:
+    ~VectorLayer() override;
+    VectorLayer(const VectorLayer&) = delete;
+    VectorLayer& operator=(const VectorLayer&) = delete;
+
+    /// The layer's extent, always the same object: who changes it changes it for all.
+    std::shared_ptr<IEnvelope> AreaOfInterest() override;
+
+    /// The next feature; null at the end. Fails with number 57 where the source breaks off.
+    std::unique_ptr<OGRFeature> Next();
+    /// Back to the first feature.
+    void Rewind();
+    /// How many features there are; −1 where counting would cost a pass.
+    std::int64_t FeatureCount() const;
+
+    const std::string& Name() const { return name_; }
+    OGRFeatureDefn& Definition() const;
+    /// Null where it is not known.
+    const OGRSpatialReference* SpatialReference() const;
+
+  private:
+    friend std::shared_ptr<VectorLayer> OpenVectorLayer(const std::string& source, const std::string& layer);
+    VectorLayer(const std::string& source, const std::string& layer);
+
+    std::string source_;
+    std::string name_;
+    std::unique_ptr<GDALDataset> dataset_;
+    OGRLayer* layer_;  ///< of the dataset
+    std::shared_ptr<IEnvelope> extent_;
+};
+
+/// @param layer its name; empty for the only one
+/// Fails with a RuntimeError that names the source and the remedy: number 5 where the layer must be chosen,
+/// or chosen otherwise; 53 for no file; 440 for no vector data, no geometries, nothing in it.
+std::shared_ptr<VectorLayer> OpenVectorLayer(const std::string& source, const std::string& layer);
+
+}  // namespace orvo::gdal
