@@ -38,6 +38,7 @@ GDALColorTable TableOf(const Palette& palette) {
 }
 
 void Fill(GDALDataset& dataset, const Pixels& pixels, const Complaints& complaints) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): a write only reads them.
     auto* const bytes = const_cast<unsigned char*>(pixels.bytes.data());
     if (dataset.RasterIO(GF_Write, 0, 0, pixels.width, pixels.height, bytes, pixels.width, pixels.height,
                          GDT_Byte, pixels.Channels(), nullptr, pixels.Channels(),

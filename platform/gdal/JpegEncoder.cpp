@@ -23,7 +23,7 @@ struct Trap {
 [[noreturn]] void Fail(j_common_ptr library) {
     auto* const trap = reinterpret_cast<Trap*>(library->err);
     trap->manager.format_message(library, trap->text);
-    std::longjmp(trap->back, 1);
+    std::longjmp(trap->back, 1);  // NOLINT(cert-err52-cpp): the library must not be thrown through
 }
 
 void Ignore(j_common_ptr, int) {}
@@ -41,7 +41,7 @@ void Configure(jpeg_compress_struct& library, const Pixels& pixels, int quality)
 
 void WriteRows(jpeg_compress_struct& library, const Pixels& pixels) {
     while (library.next_scanline < library.image_height) {
-        // The library only reads the row, although its type does not say so.
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): the library only reads the row.
         auto* row = const_cast<JSAMPROW>(pixels.bytes.data() + pixels.RowBytes() * library.next_scanline);
         jpeg_write_scanlines(&library, &row, 1);
     }
@@ -53,7 +53,7 @@ bool Compress(Trap& trap, const Pixels& pixels, int quality, unsigned char** byt
     library.err = jpeg_std_error(&trap.manager);
     trap.manager.error_exit = Fail;
     trap.manager.emit_message = Ignore;
-    if (setjmp(trap.back) != 0) {
+    if (setjmp(trap.back) != 0) {  // NOLINT(cert-err52-cpp): see Fail
         jpeg_destroy_compress(&library);
         return false;
     }

@@ -168,7 +168,7 @@ std::string RasterIO::ExportRasterWindow(IRasterLayer& layer, const std::string&
         OpenLayer& source = Use(layer);
         const TargetName name = Split(targetFile);
         const Format format = FormatOf(name.extension);
-        const std::string target = format == Format::SubstituteTiff ? name.stem + ".tif" : targetFile;
+        std::string target = format == Format::SubstituteTiff ? name.stem + ".tif" : targetFile;
         const TileWindow window = WindowOf(source.layer->GeoTransform(), source.layer->Width(),
                                            source.layer->Height(), envelope, width, height);
         Write(target, Encode(source, window, format, QualityOf(quality)));

@@ -99,11 +99,13 @@ std::string DriverOf(GDALDataset& dataset) {
 
 }  // namespace
 
-RasterLayer::RasterLayer(const std::string& name) : dataset_(Open(name)), name_(name) {
+RasterLayer::RasterLayer(const std::string& name)
+    : dataset_(Open(name)),
+      name_(name),
+      columns_(dataset_->GetRasterXSize()),
+      rows_(dataset_->GetRasterYSize()),
+      bands_(dataset_->GetRasterCount()) {
     RequireBands(*dataset_, name_);
-    columns_ = dataset_->GetRasterXSize();
-    rows_ = dataset_->GetRasterYSize();
-    bands_ = dataset_->GetRasterCount();
     const std::string driver = DriverOf(*dataset_);
     format_ = driver == "OpenFileGDB" ? "FGDBR" : driver;
     Locate();

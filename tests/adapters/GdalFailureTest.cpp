@@ -25,7 +25,7 @@ class FileSizeLimit {
     }
     ~FileSizeLimit() {
         setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
+        static_cast<void>(std::signal(SIGXFSZ, handler_));
     }
     FileSizeLimit(const FileSizeLimit&) = delete;
     FileSizeLimit& operator=(const FileSizeLimit&) = delete;

@@ -106,7 +106,7 @@ TEST_P(GdalMosaicTest, TilesTogetherShowTheSource) {
     }
     // Row by row as a run does, then in any order: what is read ahead must not matter.
     std::vector<std::pair<int, int>> shuffled = corners;
-    std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(size));
+    std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(static_cast<unsigned>(size)));
     corners.insert(corners.end(), shuffled.begin(), shuffled.end());
     for (const auto& [left, top] : corners) {
         const int columns = std::min(kTile, size - left);

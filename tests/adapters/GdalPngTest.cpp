@@ -18,7 +18,7 @@ Pixels Image(Form form, int depth, int width, int height, Texture texture) {
     pixels.form = form;
     pixels.depth = depth;
     pixels.Resize(width, height);
-    std::mt19937 random(1);
+    std::mt19937 random(1);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same image every time
     const int channels = pixels.Channels();
     for (std::size_t i = 0; i < pixels.Count() * static_cast<std::size_t>(channels); ++i) {
         const auto pixel = static_cast<int>(i) / channels;

@@ -1,6 +1,7 @@
 // Small rasters for tests, and what tiles show.
 #pragma once
 
+#include <cpl_string.h>
 #include <gdal_priv.h>
 #include <gtest/gtest.h>
 
@@ -41,11 +42,12 @@ struct RasterSpec {
 
 inline void WriteRaster(const std::string& path, const RasterSpec& spec) {
     gdal::Start();
-    std::vector<const char*> options = spec.options;
-    options.push_back(nullptr);
+    CPLStringList options;
+    for (const char* option : spec.options) options.AddString(option);
+    auto transform = spec.transform;
     GDALDriver* const memory = GetGDALDriverManager()->GetDriverByName("MEM");
     GDALDatasetUniquePtr image(memory->Create("", spec.width, spec.height, spec.bands, spec.type, nullptr));
-    image->SetGeoTransform(const_cast<double*>(spec.transform.data()));
+    image->SetGeoTransform(transform.data());
     for (int b = 0; b < spec.bands; ++b) {
         GDALRasterBand& band = *image->GetRasterBand(b + 1);
         constexpr GDALColorInterp kColours[] = {GCI_RedBand, GCI_GreenBand, GCI_BlueBand};
@@ -69,10 +71,10 @@ inline void WriteRaster(const std::string& path, const RasterSpec& spec) {
         }
         image->GetRasterBand(1)->SetColorTable(&table);
     }
-    GDALDatasetUniquePtr file(GetGDALDriverManager()
-                                  ->GetDriverByName(spec.driver)
-                                  ->CreateCopy(path.c_str(), image.get(), FALSE,
-                                               const_cast<char**>(options.data()), nullptr, nullptr));
+    GDALDatasetUniquePtr file(
+        GetGDALDriverManager()
+            ->GetDriverByName(spec.driver)
+            ->CreateCopy(path.c_str(), image.get(), FALSE, options.List(), nullptr, nullptr));
     ASSERT_NE(file, nullptr) << CPLGetLastErrorMsg();
 }
 
@@ -88,13 +90,17 @@ struct Picture {
     bool placed = false;
     std::vector<Shown> pixels;
     std::vector<double> cells;  ///< of band 1
-    const Shown& At(int x, int y) const { return pixels.at(static_cast<std::size_t>(y * width + x)); }
+    const Shown& At(int x, int y) const {
+        return pixels.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                         static_cast<std::size_t>(x));
+    }
 };
 
 namespace detail {
 
 inline std::vector<double> Cells(GDALRasterBand& band) {
-    std::vector<double> cells(static_cast<std::size_t>(band.GetXSize() * band.GetYSize()));
+    std::vector<double> cells(static_cast<std::size_t>(band.GetXSize()) *
+                              static_cast<std::size_t>(band.GetYSize()));
     EXPECT_EQ(band.RasterIO(GF_Read, 0, 0, band.GetXSize(), band.GetYSize(), cells.data(), band.GetXSize(),
                             band.GetYSize(), GDT_Float64, 0, 0, nullptr),
               CE_None);
@@ -139,13 +145,17 @@ inline Picture Load(const std::string& path) {
 
 /// A folder, a platform that makes envelopes, and a conversion service.
 class GdalTest : public testing::Test {
+  public:
+    ~GdalTest() override { platform::Install({}); }
+    GdalTest(const GdalTest&) = delete;
+    GdalTest& operator=(const GdalTest&) = delete;
+
   protected:
     GdalTest() {
         platform::Platform made;
         made.newEnvelope = [] { return std::make_shared<memory::Envelope>(); };
         platform::Install(made);
     }
-    ~GdalTest() override { platform::Install({}); }
 
     std::string Make(const std::string& name, const RasterSpec& spec) {
         WriteRaster(folder_ / name, spec);
