@@ -21,8 +21,13 @@ namespace {
 class Writer {
   public:
     Writer(const RasterJob& job, gdal::RasterLayer& layer, const std::string& folder,
-           const std::vector<PlacedTile>& tiles, const std::vector<std::string>& leftovers)
-        : job_(job), layer_(layer), folder_(folder), tiles_(tiles), companions_(leftovers), drafts_(folder) {}
+           const std::vector<PlacedTile>& tiles, std::vector<std::string> leftovers)
+        : job_(job),
+          layer_(layer),
+          folder_(folder),
+          tiles_(tiles),
+          companions_(std::move(leftovers)),
+          drafts_(folder) {}
 
     Products Write() {
         Try([&] { WriteWorldFiles(); });
@@ -48,7 +53,10 @@ class Writer {
         for (const PlacedTile& tile : tiles_) {
             const std::string name = WorldFileName(tile.name);
             const std::string reason = ReplaceFile(prefix + name, WorldFileText(tile));
-            if (!reason.empty()) throw RunError("cannot write the world file " + name + ": " + reason);
+            if (!reason.empty()) {
+                throw RunError(
+                    std::string("cannot write the world file ").append(name).append(": ").append(reason));
+            }
             companions_.push_back(name);
         }
     }

@@ -109,7 +109,7 @@ void Desktop::Beep() {
 }
 
 /// Asks until an answer names a choice; the end of input leaves the procedure.
-Integer Desktop::Answer(const FailureView& view) {
+Integer Desktop::Answer(const FailureView& view) const {
     for (;;) {
         *options_.out << "> " << std::flush;
         const auto line = options_.read();
@@ -122,7 +122,7 @@ Integer Desktop::Answer(const FailureView& view) {
     }
 }
 
-void Desktop::ShowWhole(const FailureView& view) {
+void Desktop::ShowWhole(const FailureView& view) const {
     std::ostream& out = *options_.out;
     out << '\n' << view.title << '\n';
     for (const auto& row : view.rows) out << "  " << row.caption << ' ' << row.text << '\n';
@@ -135,7 +135,7 @@ void Desktop::ShowWhole(const FailureView& view) {
 }
 
 /// One line: the failure, then module, procedure, line and the choice.
-void Desktop::ShowBriefly(const FailureView& view, Integer choice) {
+void Desktop::ShowBriefly(const FailureView& view, Integer choice) const {
     std::ostream& out = *options_.out;
     out << options_.prefix;
     const char* separator = "";

@@ -47,9 +47,9 @@ class Desktop final : public IDesktop {
     int MessagesShown() const { return messagesShown_; }
 
   private:
-    Integer Answer(const FailureView& view);
-    void ShowWhole(const FailureView& view);
-    void ShowBriefly(const FailureView& view, Integer choice);
+    Integer Answer(const FailureView& view) const;
+    void ShowWhole(const FailureView& view) const;
+    void ShowBriefly(const FailureView& view, Integer choice) const;
 
     DesktopOptions options_;
     int failuresShown_ = 0;

@@ -1,8 +1,8 @@
 #include "platform/real/Platform.h"
 
 #include <langinfo.h>
-#include <locale.h>
 
+#include <clocale>
 #include <utility>
 
 #include "platform/console/Desktop.h"
