@@ -42,7 +42,7 @@ Shape Neighbourhood(const Shape& shape, const Bounds& r) {
 }
 
 Shape CutByOverlay(const Shape& shape, const Bounds& rectangle) {
-    const Shape around = Neighbourhood(shape, rectangle);
+    Shape around = Neighbourhood(shape, rectangle);
     if (around.IsEmpty()) return around;
     Handle area = ToGeos(around);
     if (!IsValid(*area)) area = MadeValid(*area);

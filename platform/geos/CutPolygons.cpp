@@ -260,7 +260,7 @@ class AreaCutter {
     }
 
     void CloseShell(std::size_t begin) {
-        shellVertices_.push_back(Coordinate(shellVertices_[begin]));
+        shellVertices_.emplace_back(shellVertices_[begin]);
         shells_.push_back({begin, shellVertices_.size()});
     }
 

@@ -92,7 +92,7 @@ class Shape {
 
   private:
     struct PathEnd {
-        std::size_t end;
+        std::size_t end = 0;
         Bounds extent;
     };
     std::vector<Coordinate> points_;

@@ -48,7 +48,7 @@ class Random {
     /// Valid; with parts and holes now and then.
     std::string Area(double step, bool hasZ = false) {
         for (;;) {
-            const std::string text = AnyArea(step, hasZ);
+            std::string text = AnyArea(step, hasZ);
             if (GEOSisValid_r(Library(), FromText(text).get()) == 1) return text;
         }
     }

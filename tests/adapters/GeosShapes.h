@@ -15,7 +15,7 @@
 namespace orvo::geos::test {
 
 inline GEOSContextHandle_t Library() {
-    static const GEOSContextHandle_t handle = GEOS_init_r();
+    static GEOSContextHandle_HS* const handle = GEOS_init_r();
     return handle;
 }
 

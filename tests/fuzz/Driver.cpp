@@ -94,10 +94,11 @@ void Mutate(Bytes& bytes, std::mt19937& random) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const double seconds = argc > 1 ? std::atof(argv[1]) : 5;
-    const unsigned seed = argc > 2 ? static_cast<unsigned>(std::atoi(argv[2])) : std::random_device{}();
+    const double seconds = argc > 1 ? std::strtod(argv[1], nullptr) : 5;
+    const unsigned seed =
+        argc > 2 ? static_cast<unsigned>(std::strtoul(argv[2], nullptr, 10)) : std::random_device{}();
     std::printf("seed %u\n", seed);
-    std::fflush(stdout);
+    static_cast<void>(std::fflush(stdout));
     std::mt19937 random(seed);
     const std::vector<Bytes> seeds = Seeds().All();
     for (const Bytes& bytes : seeds) LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
