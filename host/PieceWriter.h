@@ -28,8 +28,9 @@ class PieceWriter {
 
 /// Names of the fields that pieces get beside the source's own.
 struct AddedFields {
-    std::string id;    ///< the source's feature id
-    std::string tile;  ///< the tile's name
+    std::string id;      ///< the source's feature id
+    std::string tile;    ///< the tile's name
+    std::string reason;  ///< of skipped features
 };
 
 /// @param format name or extension; GeoJSON is written by ourselves, the rest by the library

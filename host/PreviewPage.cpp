@@ -38,13 +38,15 @@ Json TileData(const PlacedTile& tile) {
 std::string PreviewPage(const std::string& title, const std::vector<PlacedTile>& tiles) {
     Json data{{"title", title}, {"tiles", Json::array()}};
     for (const PlacedTile& tile : tiles) data["tiles"].push_back(TileData(tile));
+    return FilledPage(kPreviewTemplate, data.dump(-1, ' ', false, Json::error_handler_t::replace));
+}
+
+std::string FilledPage(const char* page, const std::string& json) {
     // Inside a script element only "<" could end the data early.
     std::string text;
-    for (const char c : data.dump(-1, ' ', false, Json::error_handler_t::replace)) {
-        text += c == '<' ? std::string("\\u003c") : std::string(1, c);
-    }
-    std::string page = kPreviewTemplate;
-    return page.replace(page.find(kDataMark), std::string(kDataMark).size(), text);
+    for (const char c : json) text += c == '<' ? std::string("\\u003c") : std::string(1, c);
+    std::string filled = page;
+    return filled.replace(filled.find(kDataMark), std::string(kDataMark).size(), text);
 }
 
 }  // namespace orvo::host

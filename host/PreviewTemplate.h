@@ -1,8 +1,9 @@
-// preview.html as a text; the build makes its definition.
+// The pages as texts; the build makes their definitions.
 #pragma once
 
 namespace orvo::host {
 
-extern const char* const kPreviewTemplate;
+extern const char* const kPreviewTemplate;        ///< preview.html
+extern const char* const kVectorPreviewTemplate;  ///< vector-preview.html
 
 }  // namespace orvo::host

@@ -121,8 +121,10 @@ void VectorGrid::SetHeights() {
             const auto tile = TileAt(x, y);
             const geos::Bounds bounds = BoundsOf(x, y);
             tile->Height(tile->Depth());
-            tile->YMax(bounds.yMax);
+            tile->XMin(bounds.xMin);
+            tile->YMin(bounds.yMin);
             tile->XMax(bounds.xMax);
+            tile->YMax(bounds.yMax);
         }
     }
 }
@@ -142,6 +144,14 @@ geos::Bounds VectorGrid::BoundsOf(Long column, Long row) const {
 geos::Bounds VectorGrid::Whole() const {
     return {edges_.columns.front().low, edges_.rows.front().low, edges_.columns.back().high,
             edges_.rows.back().high};
+}
+
+void VectorGrid::ReachOut(const geos::Bounds& bounds) {
+    edges_.columns.front().low = std::min(edges_.columns.front().low, bounds.xMin);
+    edges_.columns.back().high = std::max(edges_.columns.back().high, bounds.xMax);
+    edges_.rows.front().low = std::min(edges_.rows.front().low, bounds.yMin);
+    edges_.rows.back().high = std::max(edges_.rows.back().high, bounds.yMax);
+    SetHeights();
 }
 
 std::size_t IntervalOf(const std::vector<geos::Interval>& intervals, double place) {

@@ -48,6 +48,9 @@ class VectorGrid {
     /// The tile's name, without extension.
     std::string NameOf(Long column, Long row) { return tiles_.GetTileTStream(column, row); }
 
+    /// Moves the outer edges of the tiles along the border outwards, so that the grid holds `bounds`.
+    void ReachOut(const geos::Bounds& bounds);
+
     /// The tile that `IsInside` finds for a point; for one on an edge, the tile north-east of it, or the last
     /// one along the north and east borders of the grid. Columns and rows of 0 where no tile holds it.
     TileNumbers Locate(const std::shared_ptr<geos::Geometry>& point);

@@ -5,40 +5,25 @@
 #include <memory>
 
 #include "host/Errors.h"
-#include "host/GeometryCutter.h"
+#include "host/FeatureIntake.h"
 #include "host/Interrupt.h"
 #include "host/OutputFolder.h"
-#include "host/PieceWriter.h"
 #include "host/ProgressDisplay.h"
 #include "host/Publish.h"
 #include "host/ReferenceSystem.h"
 #include "host/Session.h"
 #include "host/TileIndex.h"
-#include "host/TileSpool.h"
 #include "host/VectorJob.h"
-#include "host/VectorSummary.h"
+#include "host/VectorLayerSource.h"
+#include "host/VectorPage.h"
 #include "host/WorkFolder.h"
 #include "platform/gdal/Attributes.h"
-#include "platform/gdal/FeatureParts.h"
-#include "platform/gdal/VectorLayer.h"
 
 namespace orvo::host {
 namespace {
 
 constexpr std::size_t kSpoolMemory = std::size_t{128} << 20U;
-constexpr std::int64_t kSkippedRecords = -1;  ///< the number under which skipped features stand in the spool
-
-const char* const kCoveredOnly = "it covers whole tiles only, which --strict leaves out";
-const char* const kNothing = "clipping gave nothing";
-
-std::shared_ptr<gdal::VectorLayer> OpenLayer(const VectorJob& job) {
-    try {
-        return gdal::OpenVectorLayer(job.input, job.layer);
-    } catch (const RuntimeError& error) {
-        if (error.Number() == static_cast<Long>(Fault::InvalidProcedureCall)) throw UsageError(error.what());
-        throw;
-    }
-}
+constexpr std::size_t kMostDrawn = 150000;  ///< vertices in the preview
 
 /// Progress in hundredths: the first half is reading, the second writing.
 class Halves {
@@ -64,7 +49,9 @@ class VectorRun {
     int Run() {
         utility::Settings services;
         services.languageOffset = job_.languageOffset;
-        const auto hear = [this](const std::string& failure) { failure_ = failure; };
+        const auto hear = [this](const std::string& failure) {
+            if (intake_) intake_->Hear(failure);
+        };
         desktop_ = InstallPlatform(job_.onError, progress_, hear, std::move(services));
         layer_ = OpenLayer(job_);
         OutputFolder folder(job_.outdir);
@@ -88,13 +75,14 @@ class VectorRun {
         const ReferenceSystem system = NameReferenceSystem(layer_->SpatialReference());
         if (!system.notice.empty()) summary_.notices.push_back(system.notice);
         system_ = system.name;
-        added_ = {gdal::FreeFieldName(layer_->Definition(), "source_fid"),
-                  gdal::FreeFieldName(layer_->Definition(), "tile")};
-        for (const std::string& name : {added_.id, added_.tile}) {
-            if (name.find("_2") != std::string::npos || name.ends_with("_3"))
-                summary_.notices.push_back("the layer has a field of that name already: ours is called \"" +
-                                           name + "\"");
-        }
+        const auto free = [&](const char* name) {
+            std::string found = gdal::FreeFieldName(layer_->Definition(), name);
+            if (found != name)
+                summary_.notices.push_back("the layer has a field \"" + std::string(name) +
+                                           "\": ours is called \"" + found + "\"");
+            return found;
+        };
+        added_ = {free("source_fid"), free("tile"), free("reason")};
         writer_ = MakePieceWriter(job_.format, *layer_, added_, system_);
         const GridPlan& plan = grid_->Plan();
         if (plan.emptyColumns > 0 || plan.emptyRows > 0) {
@@ -106,7 +94,7 @@ class VectorRun {
 
     void Cut(const std::string& folder) {
         const WorkFolder work(folder);
-        spool_ = std::make_unique<TileSpool>(work.Path(), kSpoolMemory);
+        workPath_ = work.Path();
         const GridPlan& plan = grid_->Plan();
         if (!job_.quiet) {
             std::cerr << "orvo-tile: cutting the layer " << layer_->Name() << " into " << plan.columns
@@ -119,93 +107,23 @@ class VectorRun {
         WriteTiles(work, folder, halves);
     }
 
+    /// Begins anew once where the source states too small an extent: the border tiles then take the rest.
     void ReadFeatures(Halves& halves) {
-        const auto sink = [this](Long column, Long row, const geos::Geometry& piece) {
-            const std::int64_t number = std::int64_t{row - 1} * grid_->Plan().columns + column - 1;
-            spool_->Add(number, writer_->Record(grid_->NameOf(column, row), piece));
-        };
-        GeometryCutter cutter(*grid_, job_.strict, sink);
         const std::int64_t count = layer_->FeatureCount();
-        try {
-            while (!Interrupted()) {
-                const auto feature = layer_->Next();
-                if (!feature) break;
-                ++summary_.featuresIn;
-                Place(*feature, cutter);
-                halves.Reach(0, summary_.featuresIn, count);
-            }
-        } catch (const RuntimeError& error) {
-            summary_.errors.emplace_back(error.Description());
+        for (bool again = false;; again = true) {
+            spool_ = std::make_unique<TileSpool>(workPath_, kSpoolMemory);
+            if (job_.preview) sketch_ = std::make_unique<VectorSketch>(grid_->Whole(), kMostDrawn);
+            intake_ =
+                std::make_unique<FeatureIntake>(*layer_, *grid_, job_.strict, added_,
+                                                FeatureIntake::Targets{*writer_, *spool_, sketch_.get()});
+            if (intake_->Read([&](std::int64_t done) { halves.Reach(0, done, count); })) break;
+            if (again) throw RunError("the source has changed while it was read; start again");
+            grid_->ReachOut(BoundsOfFeatures(*layer_));
+            summary_.notices.emplace_back(
+                "features reach out of the extent that the source states for its layer; the tiles along the "
+                "border take them in");
         }
-        summary_.coveredLeftOut = cutter.CoveredLeftOut();
-        AddNotices();
-    }
-
-    void Place(const OGRFeature& feature, GeometryCutter& cutter) {
-        const gdal::FeatureParts parts = gdal::PartsOf(feature.GetGeometryRef());
-        if (parts.wkb.empty()) return Skip(feature, parts.reason, nullptr, false);
-        writer_->Begin(feature);
-        const std::int64_t coveredBefore = cutter.CoveredLeftOut();
-        std::size_t pieces = 0;
-        std::string reason;
-        std::shared_ptr<geos::Geometry> last;
-        failure_.clear();
-        for (const auto& wkb : parts.wkb) {
-            try {
-                last = geos::Geometry::FromWkb(wkb);
-                reachesOut_ += grid_->Whole().Holds(last->Extent()) ? 0 : 1;
-                const std::size_t count = cutter.Cut(last);
-                pieces += count;
-                if (count == 0) reason = kNothing;
-            } catch (const RuntimeError& error) {
-                reason = error.Description();
-            }
-        }
-        linearised_ += parts.linearised ? 1 : 0;
-        surfaces_ += parts.surfaces ? 1 : 0;
-        measured_ += parts.measures ? 1 : 0;
-        if (pieces > 0) {
-            ++summary_.placed;
-            if (!reason.empty()) ++partly_;
-            return;
-        }
-        const bool coveredOnly = cutter.CoveredLeftOut() > coveredBefore;
-        if (coveredOnly) reason = kCoveredOnly;
-        if (!failure_.empty()) reason = failure_;
-        Skip(feature, reason, last.get(), !coveredOnly || !failure_.empty());
-    }
-
-    /// @param lost it holds something that has a place
-    void Skip(const OGRFeature& feature, const std::string& reason, const geos::Geometry* geometry,
-              bool lost) {
-        ++summary_.skipped[reason];
-        summary_.lost += lost ? 1 : 0;
-        std::string record = ",\n{\"type\":\"Feature\",\"properties\":{" + gdal::JsonMembers(feature);
-        if (feature.GetFieldCount() > 0) record += ',';
-        record += gdal::JsonText(added_.id) + ':' + std::to_string(feature.GetFID()) +
-                  ",\"reason\":" + gdal::JsonText(reason) + "},\"geometry\":";
-        if (geometry != nullptr)
-            AppendGeometry(record, geometry->Coordinates());
-        else
-            record += "null";
-        spool_->Add(kSkippedRecords, record + '}');
-    }
-
-    void AddNotices() {
-        const auto note = [this](std::int64_t count, const std::string& what) {
-            if (count > 0) summary_.notices.push_back("features " + what + ": " + std::to_string(count));
-        };
-        note(linearised_, "whose curves became lines of short segments");
-        note(surfaces_, "whose triangles and faces became areas");
-        note(measured_, "whose measures are not kept");
-        if (partly_ > 0)
-            summary_.errors.push_back("members of collections that could not be placed, in features: " +
-                                      std::to_string(partly_));
-        if (reachesOut_ > 0)
-            summary_.errors.push_back(
-                std::to_string(reachesOut_) +
-                " geometries reach out of the extent that the source states for its layer; "
-                "copy it with ogr2ogr, which states it anew");
+        intake_->Report(summary_);
     }
 
     void WriteTiles(const WorkFolder& work, const std::string& folder, Halves& halves) {
@@ -218,7 +136,6 @@ class VectorRun {
             WriteTile(work, folder, number, pieces);
             halves.Reach(1, ++done, static_cast<std::int64_t>(counts.size()));
         }
-        if (summary_.Skipped() > 0) WriteSkipped(folder);
     }
 
     void WriteTile(const WorkFolder& work, const std::string& folder, std::int64_t number,
@@ -244,29 +161,43 @@ class VectorRun {
         tiles_.push_back({name, column, row, place, place, 0, 0, id});
     }
 
-    void WriteSkipped(const std::string& folder) {
-        auto draft = std::make_unique<DraftFile>(folder, ".geojson");
-        WriteFeatures(draft->Path(), "skipped", system_,
-                      [&](const auto& take) { spool_->Read(kSkippedRecords, take); });
-        drafts_ = std::make_unique<DraftSet>(folder);
-        drafts_->Add("skipped", ".geojson", std::move(draft));
+    template <class Step>
+    void Try(Step&& step) {
+        try {
+            step();
+        } catch (const std::exception& error) {
+            summary_.errors.emplace_back(error.what());
+        }
     }
 
     void AddProducts(const std::string& folder) {
-        if (!drafts_) drafts_ = std::make_unique<DraftSet>(folder);
         if (tiles_.empty() && summary_.Skipped() == 0) return;
-        try {
+        drafts_ = std::make_unique<DraftSet>(folder);
+        Try([&] { AddSkipped(folder); });
+        Try([&] { AddPage(); });
+        Try([&] {
             summary_.index =
                 drafts_->Publish("tiles", ".geojson", [&](const std::vector<std::string>& names) {
                     std::vector<std::string> companions = companions_;
                     companions.insert(companions.end(), names.begin(), names.end());
                     return IndexText(tiles_, system_, companions);
                 });
-        } catch (const std::exception& error) {
-            summary_.errors.emplace_back(error.what());
-        }
+        });
         summary_.skippedFile = drafts_->PathOf("skipped");
         summary_.preview = drafts_->PathOf("index");
+    }
+
+    void AddSkipped(const std::string& folder) {
+        if (summary_.Skipped() == 0) return;
+        auto draft = std::make_unique<DraftFile>(folder, ".geojson");
+        WriteFeatures(draft->Path(), "skipped", system_,
+                      [&](const auto& take) { spool_->Read(kSkippedRecords, take); });
+        drafts_->Add("skipped", ".geojson", std::move(draft));
+    }
+
+    void AddPage() {
+        if (!sketch_ || tiles_.empty()) return;
+        drafts_->Add("index", ".html", VectorPage(layer_->Name(), tiles_, grid_->Whole(), *sketch_));
     }
 
     int Finish(const std::string& folder) {
@@ -287,6 +218,7 @@ class VectorRun {
     std::shared_ptr<console::Desktop> desktop_;
     std::shared_ptr<gdal::VectorLayer> layer_;
     std::unique_ptr<VectorGrid> grid_;
+    std::string workPath_;
     AddedFields added_;
     std::string system_;
     std::unique_ptr<PieceWriter> writer_;
@@ -295,44 +227,14 @@ class VectorRun {
     std::vector<PlacedTile> tiles_;
     std::vector<std::string> companions_;
     VectorSummary summary_;
-    std::string failure_;  ///< the last one that was shown
-    std::int64_t linearised_ = 0, surfaces_ = 0, measured_ = 0, partly_ = 0, reachesOut_ = 0;
+    std::unique_ptr<VectorSketch> sketch_;
+    std::unique_ptr<FeatureIntake> intake_;
 };
 
 }  // namespace
 
 int RunVector(const VectorJob& job) {
     return VectorRun(job).Run();
-}
-
-int RunLocate(const VectorJob& job, double x, double y) {
-    ProgressDisplay progress(std::cerr, ProgressMode::None);
-    utility::Settings services;
-    services.languageOffset = job.languageOffset;
-    const auto desktop = InstallPlatform(
-        job.onError, progress, [](const std::string&) {}, std::move(services));
-    const auto layer = OpenLayer(job);
-    VectorGrid grid(layer, job.sizes, job.prefix);
-    geos::Shape place;
-    place.type = GeometryType::Point;
-    place.AddPoint({x, y});
-    const TileNumbers tile = grid.Locate(geos::Geometry::Make(std::move(place)));
-    if (tile.column == 0) {
-        const geos::Bounds b = grid.Whole();
-        std::string text = "no tile holds the point: the tiles lie from x ";
-        gdal::AppendJson(text, b.xMin);
-        gdal::AppendJson(text += " to ", b.xMax);
-        gdal::AppendJson(text += " and from y ", b.yMin);
-        gdal::AppendJson(text += " to ", b.yMax);
-        throw RunError(text);
-    }
-    std::cout << "{\"column\":" << tile.column << ",\"row\":" << tile.row
-              << ",\"id\":" << gdal::JsonText(grid.Tiles().GetTileID(tile.column, tile.row))
-              << ",\"tile\":" << gdal::JsonText(grid.NameOf(tile.column, tile.row))
-              << ",\"on_edge\":" << (tile.onEdge ? "true" : "false") << "}\n"
-              << std::flush;
-    if (!std::cout) throw RunError("the answer could not be written to standard output");
-    return desktop->FailuresShown() == 0 ? kExitDone : kExitIncomplete;
 }
 
 }  // namespace orvo::host

@@ -51,12 +51,13 @@ FeatureParts PartsOf(const OGRGeometry* geometry) {
     FeatureParts parts;
     if (geometry == nullptr) {
         parts.reason = "it has no geometry";
+        parts.holdsNothing = true;
         return parts;
     }
     const Complaints ignored;
     Add(*geometry, parts);
-    if (parts.wkb.empty() && parts.reason.empty()) parts.reason = "its geometry is empty";
-    if (!parts.wkb.empty()) parts.reason.clear();
+    parts.holdsNothing = parts.wkb.empty() && parts.reason.empty();
+    if (parts.holdsNothing) parts.reason = "its geometry is empty";
     return parts;
 }
 

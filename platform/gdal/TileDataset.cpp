@@ -78,8 +78,10 @@ void Adapt(OGRFieldDefn& field, const std::string& types) {
         field.SetSubType(OFSTNone);
         field.SetType(type);
         field.SetWidth(0);
-        field.SetPrecision(0);
     }
+    // The digits that one format provides for a number may be too many for another.
+    if (type == OFTReal) field.SetWidth(0);
+    field.SetPrecision(0);
     // A tile holds what the source holds, also where that breaks the source's own rules.
     field.SetDefault(nullptr);
     field.SetNullable(TRUE);
