@@ -1,4 +1,6 @@
 // Tiles put together must show the source, pixel for pixel.
+#include <gmock/gmock.h>
+
 #include <algorithm>
 #include <cmath>
 #include <random>
@@ -139,6 +141,35 @@ INSTANTIATE_TEST_SUITE_P(Lossless, GdalMosaicTest,
                          NameOf);
 
 class GdalTileTest : public GdalTest {};
+
+TEST_F(GdalTileTest, TiffTilesTogetherHoldEveryCellOfEveryBand) {
+    for (Kind& kind : Kinds()) {
+        RasterSpec& spec = kind.spec;
+        spec.width = 15;
+        spec.height = 13;
+        const auto layer = gdal::OpenRasterLayer(Make("source.tif", spec));
+        for (int corner = 0; corner < 6; ++corner) {
+            const int left = corner % 3 * kTile;
+            const int top = corner / 3 * kTile;
+            const int columns = std::min(kTile, spec.width - left);
+            const int rows = std::min(kTile, spec.height - top);
+            const std::string path = Export(*layer, "t.tif", left, top, columns, rows);
+            GDALDatasetUniquePtr tile(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
+            ASSERT_NE(tile, nullptr) << kind.name << ": " << reason_;
+            ASSERT_EQ(tile->GetRasterCount(), spec.bands);
+            for (int band = 0; band < spec.bands; ++band) {
+                ASSERT_EQ(tile->GetRasterBand(band + 1)->GetRasterDataType(), spec.type);
+                std::vector<double> expected;
+                for (int y = top; y < top + rows; ++y) {
+                    for (int x = left; x < left + columns; ++x) expected.push_back(spec.cell(x, y, band));
+                }
+                EXPECT_THAT(detail::Cells(*tile->GetRasterBand(band + 1)),
+                            testing::Pointwise(testing::NanSensitiveDoubleEq(), expected))
+                    << kind.name << " at " << left << ", " << top;
+            }
+        }
+    }
+}
 
 TEST_F(GdalTileTest, TiffKeepsTypeBandsNodataAndPlace) {
     RasterSpec spec{.width = 20, .height = 15, .bands = 2, .type = GDT_Float32, .nodata = -1};
