@@ -10,8 +10,8 @@ volatile std::sig_atomic_t interrupted = 0;
 
 void OnSignal(int number) {
     if (interrupted != 0) {
-        std::signal(number, SIG_DFL);
-        std::raise(number);
+        static_cast<void>(std::signal(number, SIG_DFL));
+        static_cast<void>(std::raise(number));
     }
     interrupted = 1;
 }
@@ -28,8 +28,8 @@ void WatchSignals() {
         if (sigaction(number, nullptr, &before) == 0 && before.sa_handler == SIG_IGN) continue;
         sigaction(number, &action, nullptr);
     }
-    std::signal(SIGXFSZ, SIG_IGN);
-    std::signal(SIGPIPE, SIG_IGN);
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
 }
 
 bool Interrupted() {

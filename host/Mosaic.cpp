@@ -30,7 +30,7 @@ struct Source {
 
 std::string Digits(double value) {
     std::array<char, 40> text{};
-    std::snprintf(text.data(), text.size(), "%.17g", value);
+    static_cast<void>(std::snprintf(text.data(), text.size(), "%.17g", value));
     return text.data();
 }
 

@@ -8,7 +8,7 @@ namespace {
 
 std::string Line(double value) {
     std::array<char, 40> text{};
-    std::snprintf(text.data(), text.size(), "%.17g\n", value);
+    static_cast<void>(std::snprintf(text.data(), text.size(), "%.17g\n", value));
     return text.data();
 }
 
