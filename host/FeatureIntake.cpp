@@ -26,28 +26,27 @@ FeatureIntake::FeatureIntake(gdal::VectorLayer& layer, VectorGrid& grid, bool st
           to_.spool.Add(number, to_.writer.Record(grid_.NameOf(column, row), piece));
       }) {}
 
-bool FeatureIntake::Read(const std::function<void(std::int64_t features)>& tick) {
+void FeatureIntake::Read(const std::function<void(std::int64_t features)>& tick) {
     layer_.Rewind();
     try {
         while (!Interrupted()) {
             const auto feature = layer_.Next();
             if (!feature) break;
             ++in_;
-            if (!Place(*feature)) return false;
+            Place(*feature);
             tick(in_);
         }
     } catch (const RuntimeError& error) {
         brokenOff_ = error.Description();
     }
-    return true;
 }
 
-bool FeatureIntake::Place(const OGRFeature& feature) {
+void FeatureIntake::Place(const OGRFeature& feature) {
     const gdal::FeatureParts parts = gdal::PartsOf(feature.GetGeometryRef());
     if (parts.wkb.empty()) {
         Skip(feature, parts.reason, nullptr);
         lost_ += parts.holdsNothing ? 0 : 1;
-        return true;
+        return;
     }
     linearised_ += parts.linearised ? 1 : 0;
     surfaces_ += parts.surfaces ? 1 : 0;
@@ -58,14 +57,12 @@ bool FeatureIntake::Place(const OGRFeature& feature) {
     failure_.clear();
     reason_ = parts.reason;
     last_.reset();
-    if (!CutParts(parts.wkb)) return false;
+    CutParts(parts.wkb);
     coveredOnly_ = pieces_ == 0 && cutter_.CoveredLeftOut() > coveredBefore;
     Settle(feature);
-    return true;
 }
 
-/// False where one reaches out of the grid.
-bool FeatureIntake::CutParts(const std::vector<std::vector<unsigned char>>& parts) {
+void FeatureIntake::CutParts(const std::vector<std::vector<unsigned char>>& parts) {
     for (const auto& wkb : parts) {
         std::shared_ptr<geos::Geometry> geometry;
         try {
@@ -74,14 +71,17 @@ bool FeatureIntake::CutParts(const std::vector<std::vector<unsigned char>>& part
             reason_ = error.Description();
             continue;
         }
-        if (!grid_.Whole().Holds(geometry->Extent()) && !geometry->IsEmpty()) return false;
+        // What lies in the grid already is cut alike before and after.
+        if (!geometry->IsEmpty() && !grid_.Whole().Holds(geometry->Extent())) {
+            grid_.ReachOut(geometry->Extent());
+            ++reachedOut_;
+        }
         const std::size_t pieces = cutter_.Cut(geometry);
         pieces_ += pieces;
         if (pieces == 0) reason_ = kNothing;
         if (to_.sketch != nullptr) to_.sketch->Add(geometry->Coordinates());
         last_ = std::move(geometry);
     }
-    return true;
 }
 
 void FeatureIntake::Settle(const OGRFeature& feature) {
@@ -119,34 +119,22 @@ void FeatureIntake::Report(VectorSummary& summary) const {
     const auto note = [&](std::int64_t count, const std::string& what) {
         if (count > 0) summary.notices.push_back(std::to_string(count) + " features " + what);
     };
+    note(reachedOut_,
+         "reach out of the extent that the source states for its layer; the tiles along the border "
+         "take them in");
     note(linearised_, "had curves, which became lines of short segments");
     note(surfaces_, "had triangles or faces, which became areas");
     note(measured_, "had measures, which are not kept");
-    note(cutter_.CoveredLeftOut() > 0 ? cutter_.CoveredLeftOut() : 0,
-         "got nothing for tiles that they cover, as --strict asks for");
+
+    if (cutter_.CoveredLeftOut() > 0) {
+        summary.notices.push_back(
+            std::to_string(cutter_.CoveredLeftOut()) +
+            " times an area got nothing for a tile that it covers, as --strict asks for");
+    }
     if (!brokenOff_.empty()) summary.errors.push_back(brokenOff_);
     if (partly_ > 0)
         summary.errors.push_back(std::to_string(partly_) +
                                  " features stand in tiles, but not all of their parts");
-}
-
-geos::Bounds BoundsOfFeatures(gdal::VectorLayer& layer) {
-    geos::Bounds bounds;
-    layer.Rewind();
-    try {
-        for (auto feature = layer.Next(); feature && !Interrupted(); feature = layer.Next()) {
-            for (const auto& wkb : gdal::PartsOf(feature->GetGeometryRef()).wkb) {
-                try {
-                    bounds.Include(geos::Geometry::FromWkb(wkb)->Extent());
-                } catch (const RuntimeError&) {
-                    continue;  // it will be skipped with its reason
-                }
-            }
-        }
-    } catch (const RuntimeError&) {
-        return bounds;  // the source breaks off: so will the reading of its features
-    }
-    return bounds;
 }
 
 }  // namespace orvo::host

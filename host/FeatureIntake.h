@@ -26,18 +26,19 @@ class FeatureIntake {
     FeatureIntake(gdal::VectorLayer& layer, VectorGrid& grid, bool strict, const AddedFields& added,
                   Targets targets);
 
-    /// Reads all features, or as many as there are until the source breaks off or the user interrupts. False
-    /// where one reaches out of the grid: then the grid must take it in, and everything begin anew.
+    /// Reads all features, or as many as there are until the source breaks off or the user interrupts. Where
+    /// one reaches out of the grid, because the source states too small an extent, the tiles along the border
+    /// take it in.
     /// @param tick called after each feature
-    bool Read(const std::function<void(std::int64_t features)>& tick);
+    void Read(const std::function<void(std::int64_t features)>& tick);
     /// Hears a failure that was shown while a feature was placed.
     void Hear(const std::string& failure) { failure_ = failure; }
     /// Adds what has been counted.
     void Report(VectorSummary& summary) const;
 
   private:
-    bool Place(const OGRFeature& feature);
-    bool CutParts(const std::vector<std::vector<unsigned char>>& parts);
+    void Place(const OGRFeature& feature);
+    void CutParts(const std::vector<std::vector<unsigned char>>& parts);
     void Settle(const OGRFeature& feature);
     void Skip(const OGRFeature& feature, const std::string& reason, const geos::Geometry* geometry);
 
@@ -53,12 +54,10 @@ class FeatureIntake {
     std::string failure_, reason_;
     std::shared_ptr<geos::Geometry> last_;
 
-    std::int64_t in_ = 0, placed_ = 0, lost_ = 0, linearised_ = 0, surfaces_ = 0, measured_ = 0, partly_ = 0;
+    std::int64_t in_ = 0, placed_ = 0, lost_ = 0, linearised_ = 0, surfaces_ = 0, measured_ = 0, partly_ = 0,
+                 reachedOut_ = 0;
     std::map<std::string, std::int64_t> skipped_;
     std::string brokenOff_;
 };
-
-/// The bounds of all features, as they will be cut; one pass over the layer.
-geos::Bounds BoundsOfFeatures(gdal::VectorLayer& layer);
 
 }  // namespace orvo::host

@@ -21,6 +21,7 @@ class GeoJsonWriter final : public PieceWriter {
           system_(std::move(system)) {}
 
     std::string Extension() const override { return "geojson"; }
+    bool WritesSideFiles() const override { return false; }
 
     void Begin(const OGRFeature& feature) override {
         head_ = ",\n{\"type\":\"Feature\",\"properties\":{" + gdal::JsonMembers(feature);
@@ -59,6 +60,7 @@ class LibraryWriter final : public PieceWriter {
     }
 
     std::string Extension() const override { return schema_.format.extension; }
+    bool WritesSideFiles() const override { return true; }
 
     void Begin(const OGRFeature& feature) override {
         attributes_ = gdal::WriteAttributes(feature);

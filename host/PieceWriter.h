@@ -16,6 +16,8 @@ class PieceWriter {
     virtual ~PieceWriter() = default;
     /// Of the tile files, without dot.
     virtual std::string Extension() const = 0;
+    /// Whether other files may come with a tile's.
+    virtual bool WritesSideFiles() const = 0;
     /// The pieces that follow are this feature's.
     virtual void Begin(const OGRFeature& feature) = 0;
     /// A piece of the current feature as a record; valid until the next call.

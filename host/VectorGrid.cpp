@@ -119,14 +119,18 @@ void VectorGrid::SetHeights() {
     for (Long y = 1; y <= plan_.rows; ++y) {
         for (Long x = 1; x <= plan_.columns; ++x) {
             const auto tile = TileAt(x, y);
-            const geos::Bounds bounds = BoundsOf(x, y);
             tile->Height(tile->Depth());
-            tile->XMin(bounds.xMin);
-            tile->YMin(bounds.yMin);
-            tile->XMax(bounds.xMax);
-            tile->YMax(bounds.yMax);
+            SetEdges(*tile, x, y);
         }
     }
+}
+
+void VectorGrid::SetEdges(IEnvelope& tile, Long column, Long row) const {
+    const geos::Bounds bounds = BoundsOf(column, row);
+    tile.XMin(bounds.xMin);
+    tile.YMin(bounds.yMin);
+    tile.XMax(bounds.xMax);
+    tile.YMax(bounds.yMax);
 }
 
 std::shared_ptr<IEnvelope> VectorGrid::TileAt(Long column, Long row) {
@@ -151,7 +155,14 @@ void VectorGrid::ReachOut(const geos::Bounds& bounds) {
     edges_.columns.back().high = std::max(edges_.columns.back().high, bounds.xMax);
     edges_.rows.front().low = std::min(edges_.rows.front().low, bounds.yMin);
     edges_.rows.back().high = std::max(edges_.rows.back().high, bounds.yMax);
-    SetHeights();
+    const auto lastColumn = static_cast<Long>(plan_.columns);
+    const auto lastRow = static_cast<Long>(plan_.rows);
+    for (Long x = 1; x <= lastColumn; ++x) {
+        for (const Long y : {1, lastRow}) SetEdges(*TileAt(x, y), x, y);
+    }
+    for (Long y = 1; y <= lastRow; ++y) {
+        for (const Long x : {1, lastColumn}) SetEdges(*TileAt(x, y), x, y);
+    }
 }
 
 std::size_t IntervalOf(const std::vector<geos::Interval>& intervals, double place) {

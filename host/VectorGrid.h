@@ -59,6 +59,7 @@ class VectorGrid {
     void Configure(const std::shared_ptr<ILayer>& layer);
     void CollectEdges(double east, double north);
     void SetHeights();
+    void SetEdges(IEnvelope& tile, Long column, Long row) const;
 
     GridPlan plan_;
     bool byCounts_ = false;

@@ -17,7 +17,8 @@ void AppendNumbers(std::string& text, std::initializer_list<double> numbers) {
 }  // namespace
 
 std::string VectorPage(const std::string& title, const std::vector<PlacedTile>& tiles,
-                       const geos::Bounds& area, const VectorSketch& sketch) {
+                       const VectorSketch& sketch) {
+    const geos::Bounds& area = sketch.Area();
     std::string data = "{\"title\":" + gdal::JsonText(title) + ",\"area\":[";
     AppendNumbers(data, {area.xMin, area.yMin, area.xMax, area.yMax});
     data += "],\"cell\":";

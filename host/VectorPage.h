@@ -11,6 +11,6 @@ namespace orvo::host {
 
 /// A page that needs nothing but itself and the tiles beside it. @param title the layer's name
 std::string VectorPage(const std::string& title, const std::vector<PlacedTile>& tiles,
-                       const geos::Bounds& area, const VectorSketch& sketch);
+                       const VectorSketch& sketch);
 
 }  // namespace orvo::host

@@ -94,7 +94,10 @@ class VectorRun {
 
     void Cut(const std::string& folder) {
         const WorkFolder work(folder);
-        workPath_ = work.Path();
+        spool_ = std::make_unique<TileSpool>(work.Path(), kSpoolMemory);
+        if (job_.preview) sketch_ = std::make_unique<VectorSketch>(grid_->Whole(), kMostDrawn);
+        intake_ = std::make_unique<FeatureIntake>(*layer_, *grid_, job_.strict, added_,
+                                                  FeatureIntake::Targets{*writer_, *spool_, sketch_.get()});
         const GridPlan& plan = grid_->Plan();
         if (!job_.quiet) {
             std::cerr << "orvo-tile: cutting the layer " << layer_->Name() << " into " << plan.columns
@@ -107,22 +110,9 @@ class VectorRun {
         WriteTiles(work, folder, halves);
     }
 
-    /// Begins anew once where the source states too small an extent: the border tiles then take the rest.
     void ReadFeatures(Halves& halves) {
         const std::int64_t count = layer_->FeatureCount();
-        for (bool again = false;; again = true) {
-            spool_ = std::make_unique<TileSpool>(workPath_, kSpoolMemory);
-            if (job_.preview) sketch_ = std::make_unique<VectorSketch>(grid_->Whole(), kMostDrawn);
-            intake_ =
-                std::make_unique<FeatureIntake>(*layer_, *grid_, job_.strict, added_,
-                                                FeatureIntake::Targets{*writer_, *spool_, sketch_.get()});
-            if (intake_->Read([&](std::int64_t done) { halves.Reach(0, done, count); })) break;
-            if (again) throw RunError("the source has changed while it was read; start again");
-            grid_->ReachOut(BoundsOfFeatures(*layer_));
-            summary_.notices.emplace_back(
-                "features reach out of the extent that the source states for its layer; the tiles along the "
-                "border take them in");
-        }
+        intake_->Read([&](std::int64_t done) { halves.Reach(0, done, count); });
         intake_->Report(summary_);
     }
 
@@ -147,7 +137,7 @@ class VectorRun {
         try {
             writer_->Write(work.Path() + "/" + name, id,
                            [&](const auto& take) { spool_->Read(number, take); });
-            for (std::string& companion : work.Publish(name, folder))
+            for (std::string& companion : work.Publish(name, folder, writer_->WritesSideFiles()))
                 companions_.push_back(std::move(companion));
         } catch (const std::exception& error) {
             work.Clear();
@@ -197,7 +187,7 @@ class VectorRun {
 
     void AddPage() {
         if (!sketch_ || tiles_.empty()) return;
-        drafts_->Add("index", ".html", VectorPage(layer_->Name(), tiles_, grid_->Whole(), *sketch_));
+        drafts_->Add("index", ".html", VectorPage(layer_->Name(), tiles_, *sketch_));
     }
 
     int Finish(const std::string& folder) {
@@ -218,7 +208,6 @@ class VectorRun {
     std::shared_ptr<console::Desktop> desktop_;
     std::shared_ptr<gdal::VectorLayer> layer_;
     std::unique_ptr<VectorGrid> grid_;
-    std::string workPath_;
     AddedFields added_;
     std::string system_;
     std::unique_ptr<PieceWriter> writer_;

@@ -19,6 +19,7 @@ class VectorSketch {
 
     void Add(const geos::Shape& shape);
 
+    const geos::Bounds& Area() const { return area_; }
     /// Side of a raster cell in map units.
     double CellSize() const;
     /// Shapes that had no room any more.

@@ -22,10 +22,12 @@ WorkFolder::~WorkFolder() {
     fs::remove_all(path_, ignored);
 }
 
-std::vector<std::string> WorkFolder::Publish(const std::string& name, const std::string& folder) const {
+std::vector<std::string> WorkFolder::Publish(const std::string& name, const std::string& folder,
+                                             bool others) const {
     std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(path_)) {
-        std::string other = entry.path().filename().string();
+    for (auto entry = others ? fs::directory_iterator(path_) : fs::directory_iterator();
+         entry != fs::end(entry); ++entry) {
+        std::string other = entry->path().filename().string();
         if (other != name) names.push_back(std::move(other));
     }
     names.push_back(name);

@@ -18,7 +18,8 @@ class WorkFolder {
     const std::string& Path() const { return path_; }
     /// Moves all files to a folder on the same file system, the named one last. Fails with RunError where one
     /// of them is there already, and then moves none. @return the others' names
-    std::vector<std::string> Publish(const std::string& name, const std::string& folder) const;
+    /// @param others false where there are none
+    std::vector<std::string> Publish(const std::string& name, const std::string& folder, bool others) const;
     /// Removes what is in it.
     void Clear() const;
     /// A text in which this folder's path does not show.
