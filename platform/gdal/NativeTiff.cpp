@@ -29,10 +29,17 @@ GDALDataType CommonType(GDALDataset& source) {
     return type;
 }
 
+/// Three bands or more are colours, as in a tile, also where the source does not say so: most programs would
+/// take an unmarked second band for transparency.
 bool IsRgb(GDALDataset& source) {
-    return source.GetRasterCount() >= 3 && source.GetRasterBand(1)->GetColorInterpretation() == GCI_RedBand &&
-           source.GetRasterBand(2)->GetColorInterpretation() == GCI_GreenBand &&
-           source.GetRasterBand(3)->GetColorInterpretation() == GCI_BlueBand;
+    constexpr std::array kColours = {GCI_RedBand, GCI_GreenBand, GCI_BlueBand};
+    if (source.GetRasterCount() < 3) return false;
+    for (int i = 0; i < 3; ++i) {
+        const GDALColorInterp said = source.GetRasterBand(i + 1)->GetColorInterpretation();
+        const bool unmarked = said == GCI_Undefined || said == GCI_GrayIndex;
+        if (!unmarked && said != kColours[static_cast<std::size_t>(i)]) return false;
+    }
+    return true;
 }
 
 CPLStringList Options(GDALDataset& source) {
