@@ -47,12 +47,22 @@ bool IsTileName(std::string_view name) {
            AllOf(name.substr(dot + 1), IsPlain);
 }
 
+/// A vector tile or a file that goes with it: any beginning, "grp", a number, an extension.
+bool IsVectorTileName(std::string_view name) {
+    const auto dot = name.rfind('.');
+    const auto mark = name.rfind("grp", dot);
+    if (dot == std::string_view::npos || mark == std::string_view::npos || name.front() == '.') return false;
+    return name.find_first_of("/\\") == std::string_view::npos &&
+           AllOf(name.substr(mark + 3, dot - mark - 3), IsDigit) && AllOf(name.substr(dot + 1), IsPlain);
+}
+
 bool IsIndexName(std::string_view name) {
     return IsNumbered(name, "tiles", ".geojson");
 }
 
 bool IsOurName(std::string_view name) {
-    return IsTileName(name) || IsNumbered(name, "mosaic", ".vrt") || IsNumbered(name, "index", ".html");
+    return IsTileName(name) || IsVectorTileName(name) || IsNumbered(name, "skipped", ".geojson") ||
+           IsNumbered(name, "mosaic", ".vrt") || IsNumbered(name, "index", ".html");
 }
 
 Json Ring(const Rectangle& r) {
