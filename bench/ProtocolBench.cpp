@@ -11,7 +11,8 @@ namespace orvo {
 namespace {
 
 constexpr ProcedureText kText{
-    "[clsTileImage] Private Sub CreateMessageText(ByVal strText As String, Optional ByVal lngMaxValue As Long = "
+    "[clsTileImage] Private Sub CreateMessageText(ByVal strText As String, Optional ByVal lngMaxValue As "
+    "Long = "
     "-1, Optional ByVal blnStep As Boolean = False)",
     "clsTileImage", "CreateMessageText"};
 

@@ -33,8 +33,8 @@ class IClone {
     virtual std::shared_ptr<IGeometry> Clone() const = 0;
 };
 
-/// How a geometry lies to an envelope, by Simple Features (DE-9IM). An envelope without area counts as a line or
-/// a point; an empty reference fails with number 91.
+/// How a geometry lies to an envelope, by Simple Features (DE-9IM). An envelope without area counts as a line
+/// or a point; an empty reference fails with number 91.
 class IRelationalOperator {
   public:
     virtual ~IRelationalOperator() = default;

@@ -24,8 +24,8 @@ int main(int argc, char** argv) {
         const auto tiles = tiler.TileObjectDict();
         for (const auto& name : tiles->Keys()) {
             const auto extent = tiles->Item(name);
-            std::cout << name << ": " << extent->XMin() << ' ' << extent->YMin() << ' ' << extent->XMax() << ' '
-                      << extent->YMax() << '\n';
+            std::cout << name << ": " << extent->XMin() << ' ' << extent->YMin() << ' ' << extent->XMax()
+                      << ' ' << extent->YMax() << '\n';
         }
         return walked ? 0 : 1;
     } catch (const std::exception& error) {
