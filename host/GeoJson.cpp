@@ -77,7 +77,7 @@ class Output {
 
   private:
     struct Closer {
-        void operator()(std::FILE* file) const { std::fclose(file); }
+        void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
     };
     [[noreturn]] void Fail() const {
         throw RunError("cannot write \"" + path_ + "\": " + std::strerror(errno));

@@ -113,7 +113,7 @@ class LibraryWriter final : public PieceWriter {
     }
 
     static void AddFirst(std::string_view& chunk, gdal::TileDataset& dataset) {
-        Head head;
+        Head head{};
         std::memcpy(&head, chunk.data(), sizeof head);
         const auto attributes = chunk.substr(sizeof head, head.attributes);
         const auto wkb = chunk.substr(sizeof head + head.attributes, head.wkb);

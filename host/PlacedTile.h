@@ -23,7 +23,7 @@ struct PlacedTile {
     Rectangle placement;  ///< what the pixels show, edge to edge; may differ from the envelope by rounding
     Long width = 0;       ///< pixels
     Long height = 0;
-    std::string id = "";  ///< the tile's name in the index; empty for none
+    std::string id{};  ///< the tile's name in the index; empty for none
 };
 
 }  // namespace orvo::host

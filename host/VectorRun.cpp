@@ -30,7 +30,8 @@ class Halves {
   public:
     explicit Halves(ProgressDisplay& display) : display_(display) { display_.Start(100); }
     void Reach(int half, std::int64_t done, std::int64_t of) {
-        const std::int64_t target = 50 * half + (of > 0 ? std::min<std::int64_t>(50 * done / of, 50) : 0);
+        const std::int64_t target =
+            std::int64_t{50} * half + (of > 0 ? std::min<std::int64_t>(50 * done / of, 50) : 0);
         for (; shown_ < target; ++shown_) display_.Cell();
     }
     ~Halves() { display_.End(); }
