@@ -11,6 +11,7 @@ namespace orvo::host {
 namespace {
 
 const char* const kCoveredOnly = "it covers whole tiles only, which --strict leaves out";
+const char* const kUnreadable = "its geometry cannot be read";
 const char* const kNothing = "clipping gave nothing";
 
 }  // namespace
@@ -44,8 +45,10 @@ void FeatureIntake::Read(const std::function<void(std::int64_t features)>& tick)
 void FeatureIntake::Place(const OGRFeature& feature) {
     const gdal::FeatureParts parts = gdal::PartsOf(feature.GetGeometryRef());
     if (parts.wkb.empty()) {
-        Skip(feature, parts.reason, nullptr);
-        lost_ += parts.holdsNothing ? 0 : 1;
+        const bool damaged = !layer_.Complaint().empty();
+        if (damaged && complaint_.empty()) complaint_ = layer_.Complaint();
+        Skip(feature, damaged ? kUnreadable : parts.reason, nullptr);
+        lost_ += parts.holdsNothing && !damaged ? 0 : 1;
         return;
     }
     linearised_ += parts.linearised ? 1 : 0;
@@ -131,6 +134,7 @@ void FeatureIntake::Report(VectorSummary& summary) const {
             std::to_string(cutter_.CoveredLeftOut()) +
             " times an area got nothing for a tile that it covers, as --strict asks for");
     }
+    if (!complaint_.empty()) summary.errors.push_back("the source is damaged: " + complaint_);
     if (!brokenOff_.empty()) summary.errors.push_back(brokenOff_);
     if (partly_ > 0)
         summary.errors.push_back(std::to_string(partly_) +

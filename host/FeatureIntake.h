@@ -57,6 +57,7 @@ class FeatureIntake {
     std::int64_t in_ = 0, placed_ = 0, lost_ = 0, linearised_ = 0, surfaces_ = 0, measured_ = 0, partly_ = 0,
                  reachedOut_ = 0;
     std::map<std::string, std::int64_t> skipped_;
+    std::string complaint_;  ///< the source's first one about a geometry
     std::string brokenOff_;
 };
 

@@ -104,10 +104,9 @@ std::shared_ptr<IEnvelope> VectorLayer::AreaOfInterest() {
 std::unique_ptr<OGRFeature> VectorLayer::Next() {
     const Complaints complaints;
     std::unique_ptr<OGRFeature> feature(layer_->GetNextFeature());
-    if (!feature && complaints.Failed()) {
-        throw RuntimeError(static_cast<Long>(Fault::DeviceIOError),
-                           source_ + " breaks off: " + complaints.Reason(""));
-    }
+    complaint_ = complaints.Reason("");
+    if (!feature && complaints.Failed())
+        throw RuntimeError(static_cast<Long>(Fault::DeviceIOError), source_ + " breaks off: " + complaint_);
     return feature;
 }
 

@@ -28,6 +28,9 @@ class VectorLayer final : public ILayer {
 
     /// The next feature; null at the end. Fails with number 57 where the source breaks off.
     std::unique_ptr<OGRFeature> Next();
+    /// What the source complained about while it gave the last feature; empty for nothing. Such a feature may
+    /// lack its geometry.
+    const std::string& Complaint() const { return complaint_; }
     /// Back to the first feature.
     void Rewind();
     /// How many features there are; −1 where counting would cost a pass.
@@ -47,6 +50,7 @@ class VectorLayer final : public ILayer {
     std::unique_ptr<GDALDataset> dataset_;
     OGRLayer* layer_;  ///< of the dataset
     std::shared_ptr<IEnvelope> extent_;
+    std::string complaint_;
 };
 
 /// @param layer its name; empty for the only one
