@@ -64,7 +64,7 @@ class Reader {
 
     template <class Value>
     Value Take() {
-        Value value;
+        Value value{};
         std::memcpy(&value, Take(sizeof value).data(), sizeof value);
         return value;
     }
