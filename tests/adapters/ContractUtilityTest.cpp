@@ -15,7 +15,6 @@
 namespace orvo {
 namespace {
 
-using testing::EndsWith;
 using testing::StartsWith;
 
 struct Utility {

@@ -38,7 +38,7 @@ class TempFolder {
     }
     /// An executable shell script; `"$1"` and so on are its arguments.
     std::string PutScript(const std::string& name, const std::string& commands) const {
-        const std::string file = Put(name, "#!/bin/sh\n" + commands + "\n");
+        std::string file = Put(name, "#!/bin/sh\n" + commands + "\n");
         std::filesystem::permissions(file, std::filesystem::perms::all);
         return file;
     }

@@ -41,7 +41,7 @@ class TinyRasters : public IRasterIO {
                                    Long width, Long height, std::string& reason) override {
         if (targetFile.find("broken") != std::string::npos) reason = "the layer cannot be read";
         if (!reason.empty()) return {};
-        const std::string path = std::filesystem::path(targetFile).replace_extension(".tif").string();
+        std::string path = std::filesystem::path(targetFile).replace_extension(".tif").string();
         std::ofstream(SystemPath(path), std::ios::binary) << TinyTiff(width, height);
         return path;
     }
