@@ -79,7 +79,13 @@ void FeatureIntake::CutParts(const std::vector<std::vector<unsigned char>>& part
             grid_.ReachOut(geometry->Extent());
             ++reachedOut_;
         }
-        const std::size_t pieces = cutter_.Cut(geometry);
+        std::size_t pieces = 0;
+        try {
+            pieces = cutter_.Cut(geometry);
+        } catch (const RuntimeError& error) {
+            pieces = cutter_.Placed();
+            failure_ = error.Description();
+        }
         pieces_ += pieces;
         if (pieces == 0) reason_ = kNothing;
         if (to_.sketch != nullptr) to_.sketch->Add(geometry->Coordinates());

@@ -24,9 +24,11 @@ class GeometryCutter {
     /// Gives the sink the pieces of the geometry, tile by tile. A single point goes to the tile that the grid
     /// locates it in; an area that covers a tile gives its rectangle; a stretch of a line that lies on a
     /// tile's edge, and that no tile beside it holds, goes to the tile north-east of it. All else is as
-    /// `Clip` gives it. @return the number of pieces
+    /// `Clip` gives it. Fails as the geometry does. @return the number of pieces
     std::size_t Cut(const std::shared_ptr<geos::Geometry>& geometry);
 
+    /// Pieces of the last geometry that the sink has got; also after a failure.
+    std::size_t Placed() const { return placed_.size(); }
     /// Tiles that got nothing from an area that covers them, so far.
     std::int64_t CoveredLeftOut() const { return coveredLeftOut_; }
 

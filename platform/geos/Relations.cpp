@@ -124,7 +124,8 @@ bool Overlaps(const Shape& shape, const Bounds& rectangle, const Shape& whole) {
 bool Covers(const Shape& shape, const Bounds& rectangle) {
     if (shape.type != GeometryType::Polygon || IsApart(shape, rectangle) || !rectangle.HasArea())
         return false;
-    if (EntersInside(shape, rectangle) != Finding::No) return false;
+    // A border in doubt runs through a corner but for rounding, and takes nothing away.
+    if (EntersInside(shape, rectangle) == Finding::Yes) return false;
     return HoldsEvenOdd(shape,
                         {(rectangle.xMin + rectangle.xMax) / 2, (rectangle.yMin + rectangle.yMax) / 2});
 }
