@@ -98,7 +98,7 @@ void clsTileVector::TileCountX(Long CountX) {
     });
 }
 
-Long clsTileVector::TileCountX() {
+Long clsTileVector::TileCountX() const {
     return Procedure<Long>(kTileCountXGet).Run([&](Statements& run, Long& result) {
         run([&] { result = tileCountX_; });
     });
@@ -114,7 +114,7 @@ void clsTileVector::TileCountY(Long CountY) {
     });
 }
 
-Long clsTileVector::TileCountY() {
+Long clsTileVector::TileCountY() const {
     return Procedure<Long>(kTileCountYGet).Run([&](Statements& run, Long& result) {
         run([&] { result = tileCountY_; });
     });

@@ -57,11 +57,11 @@ class clsTileVector {
     /// Sets the number of columns and, where there is an extent, the tile width that gives it: the quotient
     /// plus 0.5, rounded half to even, so that an odd whole quotient gains 1.
     void TileCountX(Long CountX);
-    Long TileCountX();
+    Long TileCountX() const;
     /// Sets the number of rows. Where there is an extent, the row height goes into the tile **width**; the
     /// tile height stays. A host that configures by counts sets TileHeight, and TileWidth again, itself.
     void TileCountY(Long CountY);
-    Long TileCountY();
+    Long TileCountY() const;
     /// Tile width in whole map units, −1 for the extent's whole width. Without an extent nothing is stored.
     /// Derives the number of columns as long as that is 1 or less; a count of 2 or more is kept.
     void TileWidth(Long Width);
