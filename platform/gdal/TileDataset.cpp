@@ -32,15 +32,14 @@ bool Writes(GDALDriver& driver) {
            !ExtensionOf(driver).empty();
 }
 
-VectorFormat Describe(GDALDriver& driver) {
-    const std::string name = driver.GetDescription();
-    return {name, ExtensionOf(driver), name != "ESRI Shapefile"};
-}
-
-bool Takes(GDALDriver& driver, const std::string& text) {
-    if (EQUAL(driver.GetDescription(), text.c_str())) return true;
+/// The extension that a name or an extension stands for; empty where it is none of the driver's.
+std::string ExtensionFor(GDALDriver& driver, const std::string& text) {
+    if (EQUAL(driver.GetDescription(), text.c_str())) return ExtensionOf(driver);
     const CPLStringList extensions(CSLTokenizeString(Metadata(driver, GDAL_DMD_EXTENSIONS).c_str()));
-    return extensions.FindString(text.c_str()) >= 0;
+    const int found = extensions.FindString(text.c_str());
+    if (found < 0) return "";
+    // A table alone holds no geometries: its driver writes all files of the shapefile.
+    return EQUAL(extensions[found], "dbf") ? ExtensionOf(driver) : extensions[found];
 }
 
 OGRwkbGeometryType TypeOf(const TileSchema& schema) {
@@ -53,10 +52,16 @@ OGRwkbGeometryType TypeOf(const TileSchema& schema) {
     return schema.heights ? OGR_GT_SetZ(type) : type;
 }
 
-CPLStringList LayerOptions(const VectorFormat& format) {
+CPLStringList LayerOptions(const TileSchema& schema) {
+    const std::string& format = schema.format.name;
     CPLStringList options;
-    if (format.name == "CSV") options.SetNameValue("GEOMETRY", "AS_WKT");
-    if (format.name == "ESRI Shapefile") options.SetNameValue("ENCODING", "UTF-8");
+    if (format == "CSV") options.SetNameValue("GEOMETRY", "AS_WKT");
+    if (format == "ESRI Shapefile") options.SetNameValue("ENCODING", "UTF-8");
+    // Its coordinates are whole steps of these bounds; those of the whole world take 1 cm or more each.
+    if (format == "MapInfo File") {
+        const auto& [xMin, yMin, xMax, yMax] = schema.area;
+        options.SetNameValue("BOUNDS", CPLSPrintf("%.17g,%.17g,%.17g,%.17g", xMin, yMin, xMax, yMax));
+    }
     return options;
 }
 
@@ -97,8 +102,10 @@ VectorFormat FindVectorFormat(const std::string& text) {
     for (int i = 0; i < manager.GetDriverCount(); ++i) {
         GDALDriver& driver = *manager.GetDriver(i);
         if (!Writes(driver)) continue;
-        if (Takes(driver, text)) return Describe(driver);
-        names += (names.empty() ? "" : ", ") + std::string(driver.GetDescription());
+        const std::string name = driver.GetDescription();
+        const std::string extension = ExtensionFor(driver, text);
+        if (!extension.empty()) return {name, extension, name != "ESRI Shapefile"};
+        names += (names.empty() ? "" : ", ") + name;
     }
     Fail("\"" + text + "\" is no vector format that can be written; choose one of " + names);
 }
@@ -111,14 +118,13 @@ TileDataset::TileDataset(const std::string& path, const std::string& name, const
     GDALDriver& driver = *GetGDALDriverManager()->GetDriverByName(schema.format.name.c_str());
     dataset_.reset(driver.Create(path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
     if (!dataset_) Fail(path + " cannot be created: " + complaints.Reason("no reason was given"));
-    CPLStringList options = LayerOptions(schema.format);
-    layer_ = dataset_->CreateLayer(name.c_str(), const_cast<OGRSpatialReference*>(schema.system),
-                                   TypeOf(schema), options.List());
+    CPLStringList options = LayerOptions(schema);
+    layer_ = dataset_->CreateLayer(name.c_str(), schema.system, TypeOf(schema), options.List());
     if (layer_ == nullptr) Fail(path + " cannot be created: " + complaints.Reason("no reason was given"));
     if (layer_->GetGeomType() == wkbNone)
         Fail(schema.format.name + " holds no geometries; choose another --format");
     CreateFields();
-    source_ = std::make_unique<OGRFeature>(const_cast<OGRFeatureDefn*>(schema.fields));
+    source_ = std::make_unique<OGRFeature>(schema.fields);
     if (dataset_->TestCapability(ODsCTransactions) != 0) dataset_->StartTransaction();
 }
 

@@ -1,6 +1,7 @@
 // One tile's features as a file in any vector format that the library can create.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -30,10 +31,11 @@ VectorFormat FindVectorFormat(const std::string& text);
 /// What all tiles of a run have in common.
 struct TileSchema {
     VectorFormat format;
-    const OGRFeatureDefn* fields = nullptr;  ///< the source's
-    const OGRSpatialReference* system = nullptr;
+    OGRFeatureDefn* fields = nullptr;                   ///< the source's, shared by its count of references
+    OGRSpatialReference* system = nullptr;              ///< likewise
     bool points = false, lines = false, areas = false;  ///< the kinds that occur
     bool multi = false, heights = false;                ///< some geometry is made of parts, has heights
+    std::array<double, 4> area{};                       ///< where all tiles lie: xMin, yMin, xMax, yMax
     std::string idField;                                ///< gets the source's feature id
     std::string tileField;                              ///< gets the tile's name
 };

@@ -122,7 +122,7 @@ OGRFeatureDefn& VectorLayer::Definition() const {
     return *layer_->GetLayerDefn();
 }
 
-const OGRSpatialReference* VectorLayer::SpatialReference() const {
+OGRSpatialReference* VectorLayer::SpatialReference() const {
     return layer_->GetSpatialRef();
 }
 

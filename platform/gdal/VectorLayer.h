@@ -39,7 +39,7 @@ class VectorLayer final : public ILayer {
     const std::string& Name() const { return name_; }
     OGRFeatureDefn& Definition() const;
     /// Null where it is not known.
-    const OGRSpatialReference* SpatialReference() const;
+    OGRSpatialReference* SpatialReference() const;
 
   private:
     friend std::shared_ptr<VectorLayer> OpenVectorLayer(const std::string& source, const std::string& layer);
