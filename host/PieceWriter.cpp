@@ -110,6 +110,9 @@ class LibraryWriter final : public PieceWriter {
         schema_.multi = schema_.multi || shape.isMulti || shape.type == GeometryType::Multipoint ||
                         (!single && parts > 1);
         schema_.heights = schema_.heights || shape.hasZ;
+        area_.Include(shape.Extent());
+        const geos::Bounds around = area_.GrownBy(1, 1);  // also where there is only one point
+        schema_.area = {around.xMin, around.yMin, around.xMax, around.yMax};
     }
 
     static void AddFirst(std::string_view& chunk, gdal::TileDataset& dataset) {
@@ -122,6 +125,7 @@ class LibraryWriter final : public PieceWriter {
     }
 
     gdal::TileSchema schema_;
+    geos::Bounds area_;  ///< of all pieces
     std::int64_t id_ = 0;
     std::string attributes_;
     std::string record_;

@@ -1,0 +1,392 @@
+"""Runs of orvo-tile vector and locate: what stands in the tiles, what was skipped, and what is said."""
+
+import json
+import os
+import random
+import re
+import resource
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+from osgeo import gdal, ogr, osr
+
+gdal.UseExceptions()
+ogr.UseExceptions()
+ORVO_TILE = os.environ["ORVO_TILE"]
+
+
+def system(code=25832):
+    found = osr.SpatialReference()
+    found.ImportFromEPSG(code)
+    found.SetAxisMappingStrategy(osr.OAMS_TRADITIONAL_GIS_ORDER)
+    return found
+
+
+def write_layer(path, shapes, driver="GPKG", kind=ogr.wkbUnknown, name="shapes", srs=True):
+    """Features of WKT texts (None for no geometry) with a number, a text, a date and a list of their own."""
+    dataset = ogr.GetDriverByName(driver).CreateDataSource(path)
+    layer = dataset.CreateLayer(name, system() if srs else None, kind)
+    for field, field_type in (("number", ogr.OFTReal), ("text", ogr.OFTString), ("day", ogr.OFTDate)):
+        layer.CreateField(ogr.FieldDefn(field, field_type))
+    transaction = dataset.TestCapability(ogr.ODsCTransactions)
+    if transaction:
+        dataset.StartTransaction()
+    for i, shape in enumerate(shapes):
+        feature = ogr.Feature(layer.GetLayerDefn())
+        if i % 5 != 4:
+            feature["number"] = i / 3
+        feature["text"] = f'ä "{i}"\\\n'
+        feature["day"] = "2024/02/29"
+        if shape is not None:
+            feature.SetGeometry(ogr.CreateGeometryFromWkt(shape))
+        layer.CreateFeature(feature)
+    if transaction:
+        dataset.CommitTransaction()
+    return path
+
+
+def square(x, y, size=1.0, height=None):
+    z = "" if height is None else f" {height}"
+    corners = [(x, y), (x + size, y), (x + size, y + size), (x, y + size), (x, y)]
+    return f"POLYGON{' Z' if z else ''} ((" + ",".join(f"{a} {b}{z}" for a, b in corners) + "))"
+
+
+def blobs(seed, count, size=9):
+    rng = random.Random(seed)
+    return [ogr.CreateGeometryFromWkt(f"POINT ({rng.uniform(10, 90)} {rng.uniform(10, 90)})")
+            .Buffer(rng.uniform(0.5, size), 3).ExportToWkt() for _ in range(count)]
+
+
+class HostTest(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        self.folder = os.path.realpath(tempfile.mkdtemp(prefix="orvo vector "))
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+
+    def path(self, *names):
+        return os.path.join(self.folder, *names)
+
+    def run_tile(self, *arguments, **options):
+        return subprocess.run([ORVO_TILE, *map(str, arguments)], capture_output=True, text=True, timeout=100,
+                              cwd=self.folder, env={**os.environ, "LC_ALL": "C.UTF-8"}, stdin=subprocess.DEVNULL,
+                              **options)
+
+    def cut(self, source, out, *arguments, exit_code=0, **options):
+        done = self.run_tile("vector", source, out, *arguments, **options)
+        self.assertEqual(done.returncode, exit_code, done.stderr)
+        summary = json.loads(done.stdout)
+        self.check(summary)
+        summary["stderr"] = done.stderr
+        return summary
+
+    def check(self, summary):
+        """The numbers add up, and the index names exactly the tiles on the disk."""
+        features, tiles = summary["features"], summary["tiles"]
+        self.assertEqual(features["in"], features["placed"] + features["skipped"])
+        self.assertEqual(features["skipped"], sum(reason["features"] for reason in summary["skipped"]))
+        self.assertEqual(tiles["total"],
+                         tiles["written"] + tiles["failed"] + tiles["empty"] + tiles["not_reached"])
+        names = [name for name in os.listdir(summary["outdir"])] if os.path.isdir(summary["outdir"]) else []
+        self.assertEqual([name for name in names if name.startswith(".")], [])
+        indexed = self.index_of(summary)
+        self.assertEqual(len(indexed), tiles["written"])
+        extensions = {name.rsplit(".", 1)[1] for name in indexed}
+        self.assertEqual({name for name in names if "grp" in name and name.rsplit(".", 1)[1] in extensions},
+                         set(indexed))
+        self.assertEqual(sum(len(features) for features in self.tiles_of(summary).values()), summary["pieces"])
+
+    def index_of(self, summary):
+        """location → properties and envelope."""
+        if not summary["index"]:
+            return {}
+        dataset = ogr.Open(summary["index"])
+        return {f["location"]: (f["column"], f["row"], f["tile"], f.GetGeometryRef().GetEnvelope())
+                for f in dataset.GetLayer()}
+
+    def tiles_of(self, summary):
+        """tile's name → its features: source_fid, tile, geometry, attributes."""
+        tiles = {}
+        for location, (_, _, tile, _) in self.index_of(summary).items():
+            dataset = ogr.Open(os.path.join(summary["outdir"], location))
+            tiles[tile] = [(int(f["source_fid"]), f["tile"], f.GetGeometryRef().Clone(), f.items())
+                           for f in dataset.GetLayer()]
+        return tiles
+
+    def skipped_of(self, summary):
+        """source_fid → reason."""
+        if not summary["skipped_file"]:
+            return {}
+        dataset = ogr.Open(summary["skipped_file"])
+        return {f["source_fid"]: f["reason"] for f in dataset.GetLayer()}
+
+
+class TilesTest(HostTest):
+    def test_formats_hold_everything(self):
+        seed = random.randrange(10**6)
+        print("seed", seed)
+        shapes = blobs(seed, 60, 25)
+        areas = {i + 1: ogr.CreateGeometryFromWkt(shape).GetArea() for i, shape in enumerate(shapes)}
+        source = write_layer(self.path("map.gpkg"), shapes, kind=ogr.wkbPolygon)
+        for number, name in enumerate(("GeoJSON", "gpkg", "ESRI Shapefile", "FlatGeobuf", "MapInfo File")):
+            with self.subTest(format=name, seed=seed):
+                summary = self.cut(source, f"out{number}", "--tile-width", 13, "--tile-height", 7, "--format", name,
+                                   "--id", "é_", "-q", "--preview")
+                self.assertEqual(summary["stderr"], "")
+                found = dict.fromkeys(areas, 0.0)
+                places = {tile: place for _, _, tile, place in self.index_of(summary).values()}
+                for tile, features in self.tiles_of(summary).items():
+                    self.assertTrue(tile.startswith("é_grp"))
+                    west, east, south, north = places[tile]
+                    for fid, own, geometry, items in features:
+                        self.assertEqual(own, tile)
+                        self.assertTrue(geometry.IsValid())
+                        found[fid] += geometry.GetArea()
+                        a, b, c, d = geometry.GetEnvelope()
+                        for low, high in ((west, a), (b, east), (south, c), (d, north)):
+                            self.assertLessEqual(low, high + 1e-6)
+                        i = fid - 1
+                        self.assertEqual(items["text"].strip(), f'ä "{i}"\\')
+                        self.assertEqual(str(items["day"]).replace("-", "/")[:10], "2024/02/29")
+                        if i % 5 != 4:
+                            self.assertAlmostEqual(items["number"], i / 3)
+                for fid, area in areas.items():
+                    self.assertAlmostEqual(found[fid], area, delta=1e-5 * area)
+                tile = ogr.Open(self.path(f"out{number}", next(iter(self.index_of(summary)))))
+                self.assertEqual(tile.GetLayer().GetSpatialRef().GetProjParm("central_meridian"), 9)
+                again = self.cut(source, f"out{number}", "--columns", 1, "--rows", 1, "--overwrite", "-q")
+                self.assertEqual(set(os.listdir(again["outdir"])), {"grp0.geojson", "tiles.geojson"})
+
+    def test_locate_agrees_with_vector(self):
+        rng = random.Random(5)
+        points = [(rng.randrange(0, 31), rng.randrange(0, 21)) for _ in range(80)] + [(0, 0), (30, 20)]
+        source = write_layer(self.path("points.gpkg"), [f"POINT ({x} {y})" for x, y in points], kind=ogr.wkbPoint)
+        size = ["--tile-width", 5, "--tile-height", 4]
+        summary = self.cut(source, "out", *size, "-q")
+        found = {fid: tile for tile, features in self.tiles_of(summary).items() for fid, *_ in features}
+        self.assertEqual(len(found), len(points))
+        places = {tile: place for _, _, tile, place in self.index_of(summary).values()}
+        for fid, (x, y) in list(enumerate(points, 1))[::6] + [(82, (30, 20))]:
+            answer = json.loads(self.run_tile("locate", source, x, y, *size).stdout)
+            self.assertEqual(answer["tile"], found[fid])
+            west, east, south, north = places[found[fid]]
+            # North-east of the edge, but inside the grid.
+            self.assertTrue((west <= x < east or x == east == 30) and (south <= y < north or y == north == 20))
+            self.assertEqual(answer["on_edge"], x % 5 == 0 or y % 4 == 0)
+            self.assertEqual((answer["column"], answer["row"]), (min(x // 5, 5) + 1, min(y // 4, 4) + 1))
+        for x, y in ((-0.001, 5), (5, 20.001), (1e300, 0)):
+            done = self.run_tile("locate", source, x, y, *size)
+            self.assertEqual((done.returncode, done.stdout), (1, ""))
+            self.assertIn("from x 0 to 30 and from y 0 to 20", done.stderr)
+
+    def test_more_tiles_than_open_files(self):
+        source = write_layer(self.path("map.gpkg"), blobs(3, 150, 2), kind=ogr.wkbPolygon)
+        limits = lambda: resource.setrlimit(resource.RLIMIT_NOFILE, (64, 64))
+        for number, name in enumerate(("geojson", "shp")):
+            summary = self.cut(source, f"out{number}", "--columns", 40, "--rows", 40, "--format", name, "-q",
+                               preexec_fn=limits)
+            self.assertGreater(summary["tiles"]["written"], 100)
+            self.assertEqual(summary["features"]["placed"], 150)
+
+
+class TreatmentsTest(HostTest):
+    def test_every_kind_has_its_treatment(self):
+        shapes = [
+            ("POINT (15 5)", {"grp1"}), ("POINT Z (5 5 7)", {"grp0"}),
+            ("POINT (10 10)", {"grp4"}),                                   # a corner: north-east
+            ("POINT (30 30)", {"grp8"}),                                   # the grid's own corner: inside
+            ("LINESTRING (10 2,10 18)", {"grp1", "grp4"}),                 # along an edge: east of it
+            ("LINESTRING (12 30,28 30)", {"grp7", "grp8"}),                # along the north border: inside
+            ("LINESTRING (2 10,8 10,8 15)", {"grp3"}),                     # on an edge, then into one tile
+            ("LINESTRING (10 2,10 8,10 12,12 12)", {"grp1", "grp4"}),      # the stretch that Clip gives nobody
+            (square(0, 0, 30), {f"grp{i}" for i in range(9)}),             # covers the middle tile
+            (square(10, 10, 10), {"grp4"}),                                # equals a tile
+            ("MULTIPOINT ((5 5),(25 25))", {"grp0", "grp8"}),
+            ("GEOMETRYCOLLECTION (POINT (5 5),LINESTRING (1 1,2 2),GEOMETRYCOLLECTION (POINT (25 25)))",
+             {"grp0", "grp8"}),
+            ("CURVEPOLYGON (CIRCULARSTRING (12 15,15 18,18 15,15 12,12 15))", {"grp4"}),
+            ("TIN Z (((1 1 0,2 1 0,1 2 3,1 1 0)),((2 1 0,2 2 3,1 2 3,2 1 0)))", {"grp0"}),
+            ("POLYGON ((12 2,18 8,18 2,12 8,12 2))", {"grp1"}),            # crosses itself, whole in a tile
+            ("POLYGON ((5 22,15 28,15 22,5 28,5 22))", {"grp6", "grp7"}),  # crosses itself, cut: mended
+            ("LINESTRING M (1 1 9,12 1 9)", {"grp0", "grp1"}),
+        ]
+        odd = [(None, "no geometry"), ("POINT EMPTY", "empty"), ("GEOMETRYCOLLECTION EMPTY", "empty"),
+               ("LINESTRING (10 10,10 10)", "nothing")]
+        source = write_layer(self.path("mixed.gpkg"), [s for s, _ in shapes] + [s for s, _ in odd])
+        summary = self.cut(source, "out", "--tile-width", 10, "--tile-height", 10, "-q", exit_code=1)
+        tiles = self.tiles_of(summary)
+        for fid, (shape, expected) in enumerate(shapes, 1):
+            with self.subTest(shape=shape):
+                pieces = [(tile, geometry) for tile, features in tiles.items() for own, _, geometry, _ in features
+                          if own == fid]
+                self.assertEqual({tile for tile, _ in pieces}, expected)
+                whole = ogr.CreateGeometryFromWkt(shape)
+                self.assertEqual({geometry.Is3D() for _, geometry in pieces}, {whole.Is3D()})
+                if shape.startswith("LINE"):
+                    self.assertAlmostEqual(sum(geometry.Length() for _, geometry in pieces), whole.Length())
+                if fid == 9:
+                    self.assertEqual([geometry.GetArea() for _, geometry in pieces], [100.0] * 9)
+        skipped = self.skipped_of(summary)
+        self.assertEqual(sorted(skipped), list(range(len(shapes) + 1, len(shapes) + len(odd) + 1)))
+        for fid, (_, word) in enumerate(odd, len(shapes) + 1):
+            self.assertIn(word, skipped[fid])
+        for word in ("curves", "faces", "measures"):
+            self.assertIn(word, " ".join(summary["notices"]))
+        done = self.run_tile("vector", source, "shp", "--columns", 3, "--rows", 3, "--format", "shp")
+        self.assertEqual((done.returncode, os.path.exists(self.path("shp"))), (1, False))
+        self.assertIn("GPKG", done.stderr)
+
+    def test_strict_leaves_covered_tiles_out_and_says_so(self):
+        source = write_layer(self.path("map.gpkg"), [square(0, 0, 30), square(0, 0, 20)])
+        size = ["--tile-width", 10, "--tile-height", 10, "-q", "--strict"]
+        # Each touches its tiles' edges from inside only: all are covered.
+        summary = self.cut(source, "out", *size)
+        self.assertEqual((summary["features"]["placed"], summary["covered_tiles_left_out"]), (0, 13))
+        self.assertEqual(set(self.skipped_of(summary)), {1, 2})
+        self.assertIn("--strict", self.skipped_of(summary)[1])
+
+    def test_fields_of_our_names_and_no_coordinate_system(self):
+        source = write_layer(self.path("map.shp"), [square(1, 1, 3)], "ESRI Shapefile", ogr.wkbPolygon, srs=False)
+        first = self.cut(source, "one", "--columns", 1, "--rows", 1, "-q")
+        second = self.cut(self.path("one", "grp0.geojson"), "two", "--columns", 2, "--rows", 1, "-q")
+        with open(self.path("two", "grp1.geojson")) as file:
+            properties = json.load(file)["features"][0]["properties"]
+        self.assertEqual((properties["tile"], properties["tile_2"]), ("grp0", "grp1"))
+        self.assertIn("source_fid_2", properties)
+        self.assertIn("tile_2", " ".join(second["notices"]))
+        self.assertIn("coordinate system", " ".join(first["notices"]))
+
+    def test_extent_stated_too_small(self):
+        source = write_layer(self.path("map.gpkg"), [square(0, 0), square(9, 9), square(-5, 4, 30)])
+        dataset = gdal.OpenEx(source, gdal.OF_UPDATE)
+        dataset.ExecuteSQL("UPDATE gpkg_contents SET min_x=0, min_y=0, max_x=10, max_y=10")
+        dataset = None
+        summary = self.cut(source, "out", "--tile-width", 5, "--tile-height", 5, "-q")
+        pieces = [geometry for features in self.tiles_of(summary).values() for fid, _, geometry, _ in features
+                  if fid == 3]
+        self.assertAlmostEqual(sum(piece.GetArea() for piece in pieces), 900)
+        self.assertIn("border", " ".join(summary["notices"]))
+
+
+class UsageTest(HostTest):
+    def test_refused(self):
+        source = write_layer(self.path("map.gpkg"), [square(1, 1, 8)])
+        write_layer(self.path("none.gpkg"), [])
+        write_layer(self.path("null.gpkg"), [None])
+        write_layer(self.path("plain.gpkg"), [None], kind=ogr.wkbNone)
+        write_layer(self.path("far.gpkg"), ["POINT (0 0)", "POINT (9e9 0)"])
+        two = gdal.OpenEx(write_layer(self.path("two.gpkg"), [square(1, 1)], name="first"), gdal.OF_UPDATE)
+        two.CreateLayer("second", system())
+        two = None
+        gdal.GetDriverByName("GTiff").Create(self.path("map.tif"), 5, 5)
+        for name, data in (("text.txt", b"nothing"), ("empty.shp", b"")):
+            with open(self.path(name), "wb") as file:
+                file.write(data)
+        size = ["--tile-width", "5", "--tile-height", "5"]
+        cases = [  # source, arguments, exit code, words of the message
+            (source, [], 2, ["--tile-width", "--columns"]),
+            (source, ["--tile-width", "5"], 2, ["--tile-height"]),
+            (source, ["--columns", "5"], 2, ["--rows"]),
+            (source, [*size, "--columns", "5", "--rows", "5"], 2, ["not both"]),
+            (source, ["--columns", "0", "--rows", "5"], 2, ['"0"', "from 1"]),
+            (source, ["--columns", "-1", "--rows", "5"], 2, ['"-1"']),
+            (source, ["--columns", "99999", "--rows", "99999"], 2, ["99999 x 99999", "larger"]),
+            (source, ["--tile-width", "5.5", "--tile-height", "5"], 2, ["5.5", "whole"]),
+            (source, [*size, "--format", "nonsense"], 2, ["nonsense", "GPKG"]),
+            (source, [*size, "--id", "../x"], 2, ["../x"]),
+            (source, [*size, "--layer", "missing"], 2, ["missing", "shapes"]),
+            ("two.gpkg", size, 2, ["--layer", "first, second"]),
+            ("missing.gpkg", size, 1, ["missing.gpkg", "spelling"]),
+            ("none.gpkg", size, 1, ["none.gpkg", "no features"]),
+            ("null.gpkg", size, 1, ["null.gpkg", "geometry"]),
+            ("plain.gpkg", size, 1, ["plain.gpkg", "no geometries"]),
+            ("far.gpkg", size, 2, ["32 bits"]),
+            ("map.tif", size, 1, ["raster", "orvo-tile raster"]),
+            ("text.txt", size, 1, ["text.txt"]),
+            ("empty.shp", size, 1, ["empty.shp"]),
+        ]
+        before = sorted(os.listdir(self.folder))
+        for name, arguments, code, words in cases:
+            with self.subTest(source=name, arguments=arguments):
+                done = self.run_tile("vector", name, "out", *arguments)
+                self.assertEqual((done.returncode, done.stdout), (code, ""), done.stderr)
+                for word in words:
+                    self.assertIn(word, done.stderr)
+                self.assertEqual(sorted(os.listdir(self.folder)), before)
+
+    def test_nothing_of_others_is_overwritten(self):
+        source = write_layer(self.path("map.gpkg"), [square(1, 1), square(8, 8)])
+        os.mkdir(self.path("out"))
+        with open(self.path("out", "grp0.geojson"), "w") as file:
+            file.write("mine")
+        refused = self.run_tile("vector", source, "out", "--columns", 2, "--rows", 2, "-q")
+        self.assertEqual(refused.returncode, 1)
+        self.assertIn("grp0.geojson", refused.stderr)
+        with open(self.path("out", "grp0.geojson")) as file:
+            self.assertEqual(file.read(), "mine")
+        self.assertEqual([name for _, _, name, _ in self.index_of(json.loads(refused.stdout)).values()], ["grp3"])
+        done = self.run_tile("vector", source, "out", "--columns", 2, "--rows", 2)
+        self.assertEqual(done.returncode, 2)
+        self.assertIn("--overwrite", done.stderr)
+
+    def test_preview_stands_alone(self):
+        source = write_layer(self.path("map.gpkg"), blobs(1, 300), name="a <b> & c")
+        summary = self.cut(source, "out", "--columns", 5, "--rows", 5, "--preview", "-q")
+        with open(summary["preview"]) as file:
+            page = file.read()
+        data = json.loads(re.search(r'<script type="application/json" id="data">(.*?)</script>', page, re.S)[1])
+        self.assertEqual(data["title"], "a <b> & c")
+        self.assertEqual({tile[0] for tile in data["tiles"]}, set(self.index_of(summary)))
+        self.assertEqual(len(data["shapes"]), 300)
+        for network in ("http:", "https:", "//cdn", "@import", "src=\"", "href=\""):
+            self.assertNotIn(network, page)
+
+
+class FaultsTest(HostTest):
+    def test_interrupted(self):
+        source = write_layer(self.path("map.gpkg"), blobs(4, 400, 3), kind=ogr.wkbPolygon)
+        process = subprocess.Popen([ORVO_TILE, "vector", source, "out", "--columns", "40", "--rows", "40", "--format",
+                                    "gpkg", "-q"], cwd=self.folder, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                   text=True)
+        until = time.time() + 60
+        while not any("grp" in name for name in (os.listdir(self.path("out")) if os.path.isdir(self.path("out"))
+                                                 else [])) and time.time() < until:
+            time.sleep(0.005)
+        process.send_signal(signal.SIGINT)
+        out, error = process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 130, error)
+        summary = json.loads(out)
+        self.check(summary)
+        self.assertTrue(summary["interrupted"])
+        self.assertGreater(summary["tiles"]["not_reached"], 0)
+
+    def test_full_disk(self):
+        # A file may grow to 6000 bytes: tiles of few features get through, the big one does not.
+        crowd = [square(1 + i / 1000, 1) for i in range(200)]
+        source = write_layer(self.path("map.gpkg"), crowd + [square(8, 8)], kind=ogr.wkbPolygon)
+        for number, name in enumerate(("geojson", "shp", "fgb")):
+            with self.subTest(format=name):
+                summary = self.cut(source, f"out{number}", "--columns", 2, "--rows", 2, "--format", name, "-q",
+                                   exit_code=1,
+                                   preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (6000, 6000)))
+                self.assertEqual([failure["tile"] for failure in summary["failures"]], ["grp0"])
+                self.assertEqual(summary["tiles"]["written"], 1)
+                self.assertIn("grp0", summary["stderr"])
+                self.assertNotIn("grp0.", " ".join(os.listdir(summary["outdir"])))
+
+    def test_source_that_breaks_off(self):
+        source = write_layer(self.path("map.shp"), blobs(2, 50), "ESRI Shapefile", ogr.wkbPolygon)
+        os.truncate(source, os.path.getsize(source) // 2)
+        summary = self.cut(source, "out", "--columns", 3, "--rows", 3, "-q", exit_code=1)
+        self.assertEqual(summary["features"]["in"], 50)
+        self.assertEqual(set(self.skipped_of(summary).values()), {"its geometry cannot be read"})
+        self.assertIn("damaged", " ".join(summary["errors"]))
+
+
+if __name__ == "__main__":
+    unittest.main(verbosity=0, argv=[sys.argv[0], *sys.argv[1:]])
