@@ -2,47 +2,16 @@
 
 #include <utility>
 
+#include "errorreport/FerrowForm.h"
+#include "errorreport/Report.h"
 #include "errorreport/Version.h"
 #include "platform/Platform.h"
+#include "support/Form.h"
+#include "support/Strings.h"
 #include "support/Text.h"
 
 namespace orvo {
 namespace {
-
-/// The controls with texts of their own, in the dialog's control order.
-enum ControlIndex : std::size_t {
-    kRow0,
-    kRow1,
-    kRow2,
-    kRow3,
-    kCallStack,
-    kContinue,
-    kChoice0,
-    kChoice1,
-    kChoice2
-};
-
-Control Localized(const char* kind, const char* caption, const char* tag) {
-    return {kind, {{"Caption", caption}, {"Tag", tag}, {"ToolTipText", ""}}};
-}
-
-/// Design captions, shown until the dialog is activated for the first time.
-Form DesignedForm() {
-    Form form;
-    form.self = {"Form", {{"Caption", "ACHTUNG ! Ein Fehler ist aufgetreten ..."}, {"Tag", "8012"}}};
-    form.controls = {
-        Localized("Label", "Fehler-Nr:", "8014"),
-        Localized("Label", "Modul:", "8016"),
-        Localized("Label", "Prozedur:", "8017"),
-        Localized("Label", "Zeilen-Nr.:", "8018"),
-        Localized("Frame", "CallStack:", ""),
-        Localized("Frame", "Weiterer Programmablauf...", "8023"),
-        Localized("CommandButton", "Befehl wieder&holen", "8024"),
-        Localized("CommandButton", "Fortsetzen mit &nächsten Befehl", "8025"),
-        Localized("CommandButton", "&Prozedur verlassen", "8026"),
-    };
-    return form;
-}
 
 std::string ProgramInfo() {
     return std::string(kComponentName) + "  V" + std::to_string(kVersionMajor) + "." +
@@ -55,7 +24,23 @@ std::unique_ptr<IErrorDialog> MakeErrorDialog() {
     return std::make_unique<Ferrow>();
 }
 
-Ferrow::Ferrow() : form_(DesignedForm()) {}
+Ferrow::Ferrow() : form_(DesignFerrow()) {}
+
+Integer Ferrow::OnError(const std::string& AktModul, const std::string& AktProc) {
+    const Failure& failure = CurrentFailure();
+    SetCaption("lblError", 0, std::to_string(failure.number) + " (" + failure.description + ")");
+    SetCaption("lblError", 1, AktModul);
+    SetCaption("lblError", 2, AktProc);
+    SetCaption("lblError", 3, std::to_string(failure.line));
+    if (form_.At("lblProgInfo").Caption().empty()) SetCaption("lblProgInfo", -1, ProgramInfo());
+    Desktop().ResetPointer();
+    ArrangeFrames();
+    AppendReportLog();
+    Desktop().Beep();
+    form_.At("lstCallStack").list = callStack_.Entries();
+    ShowModal();
+    return intChoice_;
+}
 
 void Ferrow::CallStack(std::string& a) {
     IClock& clock = Object(platform::Current().clock);
@@ -68,22 +53,8 @@ void Ferrow::CallStack(std::string& a) {
     callStack_.PushFront(a);
 }
 
-Integer Ferrow::OnError(const std::string& AktModul, const std::string& AktProc) {
-    const Failure& failure = CurrentFailure();
-    lblError_[0] = std::to_string(failure.number) + " (" + failure.description + ")";
-    lblError_[1] = AktModul;
-    lblError_[2] = AktProc;
-    lblError_[3] = std::to_string(failure.line);
-    if (lblProgInfo_.empty()) lblProgInfo_ = ProgramInfo();
-    IDesktop& desktop = Object(platform::Current().desktop);
-    desktop.ResetPointer();
-    desktop.Beep();
-    desktop.ShowModal(*this);
-    return intChoice_;
-}
-
 void Ferrow::SetProgInfo(const std::string& Text) {
-    lblProgInfo_ = Text;
+    SetCaption("lblProgInfo", -1, Text);
 }
 
 std::string Ferrow::LPSTRToVBString(const std::string& s) {
@@ -91,30 +62,67 @@ std::string Ferrow::LPSTRToVBString(const std::string& s) {
     return end == std::string::npos ? std::string() : s.substr(0, end);
 }
 
+void Ferrow::ArrangeFrames() {
+    // The contact texts are filled when the window is activated: the first notice still lacks them.
+    strComment_ = Text(8001) + " " + strCompany_ + " " + Text(8002) + strFax_ + Text(8003);
+    Long y = 0;
+    const auto place = [&](const char* name) {
+        Control& frame = form_.At(name);
+        frame.visible = true;
+        frame.box.left = 0;
+        frame.box.top = y;
+        y += frame.box.height;
+    };
+    place("framComment");
+    SetCaption("lblComment", -1, strComment_);
+    place("framFehler");
+    place("framProgInfo");
+    place("framProtocol");
+    for (Integer i = 0; i < 4; ++i) form_.At("cmdProtocol", i).visible = true;
+    place("framCallStack");
+    place("framContinue");
+    for (Integer i = 0; i < 4; ++i) form_.At("cmdContinue", i).visible = i < 3;
+
+    Box& window = form_.self.box;
+    const Long width = form_.At("framFehler").box.width;
+    window.width += width - std::exchange(form_.scaleWidth, width);
+    window.height += y - std::exchange(form_.scaleHeight, y);
+    const Box screen = Desktop().Screen();
+    window.left = (screen.width - window.width) / 2;
+    window.top = (screen.height - window.height) / 2;
+}
+
+void Ferrow::ShowModal() {
+    if (form_.self.visible) throw RuntimeError(400, "Form already displayed; can't show modally");
+    const struct Showing {
+        explicit Showing(bool& visible) : visible_(visible) { visible_ = true; }
+        ~Showing() { visible_ = false; }
+        Showing(const Showing&) = delete;
+        Showing& operator=(const Showing&) = delete;
+        bool& visible_;
+    } showing(form_.self.visible);
+    Desktop().ShowModal(*this);
+}
+
+void Ferrow::Form_Activate() {
+    strMail_ = Text(9106);
+    strWeb_ = Text(9108);
+    strCompany_ = Text(1);
+    strFax_ = Text(9107);
+    LoadResStrings(form_);
+}
+
 void Ferrow::cmdContinue_Click(Integer index) {
     intChoice_ = index;
+    form_.self.visible = false;
 }
 
-FailureView Ferrow::Form_Activate() {
-    LoadResStrings(form_);
-    return View();
+IDesktop& Ferrow::Desktop() {
+    return Object(platform::Current().desktop);
 }
 
-FailureView Ferrow::View() const {
-    FailureView view;
-    view.title = form_.self.Get("Caption");
-    for (std::size_t i = 0; i < lblError_.size(); ++i)
-        view.rows.push_back({Caption(kRow0 + i), lblError_[i]});
-    view.programInfo = lblProgInfo_;
-    view.callStackCaption = Caption(kCallStack);
-    view.callStack = callStack_.Entries();
-    view.continueCaption = Caption(kContinue);
-    view.choices = {Caption(kChoice0), Caption(kChoice1), Caption(kChoice2)};
-    return view;
-}
-
-const std::string& Ferrow::Caption(std::size_t control) const {
-    return form_.controls[control].Get("Caption");
+void Ferrow::SetCaption(const char* name, Integer index, std::string text) {
+    form_.At(name, index).Set("Caption", std::move(text));
 }
 
 }  // namespace orvo

@@ -30,6 +30,7 @@ struct Platform {
     std::shared_ptr<IRegistry> registry;
     std::shared_ptr<IClock> clock;
     std::shared_ptr<IOperatingSystem> operatingSystem;
+    std::shared_ptr<ITextFiles> textFiles;
     std::shared_ptr<IDesktop> desktop;
     std::string decimalSeparator = ".";  ///< of the user's locale
 };

@@ -1,4 +1,4 @@
-// The operating system's services: registry, clock, version.
+// The operating system's services: registry, clock, version, text files.
 #pragma once
 
 #include <cstdint>
@@ -53,6 +53,21 @@ class IOperatingSystem {
   public:
     virtual ~IOperatingSystem() = default;
     virtual OSVersion GetVersion() = 0;
+    /// The user's folder for temporary files, as the variable TEMP names it; empty where it names none.
+    virtual std::string TempFolder() = 0;
+};
+
+/// Plain text files, opened, written and closed within one call. Takes "\" and "/" for separators alike; a
+/// failing call fails with the number of its reason (70 refused, 76 no such folder, 61 disk full, 57 else).
+class ITextFiles {
+  public:
+    virtual ~ITextFiles() = default;
+    virtual bool Exists(const std::string& path) = 0;
+    /// Adds bytes to the end of a file, made where it is missing, without reading it. Two processes that
+    /// append to one file do not mix their texts.
+    virtual void Append(const std::string& path, const std::string& text) = 0;
+    /// Replaces the file's content.
+    virtual void Replace(const std::string& path, const std::string& text) = 0;
 };
 
 }  // namespace orvo

@@ -5,7 +5,6 @@
 #include <limits>
 #include <string_view>
 
-#include "platform/RuntimeError.h"
 #include "support/Arithmetic.h"
 #include "support/Strings.h"
 #include "support/Text.h"
@@ -58,18 +57,6 @@ void LocalizeControl(Control& control) {
 }
 
 }  // namespace
-
-const std::string& Control::Get(const std::string& property) const {
-    const auto at = properties_.find(property);
-    if (at == properties_.end()) throw RuntimeError(Fault::PropertyNotSupported);
-    return at->second;
-}
-
-void Control::Set(const std::string& property, std::string text) {
-    const auto at = properties_.find(property);
-    if (at == properties_.end()) throw RuntimeError(Fault::PropertyNotSupported);
-    at->second = std::move(text);
-}
 
 void LoadResStrings(Form& frm) {
     Localize(frm.self, "Tag", "Caption", Text);

@@ -42,12 +42,6 @@ std::string MapCase(std::string_view text, bool upper) {
     return result;
 }
 
-std::string_view Trim(std::string_view text) {
-    const auto first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
 std::size_t SkipDigits(std::string_view text, std::size_t& at) {
     const std::size_t start = at;
     while (at < text.size() && std::isdigit(static_cast<unsigned char>(text[at])) != 0) ++at;
@@ -88,6 +82,12 @@ std::string AfterLast(std::string_view text, char mark) {
     return std::string(at == std::string_view::npos ? text : text.substr(at + 1));
 }
 
+std::string_view Trim(std::string_view text, std::string_view blanks) {
+    const auto first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
 std::string NumberText(double value, std::string_view decimalSeparator) {
     std::array<char, 40> buffer{};
     static_cast<void>(std::snprintf(buffer.data(), buffer.size(), "%.15G", value == 0 ? 0.0 : value));
@@ -100,7 +100,7 @@ std::string NumberText(double value, std::string_view decimalSeparator) {
 }
 
 bool IsNumeric(std::string_view text) {
-    text = Trim(text);
+    text = Trim(text, " \t");
     std::size_t at = 0;
     SkipSign(text, at);
     std::size_t digits = SkipDigits(text, at);

@@ -18,6 +18,9 @@ std::string Left(std::string_view text, std::size_t count);
 /// The text behind the last occurrence of `mark`; the whole text where it does not occur.
 std::string AfterLast(std::string_view text, char mark);
 
+/// The text without the blanks before and behind it; other white space stays, unless it is named.
+std::string_view Trim(std::string_view text, std::string_view blanks = " ");
+
 /// A double in the runtime's standard form: up to 15 significant digits, no thousands separator.
 std::string NumberText(double value, std::string_view decimalSeparator);
 

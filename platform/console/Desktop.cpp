@@ -86,7 +86,8 @@ MessageAnswer Desktop::MessageBox(const std::string& text, const std::string& ti
 }
 
 void Desktop::ShowModal(IDialogEvents& dialog) {
-    const FailureView view = dialog.Form_Activate();
+    dialog.Form_Activate();
+    const FailureView view = ViewOf(dialog.Controls());
     if (options_.interrupted()) {
         dialog.cmdContinue_Click(kLeave);
         return;
@@ -106,6 +107,18 @@ void Desktop::ShowModal(IDialogEvents& dialog) {
 
 void Desktop::Beep() {
     if (options_.read && !options_.interrupted()) *options_.out << '\a' << std::flush;
+}
+
+void Desktop::Print(const std::vector<std::string>&) {
+    throw RuntimeError(482, "Printer error");
+}
+
+void Desktop::CopyToClipboard(const std::string&) {
+    throw RuntimeError(521, "Can't open Clipboard");
+}
+
+void Desktop::Open(const std::string& address) {
+    *options_.out << address << '\n';
 }
 
 /// Asks until an answer names a choice; the end of input leaves the procedure.

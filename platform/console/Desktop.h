@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/Desktop.h"
+#include "platform/FailureView.h"
 #include "platform/console/Terminal.h"
 
 namespace orvo::console {
@@ -42,6 +43,10 @@ class Desktop final : public IDesktop {
     void ShowModal(IDialogEvents& dialog) override;
     void Beep() override;
     void ResetPointer() override {}
+    Box Screen() override { return {}; }
+    void Print(const std::vector<std::string>& lines) override;
+    void CopyToClipboard(const std::string& text) override;
+    void Open(const std::string& address) override;
 
     int FailuresShown() const { return failuresShown_; }
     int MessagesShown() const { return messagesShown_; }

@@ -130,8 +130,21 @@ class OperatingSystem : public IOperatingSystem {
   public:
     explicit OperatingSystem(std::shared_ptr<World> world) : world_(std::move(world)) {}
     OSVersion GetVersion() override;
+    std::string TempFolder() override;
 
   private:
+    std::shared_ptr<World> world_;
+};
+
+class TextFiles : public ITextFiles {
+  public:
+    explicit TextFiles(std::shared_ptr<World> world) : world_(std::move(world)) {}
+    bool Exists(const std::string& path) override;
+    void Append(const std::string& path, const std::string& text) override;
+    void Replace(const std::string& path, const std::string& text) override;
+
+  private:
+    std::string& Writable(const std::string& path);
     std::shared_ptr<World> world_;
 };
 
@@ -143,6 +156,10 @@ class Desktop : public IDesktop {
     void ShowModal(IDialogEvents& dialog) override;
     void Beep() override;
     void ResetPointer() override { world_->Call("Desktop.ResetPointer"); }
+    orvo::Box Screen() override;
+    void Print(const std::vector<std::string>& lines) override;
+    void CopyToClipboard(const std::string& text) override;
+    void Open(const std::string& address) override;
 
   private:
     std::shared_ptr<World> world_;

@@ -54,6 +54,11 @@ LocalTime Clock::Local(std::int64_t /*seconds*/) {
     return world_->now;
 }
 
+std::string OperatingSystem::TempFolder() {
+    world_->Call("OperatingSystem.TempFolder");
+    return world_->tempFolder;
+}
+
 OSVersion OperatingSystem::GetVersion() {
     world_->Call("OperatingSystem.GetVersion");
     return world_->version;
@@ -68,8 +73,17 @@ MessageAnswer Desktop::MessageBox(const std::string& text, const std::string& ti
 
 void Desktop::ShowModal(IDialogEvents& dialog) {
     world_->Call("Desktop.ShowModal");
-    const FailureView view = dialog.Form_Activate();
+    const auto handle = [this](const std::function<void()>& handler) {
+        try {
+            handler();
+        } catch (const RuntimeError& failure) {
+            world_->eventFailures.push_back(failure);
+        }
+    };
+    handle([&] { dialog.Form_Activate(); });
+    const FailureView view = ViewOf(dialog.Controls());
     world_->failures.push_back(view);
+    for (const Integer button : world_->reportClicks) handle([&] { dialog.cmdProtocol_Click(button); });
     const auto choice = world_->answer ? world_->answer(view) : kExitProcedure;
     if (choice) dialog.cmdContinue_Click(*choice);
 }
@@ -77,6 +91,50 @@ void Desktop::ShowModal(IDialogEvents& dialog) {
 void Desktop::Beep() {
     world_->Call("Desktop.Beep");
     ++world_->beeps;
+}
+
+orvo::Box Desktop::Screen() {
+    world_->Call("Desktop.Screen");
+    return world_->screen;
+}
+
+void Desktop::Print(const std::vector<std::string>& lines) {
+    world_->Call("Desktop.Print");
+    world_->printed.push_back(lines);
+}
+
+void Desktop::CopyToClipboard(const std::string& text) {
+    world_->Call("Desktop.CopyToClipboard");
+    world_->clipboard = text;
+}
+
+void Desktop::Open(const std::string& address) {
+    world_->Call("Desktop.Open");
+    world_->opened.push_back(address);
+}
+
+bool TextFiles::Exists(const std::string& path) {
+    world_->Call("TextFiles.Exists");
+    return world_->HasFile(path);
+}
+
+void TextFiles::Append(const std::string& path, const std::string& text) {
+    world_->Call("TextFiles.Append");
+    Writable(path) += text;
+}
+
+void TextFiles::Replace(const std::string& path, const std::string& text) {
+    world_->Call("TextFiles.Replace");
+    Writable(path) = text;
+}
+
+/// A file's content; fails where its folder is missing or the file is locked.
+std::string& TextFiles::Writable(const std::string& path) {
+    const std::string name = World::Normal(path);
+    if (!world_->folders.contains(name.substr(0, name.find_last_of('\\'))))
+        throw RuntimeError(Fault::PathNotFound, path);
+    if (world_->lockedFiles.contains(name)) throw RuntimeError(Fault::PermissionDenied, path);
+    return world_->files[name];
 }
 
 }  // namespace orvo::fake

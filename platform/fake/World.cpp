@@ -7,7 +7,13 @@
 namespace orvo::fake {
 namespace {
 constexpr Long kInjectedFault = 31000;
+
+bool ServesTheDialog(const std::string& call) {
+    return call.starts_with("Desktop.") || call.starts_with("TextFiles.") || call.starts_with("Clock.") ||
+           call.starts_with("OperatingSystem.");
 }
+
+}  // namespace
 
 platform::Platform World::MakePlatform() {
     const auto world = shared_from_this();
@@ -39,6 +45,7 @@ platform::Platform World::MakePlatform() {
     made.registry = std::make_shared<Registry>(world);
     made.clock = std::make_shared<Clock>(world);
     made.operatingSystem = std::make_shared<OperatingSystem>(world);
+    made.textFiles = std::make_shared<TextFiles>(world);
     made.desktop = std::make_shared<Desktop>(world);
     return made;
 }
@@ -53,7 +60,7 @@ void World::FailCall(long n, Lasting lasting) {
 void World::Call(const std::string& name) {
     ++calls_;
     if (failAt_ == 0 || calls_ < failAt_) return;
-    if (calls_ > failAt_ && (lasting_ == Lasting::Once || name.starts_with("Desktop."))) return;
+    if (calls_ > failAt_ && (lasting_ == Lasting::Once || ServesTheDialog(name))) return;
     if (failedCall_.empty()) failedCall_ = name;
     throw RuntimeError(kInjectedFault, "Injected failure of " + name);
 }

@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/FailureView.h"
 #include "platform/Platform.h"
 
 namespace orvo::fake {
@@ -51,7 +52,8 @@ class World : public std::enable_shared_from_this<World> {
     platform::Platform MakePlatform();
 
     // Faults.
-    /// Makes the n-th call from now fail; for good means every call from then on, except to the desktop.
+    /// Makes the n-th call from now fail; for good means every call from then on, except those that the error
+    /// dialog needs itself: desktop, text files, clock and operating system.
     void FailCall(long n, Lasting lasting);
     void FailNothing() { failAt_ = 0; }
     /// Counts a call of the platform and fails where one is due. Names look like "Envelope.XMin".
@@ -65,8 +67,8 @@ class World : public std::enable_shared_from_this<World> {
     bool HasFile(const std::string& path) const { return files.contains(Normal(path)); }
     std::map<std::string, std::string> files;
     std::set<std::string> readOnlyFiles;  ///< deleted only by force
-    std::set<std::string> lockedFiles;    ///< never deleted
-    std::set<std::string> folders{"C:", "C:\\out"};
+    std::set<std::string> lockedFiles;    ///< never deleted or written
+    std::set<std::string> folders{"C:", "C:\\out", "C:\\Temp"};
     std::string currentFolder = "C:\\work";
 
     // Utility library.
@@ -84,6 +86,7 @@ class World : public std::enable_shared_from_this<World> {
     LocalTime now{2024, 3, 9, 14, 25, 7};
     std::map<std::string, std::map<std::string, RegistryValue>> registry;  ///< key path → value name → value
     OSVersion version{6, 1, 7601, 2, "Service Pack 1"};
+    std::string tempFolder = "C:\\Temp";
 
     // Desktop.
     std::vector<Message> messages;
@@ -91,7 +94,13 @@ class World : public std::enable_shared_from_this<World> {
     std::vector<FailureView> failures;  ///< as the dialog showed them
     /// The index of the continue button to click; none closes the window otherwise. Leaves by default.
     std::function<std::optional<Integer>(const FailureView&)> answer;
+    std::vector<Integer> reportClicks;        ///< report buttons to click before each answer
+    std::vector<RuntimeError> eventFailures;  ///< of the dialog's handlers
     int beeps = 0;
+    Box screen{0, 0, 15360, 11520};
+    std::vector<std::vector<std::string>> printed;  ///< documents
+    std::string clipboard;
+    std::vector<std::string> opened;  ///< addresses
 
   private:
     long calls_ = 0;

@@ -1,12 +1,35 @@
 #include "platform/posix/OperatingSystem.h"
 
+#include <sys/stat.h>
 #include <sys/utsname.h>
+#include <unistd.h>
 
 #include <charconv>
+#include <cstdlib>
+
+#include "platform/RuntimeError.h"
 
 namespace orvo::posix {
 namespace {
 constexpr Long kLinux = 4;
+
+std::string Variable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+/// Folders in /tmp are everybody's: only one that belongs to this user and to nobody else will do.
+std::string OwnFolder() {
+    std::string folder = "/tmp/orvo-tile-" + std::to_string(::geteuid());
+    ::mkdir(folder.c_str(), S_IRWXU);
+    struct stat found {};
+    const bool own = ::lstat(folder.c_str(), &found) == 0 && S_ISDIR(found.st_mode) &&
+                     found.st_uid == ::geteuid() && (found.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+    if (!own)
+        throw RuntimeError(Fault::PermissionDenied,
+                           folder + " belongs to somebody else; set TEMP to a folder of your own");
+    return folder;
+}
 }  // namespace
 
 OSVersion VersionOfRelease(std::string_view release) {
@@ -25,6 +48,14 @@ OSVersion VersionOfRelease(std::string_view release) {
 OSVersion OperatingSystem::GetVersion() {
     utsname system{};
     return ::uname(&system) == 0 ? VersionOfRelease(system.release) : VersionOfRelease("");
+}
+
+std::string OperatingSystem::TempFolder() {
+    for (const char* const name : {"TEMP", "TMPDIR"}) {
+        std::string folder = Variable(name);
+        if (!folder.empty()) return folder;
+    }
+    return OwnFolder();
 }
 
 }  // namespace orvo::posix

@@ -15,6 +15,7 @@
 #include "platform/posix/OperatingSystem.h"
 #include "platform/posix/ProcessRunner.h"
 #include "platform/posix/RegistryFile.h"
+#include "platform/posix/TextFiles.h"
 #include "platform/utility/Library.h"
 
 namespace orvo::real {
@@ -46,6 +47,7 @@ platform::Platform MakePlatform(Options options) {
     made.registry = std::make_shared<posix::RegistryFile>();
     made.clock = std::make_shared<posix::Clock>();
     made.operatingSystem = std::make_shared<posix::OperatingSystem>();
+    made.textFiles = std::make_shared<posix::TextFiles>();
     made.desktop = options.desktop ? std::move(options.desktop) : Terminal(interrupted);
     made.decimalSeparator =
         options.decimalSeparator.empty() ? UserDecimalSeparator() : std::move(options.decimalSeparator);
