@@ -55,42 +55,36 @@ void FeatureIntake::Place(const OGRFeature& feature) {
     surfaces_ += parts.surfaces ? 1 : 0;
     measured_ += parts.measures ? 1 : 0;
     to_.writer.Begin(feature);
-    const std::int64_t coveredBefore = cutter_.CoveredLeftOut();
     pieces_ = 0;
     failure_.clear();
     reason_ = parts.reason;
     last_.reset();
-    CutParts(parts.wkb);
-    coveredOnly_ = pieces_ == 0 && cutter_.CoveredLeftOut() > coveredBefore;
+    for (const auto& wkb : parts.wkb) CutPart(wkb);
     Settle(feature);
 }
 
-void FeatureIntake::CutParts(const std::vector<std::vector<unsigned char>>& parts) {
-    for (const auto& wkb : parts) {
-        std::shared_ptr<geos::Geometry> geometry;
-        try {
-            geometry = geos::Geometry::FromWkb(wkb);
-        } catch (const RuntimeError& error) {
-            reason_ = error.Description();
-            continue;
-        }
-        // What lies in the grid already is cut alike before and after.
-        if (!geometry->IsEmpty() && !grid_.Whole().Holds(geometry->Extent())) {
-            grid_.ReachOut(geometry->Extent());
-            ++reachedOut_;
-        }
-        std::size_t pieces = 0;
-        try {
-            pieces = cutter_.Cut(geometry);
-        } catch (const RuntimeError& error) {
-            pieces = cutter_.Placed();
-            failure_ = error.Description();
-        }
-        pieces_ += pieces;
-        if (pieces == 0) reason_ = kNothing;
-        if (to_.sketch != nullptr) to_.sketch->Add(geometry->Coordinates());
-        last_ = std::move(geometry);
+void FeatureIntake::CutPart(const std::vector<unsigned char>& wkb) {
+    try {
+        last_ = geos::Geometry::FromWkb(wkb);
+    } catch (const RuntimeError& error) {
+        reason_ = error.Description();
+        return;
     }
+    // What lies in the grid already is cut alike before and after.
+    if (!last_->IsEmpty() && !grid_.Whole().Holds(last_->Extent())) {
+        grid_.ReachOut(last_->Extent());
+        reachedOut_ = true;
+    }
+    const std::int64_t coveredBefore = cutter_.CoveredLeftOut();
+    try {
+        cutter_.Cut(last_);
+    } catch (const RuntimeError& error) {
+        failure_ = error.Description();
+    }
+    pieces_ += cutter_.Placed();
+    const bool coversOnly = cutter_.CoveredLeftOut() > coveredBefore;
+    if (cutter_.Placed() == 0 && !coversOnly) reason_ = kNothing;
+    if (to_.sketch != nullptr) to_.sketch->Add(last_->Coordinates());
 }
 
 void FeatureIntake::Settle(const OGRFeature& feature) {
@@ -100,7 +94,7 @@ void FeatureIntake::Settle(const OGRFeature& feature) {
         partly_ += reason_.empty() ? 0 : 1;
         return;
     }
-    if (coveredOnly_ && failure_.empty()) return Skip(feature, kCoveredOnly, last_.get());
+    if (reason_.empty()) return Skip(feature, kCoveredOnly, last_.get());
     ++lost_;
     Skip(feature, reason_, last_.get());
 }
@@ -125,16 +119,20 @@ void FeatureIntake::Report(VectorSummary& summary) const {
     summary.skipped = skipped_;
     summary.lost = lost_;
     summary.coveredLeftOut = cutter_.CoveredLeftOut();
-    const auto note = [&](std::int64_t count, const std::string& what) {
-        if (count > 0) summary.notices.push_back(std::to_string(count) + " features " + what);
+    const auto features = [](std::int64_t count, const std::string& what) {
+        return std::to_string(count) + (count == 1 ? " feature " : " features ") + what;
     };
-    note(reachedOut_,
-         "reach out of the extent that the source states for its layer; the tiles along the border "
-         "take them in");
+    const auto note = [&](std::int64_t count, const std::string& what) {
+        if (count > 0) summary.notices.push_back(features(count, what));
+    };
+    if (reachedOut_) {
+        summary.notices.emplace_back(
+            "the layer reaches out of the extent that the source states for it; the tiles along the border "
+            "take it in");
+    }
     note(linearised_, "had curves, which became lines of short segments");
     note(surfaces_, "had triangles or faces, which became areas");
     note(measured_, "had measures, which are not kept");
-
     if (cutter_.CoveredLeftOut() > 0) {
         summary.notices.push_back(
             std::to_string(cutter_.CoveredLeftOut()) +
@@ -142,9 +140,7 @@ void FeatureIntake::Report(VectorSummary& summary) const {
     }
     if (!complaint_.empty()) summary.errors.push_back("the source is damaged: " + complaint_);
     if (!brokenOff_.empty()) summary.errors.push_back(brokenOff_);
-    if (partly_ > 0)
-        summary.errors.push_back(std::to_string(partly_) +
-                                 " features stand in tiles, but not all of their parts");
+    if (partly_ > 0) summary.errors.push_back(features(partly_, "placed, but not with all parts"));
 }
 
 }  // namespace orvo::host

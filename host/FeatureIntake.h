@@ -38,7 +38,7 @@ class FeatureIntake {
 
   private:
     void Place(const OGRFeature& feature);
-    void CutParts(const std::vector<std::vector<unsigned char>>& parts);
+    void CutPart(const std::vector<unsigned char>& wkb);
     void Settle(const OGRFeature& feature);
     void Skip(const OGRFeature& feature, const std::string& reason, const geos::Geometry* geometry);
 
@@ -50,12 +50,12 @@ class FeatureIntake {
 
     // Of the current feature.
     std::size_t pieces_ = 0;
-    bool coveredOnly_ = false;
-    std::string failure_, reason_;
+    std::string failure_;  ///< shown, or thrown by the geometry
+    std::string reason_;   ///< why some part of it stands nowhere
     std::shared_ptr<geos::Geometry> last_;
 
-    std::int64_t in_ = 0, placed_ = 0, lost_ = 0, linearised_ = 0, surfaces_ = 0, measured_ = 0, partly_ = 0,
-                 reachedOut_ = 0;
+    std::int64_t in_ = 0, placed_ = 0, lost_ = 0, linearised_ = 0, surfaces_ = 0, measured_ = 0, partly_ = 0;
+    bool reachedOut_ = false;
     std::map<std::string, std::int64_t> skipped_;
     std::string complaint_;  ///< the source's first one about a geometry
     std::string brokenOff_;

@@ -12,6 +12,17 @@
 namespace orvo::host {
 namespace {
 
+/// Without the middle of a long one.
+std::string Shortened(const std::string& text) {
+    constexpr std::size_t kHead = 80, kTail = 120;
+    if (text.size() <= kHead + kTail + 5) return text;
+    const auto whole = [&](std::size_t at) {
+        while ((static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U) --at;
+        return at;
+    };
+    return text.substr(0, whole(kHead)) + " ... " + text.substr(whole(text.size() - kTail));
+}
+
 /// The library's writer takes 20 times as long and gives the same.
 class GeoJsonWriter final : public PieceWriter {
   public:
@@ -92,6 +103,15 @@ class LibraryWriter final : public PieceWriter {
             while (!chunk.empty()) AddFirst(chunk, dataset);
         });
         dataset.Close();
+        for (const auto& [sort, text] : dataset.Warnings()) warnings_.try_emplace(sort, text);
+    }
+
+    std::vector<std::string> Notices() const override {
+        std::vector<std::string> notices;
+        for (const auto& [sort, text] : warnings_)
+            notices.push_back(schema_.format.name +
+                              " does not hold all as it was, for example: " + Shortened(text));
+        return notices;
     }
 
   private:
@@ -126,6 +146,7 @@ class LibraryWriter final : public PieceWriter {
 
     gdal::TileSchema schema_;
     geos::Bounds area_;  ///< of all pieces
+    gdal::Warnings warnings_;
     std::int64_t id_ = 0;
     std::string attributes_;
     std::string record_;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/GeoJson.h"
 #include "platform/gdal/VectorLayer.h"
@@ -26,6 +27,8 @@ class PieceWriter {
     virtual void CheckRecords() const {}
     /// Writes the file of a tile, and those that go with it. Fails with RunError or RuntimeError.
     virtual void Write(const std::string& path, const std::string& tile, const RecordSource& records) = 0;
+    /// What the files do not hold as the layer does, so far.
+    virtual std::vector<std::string> Notices() const { return {}; }
 };
 
 /// Names of the fields that pieces get beside the source's own.

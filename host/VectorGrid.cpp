@@ -34,24 +34,18 @@ Axis PlanAxis(Long whole, Long size, Long count) {
     const auto toCover = [&](Long tile) { return (std::int64_t{whole} + tile - 1) / tile; };
     if (count > 0) {
         const Long tile = RoundUp(Divide(whole, count));
+        if (std::int64_t{tile} * count > std::numeric_limits<Long>::max()) {
+            throw UsageError("with " + std::to_string(count) + " tiles of " + std::to_string(tile) +
+                             " map units side by side the grid has more map units than 32 bits count; "
+                             "choose fewer tiles");
+        }
         return {tile, count, count - toCover(tile)};
     }
     const Long tile = size == -1 ? whole : size;
     return {tile, toCover(tile), 0};
 }
 
-GridPlan PlanGrid(const IEnvelope& extent, const TileSizes& sizes) {
-    const Axis x = PlanAxis(ToLong(extent.Width()), sizes.width, sizes.columns);
-    const Axis y = PlanAxis(ToLong(extent.Height()), sizes.height, sizes.rows);
-    if (x.count > kMostVectorTiles || y.count > kMostVectorTiles || x.count * y.count > kMostVectorTiles) {
-        throw UsageError("this grid has " + std::to_string(x.count) + " x " + std::to_string(y.count) +
-                         " tiles, and at most " + std::to_string(kMostVectorTiles) +
-                         " are cut in one run; choose larger tiles");
-    }
-    return {x.size, y.size, x.count, y.count, x.empty, y.empty};
-}
-
-/// Whether `size` map units are still told apart at these coordinates.
+/// Fails where whole map units cannot be told apart at these coordinates.
 void RequireSteps(const IEnvelope& extent) {
     const double far = std::max(
         {std::abs(extent.XMin()), std::abs(extent.XMax()), std::abs(extent.YMin()), std::abs(extent.YMax())});
@@ -62,21 +56,31 @@ void RequireSteps(const IEnvelope& extent) {
     }
 }
 
+/// Brings the extent to whole map units.
+GridPlan PlanGrid(IEnvelope& extent, const TileSizes& sizes) {
+    RequireSteps(extent);
+    const double east = extent.XMax();
+    const double north = extent.YMax();
+    extent.Width(WholeUnits(extent.Width()));
+    extent.Height(WholeUnits(extent.Height()));
+    const Axis x = PlanAxis(ToLong(extent.Width()), sizes.width, sizes.columns);
+    const Axis y = PlanAxis(ToLong(extent.Height()), sizes.height, sizes.rows);
+    if (x.count > kMostVectorTiles || y.count > kMostVectorTiles || x.count * y.count > kMostVectorTiles) {
+        throw UsageError("this grid has " + std::to_string(x.count) + " x " + std::to_string(y.count) +
+                         " tiles, and at most " + std::to_string(kMostVectorTiles) +
+                         " are cut in one run; choose larger tiles");
+    }
+    return {x.size, y.size, x.count, y.count, x.empty, y.empty, east, north};
+}
+
 }  // namespace
 
 VectorGrid::VectorGrid(const std::shared_ptr<ILayer>& layer, const TileSizes& sizes,
                        const std::string& prefix)
-    : byCounts_(sizes.columns > 0) {
-    const auto extent = layer->AreaOfInterest();
-    RequireSteps(*extent);
-    const double east = extent->XMax();
-    const double north = extent->YMax();
-    extent->Width(WholeUnits(extent->Width()));
-    extent->Height(WholeUnits(extent->Height()));
-    plan_ = PlanGrid(*extent, sizes);
+    : plan_(PlanGrid(*layer->AreaOfInterest(), sizes)), byCounts_(sizes.columns > 0) {
     tiles_.Id(prefix);
     Configure(layer);
-    CollectEdges(east, north);
+    CollectEdges();
     SetHeights();
 }
 
@@ -97,7 +101,7 @@ void VectorGrid::Configure(const std::shared_ptr<ILayer>& layer) {
 
 /// Each tile ends where its neighbour begins, so that rounding leaves neither gap nor overlap; the last ones
 /// reach the layer's own edges.
-void VectorGrid::CollectEdges(double east, double north) {
+void VectorGrid::CollectEdges() {
     for (Long x = 1; x <= plan_.columns; ++x) {
         const auto tile = TileAt(x, 1);
         edges_.columns.push_back({tile->XMin(), tile->XMin() + tile->Width()});
@@ -110,8 +114,8 @@ void VectorGrid::CollectEdges(double east, double north) {
         for (std::size_t i = 1; i < intervals.size(); ++i) intervals[i - 1].high = intervals[i].low;
         intervals.back().high = std::max(intervals.back().high, end);
     };
-    close(edges_.columns, east);
-    close(edges_.rows, north);
+    close(edges_.columns, plan_.east);
+    close(edges_.rows, plan_.north);
 }
 
 /// The grid leaves the height to its owner.

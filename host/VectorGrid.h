@@ -22,6 +22,8 @@ struct GridPlan {
     std::int64_t rows = 0;
     std::int64_t emptyColumns = 0;  ///< at the east, beyond the layer, where counts were asked for
     std::int64_t emptyRows = 0;     ///< at the north
+    double east = 0;                ///< where the layer ends
+    double north = 0;
 };
 
 /// A tile by its numbers, counted from 1: columns from the west, rows from the south.
@@ -57,12 +59,12 @@ class VectorGrid {
 
   private:
     void Configure(const std::shared_ptr<ILayer>& layer);
-    void CollectEdges(double east, double north);
+    void CollectEdges();
     void SetHeights();
     void SetEdges(IEnvelope& tile, Long column, Long row) const;
 
-    GridPlan plan_;
-    bool byCounts_ = false;
+    GridPlan plan_;  ///< first: a grid that is given up before its tiles are there tells of a failure
+    bool byCounts_;
     clsTileVector tiles_;
     geos::TileGrid edges_;
 };

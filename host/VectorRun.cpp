@@ -85,6 +85,9 @@ class VectorRun {
         };
         added_ = {free("source_fid"), free("tile"), free("reason")};
         writer_ = MakePieceWriter(job_.format, *layer_, added_, system_);
+        if (layer_->Definition().GetGeomFieldCount() > 1)
+            summary_.notices.emplace_back(
+                "the layer has several columns of geometries: the first one is cut");
         const GridPlan& plan = grid_->Plan();
         if (plan.emptyColumns > 0 || plan.emptyRows > 0) {
             summary_.notices.push_back(
@@ -109,6 +112,7 @@ class VectorRun {
         ReadFeatures(halves);
         writer_->CheckRecords();
         WriteTiles(work, folder, halves);
+        for (std::string& notice : writer_->Notices()) summary_.notices.push_back(std::move(notice));
     }
 
     void ReadFeatures(Halves& halves) {

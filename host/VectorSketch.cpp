@@ -7,6 +7,7 @@ namespace orvo::host {
 namespace {
 
 constexpr int kCoarsest = 512;
+constexpr double kFarOut = 1 << 24;  ///< cells; what reaches out of the area is drawn this far
 
 }  // namespace
 
@@ -15,9 +16,10 @@ double VectorSketch::CellSize() const {
 }
 
 VectorSketch::Spot VectorSketch::SpotOf(const geos::Coordinate& c) const {
-    const double cell = CellSize();
-    return {static_cast<std::int32_t>(std::lround((c.x - area_.xMin) / cell)),
-            static_cast<std::int32_t>(std::lround((c.y - area_.yMin) / cell))};
+    const auto spot = [cell = CellSize()](double distance) {
+        return static_cast<std::int32_t>(std::lround(std::clamp(distance / cell, -kFarOut, kFarOut)));
+    };
+    return {spot(c.x - area_.xMin), spot(c.y - area_.yMin)};
 }
 
 /// Drops what does not move, and the middle of three in line.

@@ -26,7 +26,6 @@ struct VectorSummary {
     std::int64_t lost = 0;                        ///< of those, features that hold something to place
     std::int64_t pieces = 0;                      ///< in the tiles written
     std::int64_t coveredLeftOut = 0;
-    bool strict = false;
     std::int64_t written = 0;
     std::int64_t occupied = 0;  ///< tiles that some piece lies in
     std::vector<TileFailure> failures;

@@ -28,6 +28,10 @@ std::vector<std::string> WorkFolder::Publish(const std::string& name, const std:
     for (auto entry = others ? fs::directory_iterator(path_) : fs::directory_iterator();
          entry != fs::end(entry); ++entry) {
         std::string other = entry->path().filename().string();
+        // What cannot be told from the folders of others is not made: nobody could clear it away.
+        if (!entry->is_regular_file())
+            throw RunError("the format keeps \"" + other +
+                           "\" beside its file, which is none; choose another --format");
         if (other != name) names.push_back(std::move(other));
     }
     names.push_back(name);

@@ -26,7 +26,7 @@ void Start() {
     });
 }
 
-Complaints::Complaints() {
+Complaints::Complaints(Warnings* warnings) : warnings_(warnings) {
     CPLPushErrorHandlerEx(&gdal::Note, this);
 }
 
@@ -35,8 +35,12 @@ Complaints::~Complaints() {
 }
 
 void Complaints::Note(bool failure, const char* message) {
-    const bool endedEarly = std::string_view(message).find("remature end") != std::string_view::npos;
-    if ((failure || endedEarly) && first_.empty()) first_ = message;
+    const std::string_view text(message);
+    const bool endedEarly = text.find("remature end") != std::string_view::npos;
+    if ((failure || endedEarly) && first_.empty()) first_ = text;
+    if (failure || endedEarly || warnings_ == nullptr) return;
+    // Names and values tell warnings of one sort apart.
+    warnings_->try_emplace(std::string(text.substr(0, text.find_first_of("'\":0123456789"))), text);
 }
 
 Option::Option(const char* name, const char* value) : name_(name) {

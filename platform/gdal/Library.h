@@ -1,6 +1,7 @@
 // The raster library as this process uses it: started once, silent, its complaints kept.
 #pragma once
 
+#include <map>
 #include <string>
 
 namespace orvo::gdal {
@@ -9,10 +10,14 @@ namespace orvo::gdal {
 /// anything.
 void Start();
 
+/// The first warning of each sort, by what its text begins with.
+using Warnings = std::map<std::string, std::string>;
+
 /// Collects what the library complains about on this thread as long as it lives. Scopes may nest.
 class Complaints {
   public:
-    Complaints();
+    /// @param warnings gets those too; null for none
+    explicit Complaints(Warnings* warnings = nullptr);
     ~Complaints();
     Complaints(const Complaints&) = delete;
     Complaints& operator=(const Complaints&) = delete;
@@ -26,6 +31,7 @@ class Complaints {
 
   private:
     std::string first_;
+    Warnings* warnings_;
 };
 
 /// Sets an option of the library on this thread as long as it lives.

@@ -6,7 +6,6 @@
 
 #include "platform/RuntimeError.h"
 #include "platform/gdal/Attributes.h"
-#include "platform/gdal/Library.h"
 
 namespace orvo::gdal {
 namespace {
@@ -112,7 +111,7 @@ VectorFormat FindVectorFormat(const std::string& text) {
 
 TileDataset::TileDataset(const std::string& path, const std::string& name, const TileSchema& schema)
     : schema_(schema), path_(path), name_(name) {
-    const Complaints complaints;
+    const Complaints complaints(&warnings_);
     // A tile that is not complete is thrown away, so nothing has to survive a crash.
     const Option quick("OGR_SQLITE_SYNCHRONOUS", "OFF");
     GDALDriver& driver = *GetGDALDriverManager()->GetDriverByName(schema.format.name.c_str());
@@ -135,7 +134,7 @@ TileDataset::~TileDataset() {
 }
 
 void TileDataset::CreateFields() {
-    const Complaints complaints;
+    const Complaints complaints(&warnings_);
     const std::string types = Metadata(*dataset_->GetDriver(), GDAL_DMD_CREATIONFIELDDATATYPES);
     const auto create = [&](OGRFieldDefn&& field) {
         Adapt(field, types);
@@ -155,7 +154,7 @@ void TileDataset::CreateFields() {
 }
 
 void TileDataset::Add(std::string_view attributes, std::int64_t id, std::span<const unsigned char> wkb) {
-    const Complaints complaints;
+    const Complaints complaints(&warnings_);
     source_->Reset();
     ReadAttributes(attributes, *source_);
     OGRFeature feature(layer_->GetLayerDefn());
@@ -175,7 +174,7 @@ void TileDataset::Add(std::string_view attributes, std::int64_t id, std::span<co
 }
 
 void TileDataset::Close() {
-    const Complaints complaints;
+    const Complaints complaints(&warnings_);
     source_.reset();
     if (dataset_->TestCapability(ODsCTransactions) != 0) dataset_->CommitTransaction();
     dataset_->FlushCache(true);

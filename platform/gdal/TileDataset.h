@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/gdal/Library.h"
+
 class GDALDataset;
 class GDALDriver;
 class OGRFeature;
@@ -53,6 +55,8 @@ class TileDataset {
     void Add(std::string_view attributes, std::int64_t id, std::span<const unsigned char> wkb);
     /// Writes what is left; fails with number 57 where not all features got into the file.
     void Close();
+    /// What did not go into the file as it was, such as names that were cut short.
+    const gdal::Warnings& Warnings() const { return warnings_; }
 
   private:
     void CreateFields();
@@ -67,6 +71,7 @@ class TileDataset {
     int idTarget_ = -1;
     int tileTarget_ = -1;
     std::int64_t added_ = 0;
+    gdal::Warnings warnings_;
 };
 
 }  // namespace orvo::gdal

@@ -67,15 +67,32 @@ OGRLayer& Choose(GDALDataset& dataset, const std::string& source, const std::str
     return *layer;
 }
 
+bool IsFinite(const OGREnvelope& extent) {
+    return extent.IsInit() != 0 && std::isfinite(extent.MaxX - extent.MinX) &&
+           std::isfinite(extent.MaxY - extent.MinY);
+}
+
+/// Of the features whose coordinates are numbers.
+OGREnvelope FiniteExtent(OGRLayer& layer) {
+    OGREnvelope extent;
+    layer.ResetReading();
+    for (const auto& feature : layer) {
+        const OGRGeometry* const geometry = feature->GetGeometryRef();
+        OGREnvelope one;
+        if (geometry != nullptr && geometry->IsEmpty() == 0) geometry->getEnvelope(&one);
+        if (IsFinite(one)) extent.Merge(one);
+    }
+    return extent;
+}
+
 /// Asked of the source itself, which may keep it in its header.
 OGREnvelope ExtentOf(OGRLayer& layer, const std::string& source, const std::string& name) {
     const Complaints complaints;
     if (layer.GetGeomType() == wkbNone)
         Refuse(source, "has no geometries in its layer \"" + name + "\". Choose a layer that has some.");
     OGREnvelope extent;
-    const bool found = layer.GetExtent(&extent, TRUE) == OGRERR_NONE && extent.IsInit() != 0;
-    if (found && std::isfinite(extent.MaxX - extent.MinX) && std::isfinite(extent.MaxY - extent.MinY))
-        return extent;
+    if (layer.GetExtent(&extent, TRUE) != OGRERR_NONE || !IsFinite(extent)) extent = FiniteExtent(layer);
+    if (IsFinite(extent)) return extent;
     if (layer.GetFeatureCount(TRUE) == 0) Refuse(source, "has no features in its layer \"" + name + "\".");
     Refuse(source, "has no extent in its layer \"" + name + "\": no feature there has a geometry" +
                        (complaints.Failed() ? " (" + complaints.Reason("") + ")." : "."));

@@ -18,7 +18,7 @@ constexpr double kLargest = 1e100;      // products of coordinates stay numbers
 constexpr std::size_t kPartHeader = 5;  // byte order and type
 
 [[noreturn]] void Fail(const std::string& why) {
-    throw RuntimeError(Fault::AutomationError, "the geometry's WKB " + why);
+    throw RuntimeError(static_cast<Long>(Fault::AutomationError), "its geometry " + why);
 }
 
 struct Header {

@@ -242,11 +242,12 @@ class TreatmentsTest(HostTest):
         self.assertIn("GPKG", done.stderr)
 
     def test_strict_leaves_covered_tiles_out_and_says_so(self):
-        source = write_layer(self.path("map.gpkg"), [square(0, 0, 30), square(0, 0, 20)])
+        source = write_layer(self.path("map.gpkg"), [square(0, 0, 30), square(0, 0, 20),
+                                                     f"GEOMETRYCOLLECTION (POINT (5 5),{square(0, 0, 20)})"])
         size = ["--tile-width", 10, "--tile-height", 10, "-q", "--strict"]
         # Each touches its tiles' edges from inside only: all are covered.
         summary = self.cut(source, "out", *size)
-        self.assertEqual((summary["features"]["placed"], summary["covered_tiles_left_out"]), (0, 13))
+        self.assertEqual((summary["features"]["placed"], summary["covered_tiles_left_out"]), (1, 17))
         self.assertEqual(set(self.skipped_of(summary)), {1, 2})
         self.assertIn("--strict", self.skipped_of(summary)[1])
 
@@ -260,6 +261,33 @@ class TreatmentsTest(HostTest):
         self.assertIn("source_fid_2", properties)
         self.assertIn("tile_2", " ".join(second["notices"]))
         self.assertIn("coordinate system", " ".join(first["notices"]))
+
+    def test_said_what_a_format_cannot_hold(self):
+        source = write_layer(self.path("map.gpkg"), [square(1, 1, 3)])
+        dataset = ogr.Open(source, 1)
+        for field in ("quite_a_long_name", "long_text"):
+            dataset.GetLayer().CreateField(ogr.FieldDefn(field, ogr.OFTString))
+        dataset.ExecuteSQL("UPDATE shapes SET long_text = '" + "ä" * 300 + "'")
+        dataset = None
+        for name, words in (("shp", ("quite_a_lo", "254")), ("gpkg", ())):
+            summary = self.cut(source, name, "--columns", 1, "--rows", 1, "--format", name)
+            self.assertEqual(len(summary["notices"]), len(words))
+            for word in words:
+                self.assertIn(word, " ".join(summary["notices"]))
+        done = self.run_tile("vector", source, "pds4", "--columns", 1, "--rows", 1, "--format", "PDS4")
+        self.assertEqual((done.returncode, os.path.exists(self.path("pds4"))), (1, False))
+        self.assertIn("another --format", done.stderr)
+
+    def test_coordinates_that_are_no_numbers(self):
+        far = {"type": "LineString", "coordinates": [[1, 1], [2, "1e999"]]}
+        features = [{"type": "Feature", "properties": {}, "geometry": geometry} for geometry in
+                    ({"type": "Point", "coordinates": [1, 1]}, far, {"type": "Point", "coordinates": [9, 9]})]
+        with open(self.path("far.geojson"), "w") as file:
+            file.write(json.dumps({"type": "FeatureCollection", "features": features}).replace('"1e999"', "1e999"))
+        summary = self.cut("far.geojson", "out", "--tile-width", 4, "--tile-height", 8, "-q", exit_code=1)
+        self.assertEqual(summary["grid"]["columns"], 2)
+        self.assertEqual(set(self.tiles_of(summary)), {"grp0", "grp1"})
+        self.assertIn("finite", " ".join(self.skipped_of(summary).values()))
 
     def test_extent_stated_too_small(self):
         source = write_layer(self.path("map.gpkg"), [square(0, 0), square(9, 9), square(-5, 4, 30)])
@@ -280,6 +308,7 @@ class UsageTest(HostTest):
         write_layer(self.path("null.gpkg"), [None])
         write_layer(self.path("plain.gpkg"), [None], kind=ogr.wkbNone)
         write_layer(self.path("far.gpkg"), ["POINT (0 0)", "POINT (9e9 0)"])
+        write_layer(self.path("wide.gpkg"), ["POINT (0 0)", "POINT (2147483646 0)"])
         two = gdal.OpenEx(write_layer(self.path("two.gpkg"), [square(1, 1)], name="first"), gdal.OF_UPDATE)
         two.CreateLayer("second", system())
         two = None
@@ -306,6 +335,7 @@ class UsageTest(HostTest):
             ("null.gpkg", size, 1, ["null.gpkg", "geometry"]),
             ("plain.gpkg", size, 1, ["plain.gpkg", "no geometries"]),
             ("far.gpkg", size, 2, ["32 bits"]),
+            ("wide.gpkg", ["--columns", "1000000", "--rows", "1"], 2, ["32 bits", "fewer"]),
             ("map.tif", size, 1, ["raster", "orvo-tile raster"]),
             ("text.txt", size, 1, ["text.txt"]),
             ("empty.shp", size, 1, ["empty.shp"]),
@@ -317,6 +347,7 @@ class UsageTest(HostTest):
                 self.assertEqual((done.returncode, done.stdout), (code, ""), done.stderr)
                 for word in words:
                     self.assertIn(word, done.stderr)
+                self.assertNotIn("Procedure", done.stderr)
                 self.assertEqual(sorted(os.listdir(self.folder)), before)
 
     def test_nothing_of_others_is_overwritten(self):
