@@ -13,9 +13,11 @@ namespace {
 /// 1.4 GB of records and envelopes.
 constexpr std::int64_t kMostVectorTiles = 10'000'000;
 
-/// A size of at least one whole map unit.
-Long WholeUnits(double size) {
-    const double whole = std::max(std::ceil(size), 1.0);
+/// The length of an axis in whole map units, at least one. What rounding may have added makes no further
+/// unit: the last tiles reach the layer's own edges anyway.
+Long WholeUnits(double low, double high) {
+    const double rounding = 1e-12 * std::max(std::abs(low), std::abs(high));
+    const double whole = std::max(std::ceil(high - low - rounding), 1.0);
     if (whole > std::numeric_limits<Long>::max()) {
         throw UsageError(
             "the layer's extent has more map units than 32 bits count; bring it to a coordinate "
@@ -61,8 +63,8 @@ GridPlan PlanGrid(IEnvelope& extent, const TileSizes& sizes) {
     RequireSteps(extent);
     const double east = extent.XMax();
     const double north = extent.YMax();
-    extent.Width(WholeUnits(extent.Width()));
-    extent.Height(WholeUnits(extent.Height()));
+    extent.Width(WholeUnits(extent.XMin(), east));
+    extent.Height(WholeUnits(extent.YMin(), north));
     const Axis x = PlanAxis(ToLong(extent.Width()), sizes.width, sizes.columns);
     const Axis y = PlanAxis(ToLong(extent.Height()), sizes.height, sizes.rows);
     if (x.count > kMostVectorTiles || y.count > kMostVectorTiles || x.count * y.count > kMostVectorTiles) {

@@ -175,6 +175,18 @@ TEST_P(VectorCutTest, GridsByCountsAndSizesCoverTheLayerWithoutGaps) {
 
 INSTANTIATE_TEST_SUITE_P(Seeds, VectorCutTest, testing::Range(1U, 61U));
 
+TEST(VectorGridTest, RoundingInTheExtentMakesNoFurtherColumn) {
+    platform::Install(real::MakePlatform());
+    const double east = 180.00000000000006;
+    VectorGrid grid(std::make_shared<Layer>(Bounds{-180, -90, east, 83.6}), {30, 30, 0, 0}, "");
+    EXPECT_EQ(grid.Plan().columns, 12);
+    EXPECT_EQ(grid.Plan().rows, 6);
+    Shape place;
+    place.type = GeometryType::Point;
+    place.AddPoint({east, 0});
+    EXPECT_EQ(grid.Locate(Geometry::Make(std::move(place))).column, 12);
+}
+
 TEST(TileSpoolTest, KeepsTheOrderWhateverTheMemory) {
     for (const std::size_t memory : {std::size_t{0}, std::size_t{50}, std::size_t{1} << 20U}) {
         TileSpool spool(testing::TempDir(), memory);
