@@ -31,9 +31,9 @@ std::shared_ptr<IDictionary> DictionaryOf(IDispatch* object);
 /// A workspace whose object knows OpenRasterDataset is an IRasterWorkspace as well.
 std::shared_ptr<IWorkspace> WorkspaceOf(IDispatch* object);
 
-/// Calls go through the interface `id` where the object has it: derived from IDispatch, with ShowMessage(BSTR)
-/// in the fourth and ShowProgress(BSTR, long, VARIANT_BOOL) in the fifth place behind IDispatch's own; by name
-/// where it has not.
+/// Calls go through the interface `id` where the object has it: derived from IDispatch, with
+/// ShowMessage(BSTR) in the fourth and ShowProgress(BSTR, long, VARIANT_BOOL) in the fifth place behind
+/// IDispatch's own; by name where it has not.
 std::shared_ptr<IStatusDisplay> StatusDisplayOf(IUnknown* object, const IID& id);
 
 // The object behind a reference: the one that a wrapper was made from, the same on every call. The caller
