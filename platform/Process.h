@@ -1,6 +1,7 @@
-// Starting another program and waiting for its end.
+// Starting other programs.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -22,6 +23,10 @@ class IProcessRunner {
     /// PATH. Once `interrupted` holds, the program is ended and waited for.
     virtual ProcessResult Run(const std::string& program, const std::vector<std::string>& arguments,
                               const std::string& workingFolder, const std::function<bool()>& interrupted) = 0;
+    /// Starts a program for the user, in a session of its own and without its output, and leaves it running;
+    /// waits no longer than `patience` for an early end. Still running: exit code −1 and signal 0.
+    virtual ProcessResult Start(const std::string& program, const std::vector<std::string>& arguments,
+                                std::chrono::milliseconds patience) = 0;
 };
 
 }  // namespace orvo

@@ -1,163 +1,180 @@
 #include "platform/console/Desktop.h"
 
-#include <cctype>
+#include <algorithm>
+#include <cstdlib>
+#include <initializer_list>
 #include <iostream>
 #include <utility>
+
+#include "platform/console/Words.h"
+#include "support/Text.h"
 
 namespace orvo::console {
 namespace {
 
 constexpr Integer kNextStatement = 1;
 constexpr Integer kLeave = 2;
+constexpr Integer kEndOfInput = -1;
 
-struct Caption {
-    std::string plain;
-    std::string marked;  ///< the access key in brackets
-    std::string key;     ///< the access key, lower case; empty where there is none
-};
-
-std::string Lower(std::string text) {
-    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return text;
-}
-
-/// The bytes of the UTF-8 character that begins at `position`.
-std::size_t CharacterLength(const std::string& text, std::size_t position) {
-    std::size_t end = position + 1;
-    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) ++end;
-    return end - position;
-}
-
-/// A caption without its ampersand and with the access key marked.
-Caption ReadCaption(const std::string& text) {
-    const auto mark = text.find('&');
-    if (mark == std::string::npos || mark + 1 == text.size()) return {text, text, ""};
-    const auto length = CharacterLength(text, mark + 1);
-    const std::string key = text.substr(mark + 1, length);
-    const std::string before = text.substr(0, mark);
-    const std::string after = text.substr(mark + 1 + length);
-    return {before + key + after, before + "[" + key + "]" + after, Lower(key)};
-}
-
-std::string Trimmed(const std::string& text) {
-    const auto first = text.find_first_not_of(" \t\r");
-    if (first == std::string::npos) return "";
-    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
-/// The choice that an answer names by its number or access key; −1 for none.
-Integer ChoiceOf(const std::string& answer, const FailureView& view) {
-    for (std::size_t i = 0; i < view.choices.size(); ++i) {
-        if (answer == std::to_string(i + 1) ||
-            (!answer.empty() && answer == ReadCaption(view.choices[i]).key)) {
-            return static_cast<Integer>(i);
-        }
+/// A text as a terminal may show it: other control characters than tabs and line ends replaced.
+std::string Printable(const std::string& text, char lineEnd = '\n') {
+    std::string shown;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        if (c == '\r' && text.compare(i, 2, "\r\n") == 0) continue;
+        const bool control = (c < ' ' && c != '\n' && c != '\t') || c == 0x7F;
+        shown += control ? '?' : c == '\n' ? lineEnd : text[i];
     }
-    return -1;
+    return shown;
+}
+
+bool IsOneOf(const std::string& answer, std::initializer_list<const char*> words) {
+    return std::ranges::any_of(words, [&](const char* word) { return answer == word; });
+}
+
+std::string Variable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
 }
 
 }  // namespace
+
+DesktopOptions TerminalOptions(std::shared_ptr<IProcessRunner> runner) {
+    DesktopOptions options;
+    options.read = TerminalReader();
+    options.runner = std::move(runner);
+    options.clipboard = TerminalClipboard();
+    options.display = !Variable("DISPLAY").empty() || !Variable("WAYLAND_DISPLAY").empty();
+    options.browser = Variable("BROWSER");
+    return options;
+}
 
 Desktop::Desktop(DesktopOptions options) : options_(std::move(options)) {
     if (options_.out == nullptr) options_.out = &std::cerr;
     if (options_.policy == Policy::Ask && !options_.read) options_.policy = Policy::Leave;
 }
 
-MessageAnswer Desktop::MessageBox(const std::string& text, const std::string& title, MessageIcon,
+MessageAnswer Desktop::MessageBox(const std::string& text, const std::string& title, MessageIcon /*icon*/,
                                   MessageButtons buttons) {
-    ++messagesShown_;
-    options_.makeRoom();
-    std::ostream& out = *options_.out;
-    out << options_.prefix << title << ": " << text << '\n';
+    Out() << options_.program << ": " << title << (title.empty() ? "" : ": ") << Printable(text) << '\n';
     if (buttons == MessageButtons::OK) return MessageAnswer::OK;
     while (options_.read && !options_.interrupted()) {
-        out << "[y/n] " << std::flush;
+        Out() << CurrentWords().yesNo << " > " << std::flush;
         const auto line = options_.read();
         if (!line) break;
-        const std::string answer = Lower(Trimmed(*line));
-        if (answer == "y" || answer == "yes" || answer == "j" || answer == "ja" || answer == "o" ||
-            answer == "oui") {
-            return MessageAnswer::Yes;
-        }
-        if (answer == "n" || answer == "no" || answer == "nein" || answer == "non") return MessageAnswer::No;
+        const std::string answer = LCase(Trim(*line, " \t\r"));
+        if (IsOneOf(answer, {"y", "yes", "j", "ja", "o", "oui"})) return MessageAnswer::Yes;
+        if (IsOneOf(answer, {"n", "no", "nein", "non"})) return MessageAnswer::No;
     }
-    out << '\n';
+    Out() << '\n';
     return MessageAnswer::No;
 }
 
 void Desktop::ShowModal(IDialogEvents& dialog) {
-    dialog.Form_Activate();
+    if (options_.interrupted()) return dialog.cmdContinue_Click(kLeave);
+    Guard([&] { dialog.Form_Activate(); });
     const FailureView view = ViewOf(dialog.Controls());
-    if (options_.interrupted()) {
-        dialog.cmdContinue_Click(kLeave);
-        return;
-    }
-    ++failuresShown_;
-    options_.makeRoom();
-    if (!view.rows.empty()) options_.onFailure(view.rows.front().text);
-    if (options_.policy == Policy::Ask) {
-        ShowWhole(view);
-        dialog.cmdContinue_Click(Answer(view));
-    } else {
+    const Menu menu(view);
+    if (options_.policy != Policy::Ask) {
         const Integer choice = options_.policy == Policy::Next ? kNextStatement : kLeave;
-        ShowBriefly(view, choice);
-        dialog.cmdContinue_Click(choice);
+        ShowBriefly(view, menu.Plain(static_cast<std::size_t>(choice)));
+        return dialog.cmdContinue_Click(choice);
+    }
+    ShowWhole(view, menu);
+    while (dialog.Controls().self.visible) {
+        const Integer button = Ask(menu);
+        if (button == kEndOfInput) return dialog.cmdContinue_Click(kLeave);
+        Guard([&] { Click(dialog, button); });
     }
 }
 
 void Desktop::Beep() {
-    if (options_.read && !options_.interrupted()) *options_.out << '\a' << std::flush;
+    if (options_.read && !options_.interrupted()) Out() << '\a' << std::flush;
 }
 
-void Desktop::Print(const std::vector<std::string>&) {
-    throw RuntimeError(482, "Printer error");
+void Desktop::Print(const std::vector<std::string>& lines) {
+    if (!options_.runner) throw RuntimeError(482, "Printer error: no printing command may be started");
+    PrintLines(*options_.runner, lines, options_.interrupted);
 }
 
-void Desktop::CopyToClipboard(const std::string&) {
-    throw RuntimeError(521, "Can't open Clipboard");
+void Desktop::CopyToClipboard(const std::string& text) {
+    const bool none = options_.clipboard == Clipboard::None;
+    Out() << ClipboardSequence(text, options_.clipboard)
+          << (none ? CurrentWords().notCopied : CurrentWords().copied) << options_.log() << '\n'
+          << std::flush;
 }
 
 void Desktop::Open(const std::string& address) {
-    *options_.out << address << '\n';
+    if (options_.runner && options_.display) {
+        Out() << CurrentWords().opening << address << '\n' << std::flush;
+        if (OpenAddress(*options_.runner, address, options_.browser)) return;
+    }
+    Out() << CurrentWords().notOpened << address << '\n' << std::flush;
 }
 
-/// Asks until an answer names a choice; the end of input leaves the procedure.
-Integer Desktop::Answer(const FailureView& view) const {
+Integer Desktop::Ask(const Menu& menu) const {
     for (;;) {
-        *options_.out << "> " << std::flush;
+        Out() << CurrentWords().prompt << " (1-" << menu.Count() << ") > " << std::flush;
         const auto line = options_.read();
         if (!line) {
-            *options_.out << '\n';
-            return kLeave;
+            Out() << '\n';
+            return kEndOfInput;
         }
-        const Integer choice = ChoiceOf(Lower(Trimmed(*line)), view);
-        if (choice >= 0) return choice;
+        const std::vector<std::size_t> named = menu.Named(*line);
+        if (named.size() == 1) return static_cast<Integer>(named.front());
+        if (named.empty()) continue;
+        Out() << CurrentWords().several;
+        for (const std::size_t button : named) Out() << (button == named.front() ? "" : ", ") << button + 1;
+        Out() << '\n';
     }
 }
 
-void Desktop::ShowWhole(const FailureView& view) const {
-    std::ostream& out = *options_.out;
-    out << '\n' << view.title << '\n';
-    for (const auto& row : view.rows) out << "  " << row.caption << ' ' << row.text << '\n';
-    out << "  " << view.programInfo << '\n' << "  " << view.callStackCaption << '\n';
-    for (const std::string& entry : view.callStack) out << "    " << entry << '\n';
-    out << view.continueCaption << '\n';
-    for (std::size_t i = 0; i < view.choices.size(); ++i) {
-        out << "  " << i + 1 << "  " << ReadCaption(view.choices[i]).marked << '\n';
+void Desktop::Click(IDialogEvents& dialog, Integer button) const {
+    constexpr auto kChoices = static_cast<Integer>(Menu::kChoices);
+    if (button < kChoices) {
+        dialog.cmdContinue_Click(button);
+    } else {
+        dialog.cmdProtocol_Click(static_cast<Integer>(button - kChoices));
     }
+}
+
+void Desktop::ShowWhole(const FailureView& view, const Menu& menu) const {
+    std::ostream& out = Out();
+    out << '\n' << view.title << '\n' << "  " << Printable(view.comment) << '\n';
+    for (const auto& row : view.rows) out << "  " << row.caption << ' ' << Printable(row.text) << '\n';
+    out << "  " << view.programInfoCaption << ' ' << Printable(view.programInfo) << '\n';
+    out << "  " << view.callStackCaption << '\n';
+    for (const std::string& entry : view.callStack) out << "    " << entry << '\n';
+    out << view.protocolCaption << '\n';
+    for (std::size_t i = Menu::kChoices; i < menu.Count(); ++i) out << "  " << menu.Line(i);
+    out << '\n' << view.continueCaption << '\n';
+    for (std::size_t i = 0; i < Menu::kChoices; ++i) out << "  " << menu.Line(i) << '\n';
 }
 
 /// One line: the failure, then module, procedure, line and the choice.
-void Desktop::ShowBriefly(const FailureView& view, Integer choice) const {
-    std::ostream& out = *options_.out;
-    out << options_.prefix;
-    const char* separator = "";
+void Desktop::ShowBriefly(const FailureView& view, const std::string& choice) const {
+    std::ostream& out = Out();
+    out << options_.program;
+    const char* separator = ": ";
     for (const auto& row : view.rows) {
-        out << separator << row.caption << ' ' << row.text;
+        out << separator << row.caption << ' ' << Printable(row.text, ' ');
         separator = "; ";
     }
-    out << " -> " << ReadCaption(view.choices.at(static_cast<std::size_t>(choice))).plain << '\n'
-        << std::flush;
+    out << " -> " << choice << '\n' << std::flush;
+}
+
+template <class Handler>
+void Desktop::Guard(Handler&& handler) const {
+    const auto say = [this](Long number, const std::string& description) {
+        Out() << options_.program << ": " << number << " (" << Printable(description, ' ') << ")\n" << std::flush;
+    };
+    try {
+        handler();
+    } catch (const RuntimeError& failure) {
+        say(failure.Number(), failure.Description());
+    } catch (const std::exception& failure) {
+        say(static_cast<Long>(Fault::AutomationError), failure.what());
+    }
 }
 
 }  // namespace orvo::console

@@ -3,10 +3,14 @@
 
 #include <functional>
 #include <iosfwd>
+#include <memory>
 #include <string>
 
 #include "platform/Desktop.h"
 #include "platform/FailureView.h"
+#include "platform/Process.h"
+#include "platform/console/Delivery.h"
+#include "platform/console/Menu.h"
 #include "platform/console/Terminal.h"
 
 namespace orvo::console {
@@ -20,14 +24,20 @@ struct DesktopOptions {
     /// Reads the user's answers; empty where there is no terminal, and then nothing is asked.
     LineReader read;
     Policy policy = Policy::Ask;
-    std::string prefix;  ///< put before the one-line form of a failure, for example "orvo-tile: "
+    std::string program = "Orvo_Tile";  ///< before what is said in one line, in the place of a title
+    /// Starts printing commands and the user's own programs; null where none are started.
+    std::shared_ptr<IProcessRunner> runner;
+    Clipboard clipboard = Clipboard::None;
+    bool display = false;  ///< programs with a window can be started
+    std::string browser;   ///< as in OpenAddress
+    /// Names the file that the reports are logged to.
+    std::function<std::string()> log = [] { return std::string("Orvo_Tile.EPT"); };
     /// Once it holds, every failure is answered with "leave" without a word: the failure is the interruption.
     std::function<bool()> interrupted = [] { return false; };
-    /// Called before something is shown, so that a progress bar can make room.
-    std::function<void()> makeRoom = [] {};
-    /// Hears each failure that is shown, as "number (description)".
-    std::function<void(const std::string& failure)> onFailure = [](const std::string&) {};
 };
+
+/// What the process's terminal and environment give: reader, clipboard, display, browser and `runner`.
+DesktopOptions TerminalOptions(std::shared_ptr<IProcessRunner> runner);
 
 /// Never waits for want of a terminal: without one, policy Ask acts as Leave, and a question is answered with
 /// no.
@@ -45,20 +55,22 @@ class Desktop final : public IDesktop {
     void ResetPointer() override {}
     Box Screen() override { return {}; }
     void Print(const std::vector<std::string>& lines) override;
+    /// Where there is no clipboard, says where the report lies.
     void CopyToClipboard(const std::string& text) override;
     void Open(const std::string& address) override;
 
-    int FailuresShown() const { return failuresShown_; }
-    int MessagesShown() const { return messagesShown_; }
-
   private:
-    Integer Answer(const FailureView& view) const;
-    void ShowWhole(const FailureView& view) const;
-    void ShowBriefly(const FailureView& view, Integer choice) const;
+    /// Asks until an answer names one button; −1 at the end of input.
+    Integer Ask(const Menu& menu) const;
+    void Click(IDialogEvents& dialog, Integer button) const;
+    void ShowWhole(const FailureView& view, const Menu& menu) const;
+    void ShowBriefly(const FailureView& view, const std::string& choice) const;
+    /// Runs a handler; its failure is one line, and ends it alone.
+    template <class Handler>
+    void Guard(Handler&& handler) const;
+    std::ostream& Out() const { return *options_.out; }
 
     DesktopOptions options_;
-    int failuresShown_ = 0;
-    int messagesShown_ = 0;
 };
 
 }  // namespace orvo::console

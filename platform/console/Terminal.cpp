@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <memory>
 
 namespace orvo::console {
@@ -46,6 +47,15 @@ LineReader TerminalReader() {
         std::make_shared<Descriptor>(standardInput ? STDIN_FILENO : open("/dev/tty", O_RDONLY | O_CLOEXEC));
     if (terminal->Number() < 0 || !InForeground(terminal->Number())) return {};
     return [terminal] { return ReadLine(terminal->Number()); };
+}
+
+Clipboard TerminalClipboard() {
+    const char* const value = std::getenv("TERM");
+    const std::string kind = value == nullptr ? "" : value;
+    if (isatty(STDERR_FILENO) == 0 || kind.empty() || kind == "dumb" || kind == "linux")
+        return Clipboard::None;
+    if (std::getenv("TMUX") != nullptr) return Clipboard::Tmux;
+    return std::getenv("STY") != nullptr ? Clipboard::Screen : Clipboard::Terminal;
 }
 
 }  // namespace orvo::console

@@ -1,9 +1,11 @@
-// Reading lines from the user's terminal.
+// The user's terminal: reading lines from it, and what it can.
 #pragma once
 
 #include <functional>
 #include <optional>
 #include <string>
+
+#include "platform/console/Delivery.h"
 
 namespace orvo::console {
 
@@ -14,5 +16,9 @@ using LineReader = std::function<std::optional<std::string>()>;
 /// terminal. Empty where nobody could see a question on standard error or answer it, also in a background
 /// job.
 LineReader TerminalReader();
+
+/// The clipboard of the terminal that standard error goes to, as the environment describes it. A terminal may
+/// still not take what it is sent; it gives no answer.
+Clipboard TerminalClipboard();
 
 }  // namespace orvo::console

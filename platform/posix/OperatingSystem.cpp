@@ -4,8 +4,10 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <charconv>
 #include <cstdlib>
+#include <system_error>
 
 #include "platform/RuntimeError.h"
 
@@ -18,19 +20,25 @@ std::string Variable(const char* name) {
     return value == nullptr ? "" : value;
 }
 
-/// Folders in /tmp are everybody's: only one that belongs to this user and to nobody else will do.
-std::string OwnFolder() {
-    std::string folder = "/tmp/orvo-tile-" + std::to_string(::geteuid());
-    ::mkdir(folder.c_str(), S_IRWXU);
+}  // namespace
+
+std::string FolderOfUser(const std::string& shared) {
+    std::string folder = shared + "/orvo-tile-" + std::to_string(::geteuid());
+    const int reason = ::mkdir(folder.c_str(), S_IRWXU) == 0 ? 0 : errno;
     struct stat found {};
-    const bool own = ::lstat(folder.c_str(), &found) == 0 && S_ISDIR(found.st_mode) &&
-                     found.st_uid == ::geteuid() && (found.st_mode & (S_IWGRP | S_IWOTH)) == 0;
-    if (!own)
-        throw RuntimeError(Fault::PermissionDenied,
-                           folder + " belongs to somebody else; set TEMP to a folder of your own");
+    if (::lstat(folder.c_str(), &found) != 0) {
+        throw RuntimeError(Fault::PathNotFound, folder + " (" + std::generic_category().message(reason) +
+                                                    "); set TEMP to a folder of your own");
+    }
+    const bool own =
+        S_ISDIR(found.st_mode) && found.st_uid == ::geteuid() && (found.st_mode & (S_IWGRP | S_IWOTH)) == 0;
+    if (!own) {
+        throw RuntimeError(
+            Fault::PermissionDenied,
+            folder + " is not a folder of this user's alone; set TEMP to a folder of your own");
+    }
     return folder;
 }
-}  // namespace
 
 OSVersion VersionOfRelease(std::string_view release) {
     OSVersion version;
@@ -55,7 +63,7 @@ std::string OperatingSystem::TempFolder() {
         std::string folder = Variable(name);
         if (!folder.empty()) return folder;
     }
-    return OwnFolder();
+    return FolderOfUser("/tmp");
 }
 
 }  // namespace orvo::posix

@@ -88,7 +88,7 @@ class Tail {
     bool cut_ = false;
 };
 
-/// A started program. It does not outlive this object.
+/// A started program. It does not outlive this object unless it is left running.
 class Child {
   public:
     explicit Child(pid_t pid) : pid_(pid), watch_(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0))) {}
@@ -111,6 +111,8 @@ class Child {
     }
 
     void Signal(int number) const { ::kill(-pid_, number); }
+
+    void LeaveRunning() { reaped_ = true; }
 
     /// Waits for the end; the status as waitpid gives it, nothing where the process ignores its children.
     std::optional<int> Reap() {
@@ -163,8 +165,9 @@ struct SpawnSettings {
 };
 
 /// 0 or the number of the failure.
+/// @param place POSIX_SPAWN_SETPGROUP or POSIX_SPAWN_SETSID: a process group or a session of its own
 int Spawn(const std::string& file, const std::string& program, const std::vector<std::string>& arguments,
-          const std::string& workingFolder, int output, pid_t& pid) {
+          const std::string& workingFolder, int output, int place, pid_t& pid) {
     SpawnSettings with;
     ::posix_spawn_file_actions_adddup2(&with.actions, output, STDOUT_FILENO);
     ::posix_spawn_file_actions_adddup2(&with.actions, output, STDERR_FILENO);
@@ -179,7 +182,7 @@ int Spawn(const std::string& file, const std::string& program, const std::vector
     ::posix_spawnattr_setsigdefault(&with.attributes, &all);
     ::posix_spawnattr_setpgroup(&with.attributes, 0);
     ::posix_spawnattr_setflags(&with.attributes,
-                               POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+                               static_cast<short>(place | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK));
     std::vector<std::string> texts{program};
     texts.insert(texts.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;
@@ -221,39 +224,80 @@ void Drain(int output, Tail& tail) {
     }
 }
 
+/// Waits for the end, no longer than `patience`.
+bool EndsWithin(const Child& child, std::chrono::milliseconds patience) {
+    const auto until = SteadyClock::now() + patience;
+    while (!child.Ended()) {
+        if (SteadyClock::now() >= until) return false;
+        pollfd event{child.Watch(), POLLIN, 0};
+        ::poll(&event, 1, kPollPause);
+    }
+    return true;
+}
+
+void Store(const std::optional<int>& status, ProcessResult& result) {
+    if (!status) return;
+    if (WIFEXITED(*status)) result.exitCode = WEXITSTATUS(*status);
+    if (WIFSIGNALED(*status)) result.signal = WTERMSIG(*status);
+}
+
+/// A result for a program that did not start.
+ProcessResult NotStarted(const std::string& reason) {
+    ProcessResult result;
+    result.output = reason;
+    return result;
+}
+
+constexpr const char* kNotFound = "no program of that name along PATH";
+
 }  // namespace
 
 ProcessResult ProcessRunner::Run(const std::string& program, const std::vector<std::string>& arguments,
                                  const std::string& workingFolder, const std::function<bool()>& interrupted) {
-    ProcessResult result;
     const std::string file = Locate(program);
-    if (file.empty()) {
-        result.output = "no program of that name along PATH";
-        return result;
-    }
+    if (file.empty()) return NotStarted(kNotFound);
     std::array<int, 2> ends{-1, -1};
-    if (::pipe2(ends.data(), O_CLOEXEC) != 0) {
-        result.output = ErrorText(errno);
-        return result;
-    }
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) return NotStarted(ErrorText(errno));
     Descriptor output(ends[0]);
     Descriptor input(ends[1]);
     pid_t pid = 0;
-    if (const int failed = Spawn(file, program, arguments, workingFolder, input.Get(), pid); failed != 0) {
-        result.output = ErrorText(failed);
-        return result;
+    if (const int failed =
+            Spawn(file, program, arguments, workingFolder, input.Get(), POSIX_SPAWN_SETPGROUP, pid);
+        failed != 0) {
+        return NotStarted(ErrorText(failed));
     }
     Child child(pid);
     input.Close();
+    ProcessResult result;
     result.started = true;
     Tail tail;
     Watch(child, output.Get(), tail, interrupted);
     Drain(output.Get(), tail);
-    if (const auto status = child.Reap()) {
-        if (WIFEXITED(*status)) result.exitCode = WEXITSTATUS(*status);
-        if (WIFSIGNALED(*status)) result.signal = WTERMSIG(*status);
-    }
+    Store(child.Reap(), result);
     result.output = tail.Take();
+    return result;
+}
+
+ProcessResult ProcessRunner::Start(const std::string& program, const std::vector<std::string>& arguments,
+                                   std::chrono::milliseconds patience) {
+    std::erase_if(left_, [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
+    const std::string file = Locate(program);
+    if (file.empty()) return NotStarted(kNotFound);
+    const Descriptor silence(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+    pid_t pid = 0;
+    if (const int failed = Spawn(file, program, arguments, "", silence.Get(), POSIX_SPAWN_SETSID, pid);
+        failed != 0) {
+        return NotStarted(ErrorText(failed));
+    }
+    Child child(pid);
+    ProcessResult result;
+    result.started = true;
+    if (EndsWithin(child, patience)) {
+        Store(child.Reap(), result);
+    } else {
+        child.LeaveRunning();
+        left_.push_back(pid);
+    }
     return result;
 }
 

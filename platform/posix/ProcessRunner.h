@@ -1,6 +1,8 @@
 // Starting other programs.
 #pragma once
 
+#include <sys/types.h>
+
 #include "platform/Process.h"
 
 namespace orvo::posix {
@@ -13,6 +15,11 @@ class ProcessRunner final : public IProcessRunner {
   public:
     ProcessResult Run(const std::string& program, const std::vector<std::string>& arguments,
                       const std::string& workingFolder, const std::function<bool()>& interrupted) override;
+    ProcessResult Start(const std::string& program, const std::vector<std::string>& arguments,
+                        std::chrono::milliseconds patience) override;
+
+  private:
+    std::vector<pid_t> left_;  ///< running on; asked for their end at the next start
 };
 
 }  // namespace orvo::posix

@@ -31,6 +31,7 @@ Fault FaultOf(int reason) {
             return Fault::PermissionDenied;
         case ENOSPC:
         case EDQUOT:
+        case EFBIG:
             return Fault::DiskFull;
         default:
             return Fault::DeviceIOError;
@@ -41,10 +42,12 @@ Fault FaultOf(int reason) {
     throw RuntimeError(FaultOf(reason), path + " (" + std::generic_category().message(reason) + ")");
 }
 
+/// An open file. Nothing is opened through a link: a folder for temporary files may be everybody's.
 class File {
   public:
     File(std::string path, int flags)
-        : path_(std::move(path)), descriptor_(::open(path_.c_str(), flags | O_CLOEXEC, kOwnersAlone)) {
+        : path_(std::move(path)),
+          descriptor_(::open(path_.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, kOwnersAlone)) {
         if (descriptor_ < 0) Fail(path_, errno);
     }
     ~File() {
@@ -72,9 +75,8 @@ class File {
         }
         return 0;
     }
-    void Close() {
-        if (::close(std::exchange(descriptor_, -1)) != 0) Fail(path_, errno);
-    }
+    /// The reason where that failed; some file systems write only now.
+    int Close() { return ::close(std::exchange(descriptor_, -1)) == 0 ? 0 : errno; }
 
   private:
     std::string path_;
@@ -97,15 +99,20 @@ void TextFiles::Append(const std::string& path, const std::string& text) {
         file.Cut(end);
         Fail(name, reason);
     }
-    file.Close();
+    if (const int reason = file.Close()) Fail(name, reason);
 }
 
 void TextFiles::Replace(const std::string& path, const std::string& text) {
     const std::string name = SystemPath(path);
-    const std::string part = name + ".part";
-    File file(part, O_WRONLY | O_TRUNC | O_CREAT);
+    // Renaming would replace a file that may not be written.
+    if (::access(name.c_str(), F_OK) == 0 && ::access(name.c_str(), W_OK) != 0) Fail(name, errno);
+    // A name of this process's own: what another one is saving stays its own.
+    const std::string part = name + ".part" + std::to_string(::getpid());
+    ::unlink(part.c_str());
+    File file(part, O_WRONLY | O_CREAT | O_EXCL);
     int reason = file.Write(text);
-    file.Close();
+    const int late = file.Close();
+    if (reason == 0) reason = late;
     if (reason == 0 && ::rename(part.c_str(), name.c_str()) != 0) reason = errno;
     if (reason == 0) return;
     ::unlink(part.c_str());
