@@ -1,6 +1,5 @@
-// Every platform call of a run fails once and for good, under every answer, on every way a tile can take.
-#include <cstdio>
-
+// clsTileImage with every platform call failing, on every way a tile can take.
+#include "tests/component/Faults.h"
 #include "tests/component/TileFixture.h"
 
 namespace orvo {
@@ -23,14 +22,12 @@ constexpr Way kWays[] = {
     {"clipped", "a.png", fake::Conversion::Works, false, true, 4},
 };
 
-class FaultMatrixTest : public TileTest {
+class FaultMatrixTest : public FaultTest<TileTest> {
   protected:
     /// A world, a tiler and a layer as the way needs them.
     void Prepare(const Way& way) {
         tiler.reset();
-        world = fake::World::Make();
-        platform::Install(world->MakePlatform());
-        SetErrorDialog(std::make_unique<Ferrow>());
+        NewWorld();
         Renew();
         world->convertExtern = way.external;
         world->exportGivesTiff = way.exportGivesTiff;
@@ -38,16 +35,10 @@ class FaultMatrixTest : public TileTest {
         if (way.clipped) tiler->ClipEnvelope(MakeEnvelope(0, 0, 5.5, 4.5));
         Bind(4);  // 3 × 3 cells, the last ones one cell wide and high
     }
-    bool IsAboutTheHandlerItself() const {
-        return world->FailedCall().starts_with("Clock.") || world->FailedCall().starts_with("Desktop.");
-    }
-    /// Entries whose file is missing: only a skipped statement may leave such an entry.
-    Long EntriesWithoutFile() const {
-        Long missing = 0;
-        for (const auto& key : tiler->TileObjectDict()->Keys()) {
-            if (!world->HasFile("C:\\out\\" + key)) ++missing;
-        }
-        return missing;
+    auto EntriesWithoutFile() const {
+        return std::ranges::count_if(tiler->TileObjectDict()->Keys(), [&](const std::string& key) {
+            return !world->HasFile("C:\\out\\" + key);
+        });
     }
     /// The one stretch of a run whose failures go by without a word: on the platform's ways.
     static bool IsSideFileRemoval(const Way& way, const std::string& call) {
@@ -56,143 +47,71 @@ class FaultMatrixTest : public TileTest {
                (call == "FileSystemObject.FileExists" || call == "FileSystemObject.DeleteFile" ||
                 call == "FileSystemObject.GetBaseName" || call == "FileSystemObject.GetParentFolderName");
     }
-    void CheckSetUp(long n, fake::Lasting lasting, Integer answer);
-    void CheckOne(const Way& way, long n, fake::Lasting lasting, Integer answer);
+    void CheckRun(const Way& way, const Disturbed& run);
 
-    long cases = 0;
+    bool result = false;
 };
 
-void FaultMatrixTest::CheckOne(const Way& way, long n, fake::Lasting lasting, Integer answer) {
-    ++cases;
-    SCOPED_TRACE(testing::Message() << way.name << ", call " << n
-                                    << (lasting == fake::Lasting::Once ? " once" : " for good") << ", answer "
-                                    << answer);
-    Prepare(way);
-    constexpr std::size_t kPatience = 4;  // retries of a lasting failure before leaving
-    world->answer = [&](const FailureView&) {
-        return answer == kRetry && world->failures.size() > kPatience ? kLeave : answer;
-    };
-    const Long before = Probe().CountX();
-    world->FailCall(n, lasting);
-    bool result = false;
-    bool callFailed = false;
-    try {
-        result = tiler->Tile();
-    } catch (const RuntimeError&) {
-        callFailed = true;
-    }
-    const std::string failed = world->FailedCall();
-    world->FailNothing();
-    ASSERT_FALSE(failed.empty());
-    const bool aboutHandler = IsAboutTheHandlerItself();
-    const bool quiet = IsSideFileRemoval(way, failed) && world->failures.empty();
-    // Nothing passes the procedure but a failure of its own entry or of its handler.
-    EXPECT_TRUE(!callFailed || aboutHandler || lasting == fake::Lasting::ForGood) << failed;
-    EXPECT_TRUE(quiet || aboutHandler || !world->failures.empty()) << "a failure that nobody saw: " << failed;
-    EXPECT_EQ(Probe().CountX(), before);
-
+void FaultMatrixTest::CheckRun(const Way& way, const Disturbed& run) {
+    EXPECT_TRUE(run.aboutHandler || !world->failures.empty() || IsSideFileRemoval(way, run.failed))
+        << "a failure that nobody saw: " << run.failed;
+    EXPECT_EQ(Probe().CountX(), 3);
     const Long entries = tiler->TileObjectDict()->Count();
-    if (lasting == fake::Lasting::Once && answer == kRetry && !aboutHandler) {
-        EXPECT_TRUE(result) << failed;
+    EXPECT_LE(entries, way.tiles + 1);
+    if (run.IsRetried()) {
+        EXPECT_TRUE(result) << run.failed;
         EXPECT_EQ(entries, way.tiles) << "a retry loses nothing";
-        EXPECT_EQ(EntriesWithoutFile(), 0);
     }
-    if (answer != kNext) {
+    if (run.answer != kNext) {
         EXPECT_EQ(EntriesWithoutFile(), 0) << "only a skipped statement may record what is not there";
     }
-    if (answer == kLeave && !world->failures.empty() && world->failures.front().rows[2].text == "Tile") {
+    if (run.answer == kLeave && !world->failures.empty() && ShownLabel(0) == "Tile") {
         EXPECT_FALSE(result);
         EXPECT_EQ(world->failures.size(), 1U);
     }
-    if (answer == kNext && lasting == fake::Lasting::Once && !callFailed && !aboutHandler) {
+    if (run.answer == kNext && run.once && !run.threw && !run.aboutHandler) {
         EXPECT_TRUE(result) << "a skipped statement does not end the run";
     }
-    EXPECT_LE(entries, way.tiles + 1);
     EXPECT_TRUE(world->HasFile(facts.filePath)) << "the source stays";
-    // The tiler is usable afterwards.
-    world->answer = nullptr;
     world->failures.clear();
-    EXPECT_TRUE(tiler->Tile());
+    EXPECT_TRUE(tiler->Tile()) << "usable afterwards";
     EXPECT_TRUE(world->failures.empty());
-}
-
-/// Creation, binding, sizes and workspace with the n-th call failing.
-void FaultMatrixTest::CheckSetUp(long n, fake::Lasting lasting, Integer answer) {
-    ++cases;
-    SCOPED_TRACE(testing::Message() << "set-up, call " << n << ", answer " << answer);
-    Prepare(kWays[0]);
-    world->answer = [&](const FailureView&) {
-        return answer == kRetry && world->failures.size() > 4 ? kLeave : answer;
-    };
-    world->FailCall(n, lasting);
-    const auto attempt = [&](const std::function<void()>& step) {
-        try {
-            step();
-        } catch (const RuntimeError&) {
-            EXPECT_TRUE(IsAboutTheHandlerItself() || lasting == fake::Lasting::ForGood)
-                << world->FailedCall();
-        }
-    };
-    std::unique_ptr<clsTileImage> fresh;
-    attempt([&] { fresh = std::make_unique<clsTileImage>(); });
-    attempt([&] {
-        if (fresh) fresh->ImageLayer(fake::MakeRasterLayer(world, facts));
-    });
-    attempt([&] {
-        if (fresh) fresh->TileWidth(4);
-    });
-    attempt([&] {
-        if (fresh) fresh->TileHeight(-1);
-    });
-    attempt([&] {
-        if (fresh) fresh->GetWorkspace("C:\\out");
-    });
-    EXPECT_FALSE(world->FailedCall().empty());
-    EXPECT_TRUE(IsAboutTheHandlerItself() || !world->failures.empty()) << world->FailedCall();
-    const bool healed = lasting == fake::Lasting::Once && answer == kRetry && !IsAboutTheHandlerItself();
-    world->FailNothing();
-    if (healed) {
-        const TileImageProbe probe(*fresh);
-        EXPECT_EQ(probe.Name(), "a.png");
-        EXPECT_EQ(probe.CountX(), 3);
-        EXPECT_EQ(probe.PixelHeight(), 9);
-        EXPECT_EQ(probe.YMax(), 9);
-    }
-}
-
-TEST_F(FaultMatrixTest, NoFailureOfThePlatformCrashesTheSetUp) {
-    Prepare(kWays[0]);
-    world->FailCall(0, fake::Lasting::Once);
-    clsTileImage fresh;
-    fresh.ImageLayer(fake::MakeRasterLayer(world, facts));
-    fresh.TileWidth(4);
-    fresh.TileHeight(-1);
-    fresh.GetWorkspace("C:\\out");
-    const long calls = world->Calls();
-    for (const auto lasting : {fake::Lasting::Once, fake::Lasting::ForGood}) {
-        for (const Integer answer : {kRetry, kNext, kLeave}) {
-            for (long n = 1; n <= calls; ++n) CheckSetUp(n, lasting, answer);
-        }
-    }
-    std::printf("fault matrix of the set-up: %ld cases\n", cases);
 }
 
 TEST_F(FaultMatrixTest, NoFailureOfThePlatformCrashesTheRunOrLosesATileWithoutAWord) {
     for (const Way& way : kWays) {
         Prepare(way);
-        world->FailCall(0, fake::Lasting::Once);
         ASSERT_TRUE(tiler->Tile());
-        const long calls = world->Calls();
         ASSERT_EQ(tiler->TileObjectDict()->Count(), way.tiles) << way.name;
-        for (const auto lasting : {fake::Lasting::Once, fake::Lasting::ForGood}) {
-            for (const Integer answer : {kRetry, kNext, kLeave}) {
-                for (long n = 1; n <= calls; ++n) CheckOne(way, n, lasting, answer);
-            }
-        }
-        if (HasFailure()) break;
+        FailEveryCall(
+            way.name, [&] { Prepare(way), result = false; }, {[&] { result = tiler->Tile(); }},
+            [&](const Disturbed& run) { CheckRun(way, run); });
     }
-    RecordProperty("cases", static_cast<int>(cases));
-    std::printf("fault matrix: %ld cases\n", cases);
+}
+
+TEST_F(FaultMatrixTest, NoFailureOfThePlatformCrashesTheSetUp) {
+    std::unique_ptr<clsTileImage> fresh;
+    const auto onFresh = [&](auto step) {
+        return [&fresh, step] {
+            if (fresh) step(*fresh);
+        };
+    };
+    FailEveryCall(
+        "set-up", [&] { fresh.reset(), Prepare(kWays[0]); },
+        {[&] { fresh = std::make_unique<clsTileImage>(); },
+         onFresh([&](clsTileImage& it) { it.ImageLayer(fake::MakeRasterLayer(world, facts)); }),
+         onFresh([](clsTileImage& it) { it.TileWidth(4); }),
+         onFresh([](clsTileImage& it) { it.TileHeight(-1); }),
+         onFresh([](clsTileImage& it) { it.GetWorkspace("C:\\out"); })},
+        [&](const Disturbed& run) {
+            EXPECT_TRUE(run.aboutHandler || !world->failures.empty()) << run.failed;
+            if (!run.IsRetried()) return;
+            const TileImageProbe probe(*fresh);
+            EXPECT_EQ(probe.Name(), "a.png");
+            EXPECT_EQ(probe.CountX(), 3);
+            EXPECT_EQ(probe.PixelHeight(), 9);
+            EXPECT_EQ(probe.YMax(), 9);
+        });
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <memory>
 
 #include "errorreport/Ferrow.h"
@@ -22,16 +24,18 @@ long AllocationCount();
 
 class ComponentTest : public testing::Test {
   protected:
-    ComponentTest() {
-        platform::Install(world->MakePlatform());
-        SetErrorDialog(std::make_unique<Ferrow>());
-        LangOffset() = 0;
-    }
+    ComponentTest() { NewWorld(); }
     ~ComponentTest() override {
         SetErrorDialog(nullptr);
         platform::Install({});
     }
 
+    void NewWorld() {
+        world = fake::World::Make();
+        platform::Install(world->MakePlatform());
+        SetErrorDialog(std::make_unique<Ferrow>());
+        LangOffset() = 0;
+    }
     /// Answers the first failures with these clicks, every later one with leaving.
     void Answer(std::vector<Integer> clicks) {
         world->answer = [clicks, n = std::size_t{0}](const FailureView&) mutable -> std::optional<Integer> {
@@ -47,7 +51,7 @@ class ComponentTest : public testing::Test {
     std::string ShownLabel(std::size_t n) const { return world->failures.at(n).rows[2].text; }
     std::string ShownError(std::size_t n) const { return world->failures.at(n).rows[0].text; }
 
-    std::shared_ptr<fake::World> world = fake::World::Make();
+    std::shared_ptr<fake::World> world;
 };
 
 }  // namespace orvo

@@ -1,6 +1,7 @@
 // The procedure protocol under all three answers, and the call-stack list.
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include "errorreport/Version.h"
 #include "tests/component/Fixture.h"
@@ -8,24 +9,31 @@
 namespace orvo {
 namespace {
 
+using testing::ElementsAre;
+
 constexpr ProcedureText kOuter{"[mod] Public Sub Outer()", "mod", "Outer"};
 constexpr ProcedureText kInner{"[mod] Private Function Inner() As Long", "mod", "Inner"};
 
-[[noreturn]] void Fail() {
+[[noreturn]] Long Fail() {
     throw RuntimeError(Fault::Overflow);
 }
 
-class ProtocolTest : public ComponentTest {};
+class ProtocolTest : public ComponentTest {
+  protected:
+    template <class Body>
+    static void Outer(const Body& body) {
+        Procedure<void>(kOuter).Run(body);
+    }
+};
 
 TEST_F(ProtocolTest, RetryRunsTheStatementAgainFromItsStartUntilItWorks) {
     AlwaysAnswer(kRetry);
-    int runs = 0;
     std::string log;
-    Procedure<void>(kOuter).Run([&](Statements& run) {
+    Outer([&](Statements& run) {
         run([&] { log += "a"; });
         run([&] {
             log += "b";
-            if (++runs < 4) Fail();
+            if (log.size() < 5) Fail();
             log += "!";
         });
         run([&] { log += "c"; });
@@ -36,34 +44,31 @@ TEST_F(ProtocolTest, RetryRunsTheStatementAgainFromItsStartUntilItWorks) {
     EXPECT_EQ(world->beeps, 3);
 }
 
-TEST_F(ProtocolTest, SkippingLeavesTheTargetAndGoesOnWithTheNextStatement) {
-    AlwaysAnswer(kNext);
-    Long value = 7;
-    const Long result = Procedure<Long>(kInner).Run([&](Statements& run, Long& r) {
-        run([&] {
-            const auto compute = []() -> Long { Fail(); };
-            value = compute();
-        });
-        run([&] { r = value + 1; });
-    });
-    EXPECT_EQ(value, 7);
-    EXPECT_EQ(result, 8);
-}
-
-TEST_F(ProtocolTest, LeavingReturnsTheResultAsFarAsItWasAssigned) {
-    for (const Integer choice : {Integer{2}, Integer{3}, Integer{-1}, Integer{99}}) {
-        AlwaysAnswer(choice);
-        bool reached = false;
-        const auto body = [&](bool assignFirst) {
-            return Procedure<Long>(kInner).Run([&](Statements& run, Long& r) {
-                if (assignFirst) run([&] { r = 5; });
-                run([] { Fail(); });
-                run([&] { reached = true; });
+TEST_F(ProtocolTest, SkippingKeepsTheTargetLeavingGivesTheResultSoFarAndTheCallerGoesOn) {
+    for (const auto& [answer, result] : std::vector<std::pair<Integer, Long>>{
+             {kNext, 8}, {kLeave, 5}, {Integer{3}, 5}, {Integer{-1}, 5}, {Integer{99}, 5}}) {
+        AlwaysAnswer(answer);
+        world->failures.clear();
+        Long value = 7;
+        Long got = -1;
+        bool after = false;
+        Outer([&](Statements& outer) {
+            outer([&] {
+                got = Procedure<Long>(kInner).Run([&](Statements& run, Long& r) {
+                    run([&] { r = 5; });
+                    run([&] { value = Fail(); });
+                    run([&] { r = value + 1; });
+                });
             });
-        };
-        EXPECT_EQ(body(true), 5) << choice;
-        EXPECT_EQ(body(false), 0) << choice;
-        EXPECT_FALSE(reached) << choice;
+            outer([&] { after = true; });
+        });
+        EXPECT_EQ(got, result) << answer;
+        EXPECT_EQ(value, 7);
+        EXPECT_TRUE(after);
+        ASSERT_EQ(world->failures.size(), 1U);
+        EXPECT_EQ(ShownLabel(0), "Inner");
+        const Long unassigned = Procedure<Long>(kInner).Run([](Statements& run, Long&) { run(Fail); });
+        EXPECT_EQ(unassigned, 0);
     }
 }
 
@@ -71,7 +76,7 @@ TEST_F(ProtocolTest, SkippedConditionEntersItsBlockAndSkippedLoopTestRunsTheBody
     AlwaysAnswer(kNext);
     bool entered = false;
     int rounds = 0;
-    Procedure<void>(kOuter).Run([&](Statements& run) {
+    Outer([&](Statements& run) {
         if (run.Test([]() -> bool { Fail(); })) run([&] { entered = true; });
         while (run.Test([&] {
             if (rounds == 0) Fail();
@@ -85,91 +90,54 @@ TEST_F(ProtocolTest, SkippedConditionEntersItsBlockAndSkippedLoopTestRunsTheBody
     EXPECT_EQ(world->failures.size(), 2U);
 }
 
-TEST_F(ProtocolTest, LoopReadsItsLimitOnceAndCountsPastIt) {
-    int reads = 0;
-    Long i = 0;
-    Long sum = 0;
-    Procedure<void>(kOuter).Run([&](Statements& run) {
-        run.For(
-            i, 2, [&] { return ++reads, 4; }, [&] { run([&] { sum += i; }); });
-    });
-    EXPECT_EQ(sum, 9);
-    EXPECT_EQ(i, 5);
-    EXPECT_EQ(reads, 1);
-    Procedure<void>(kOuter).Run([&](Statements& run) {
-        run.For(
-            i, 3, [] { return 2; }, [&] { sum = 0; });
-    });
-    EXPECT_EQ(i, 3) << "an empty range still sets the counter";
-    EXPECT_EQ(sum, 9);
-}
-
-TEST_F(ProtocolTest, LoopWhoseLimitFailsIsRetriedLeftOrRunOnceAndThenReportedAtItsEnd) {
-    Long i = 42;
-    int bodies = 0;
-    int reads = 0;
-    const auto loop = [&](bool heals) {
-        reads = bodies = 0;
-        i = 42;
-        Procedure<void>(kOuter).Run([&](Statements& run) {
-            run.For(
-                i, 0,
-                [&]() -> Long {
-                    if (!heals || reads++ == 0) Fail();
-                    return 1;
-                },
-                [&] { run([&] { ++bodies; }); });
-        });
+TEST_F(ProtocolTest, LoopReadsItsLimitOnceCountsPastItAndIsRetriedLeftOrRunOnceWhereTheLimitFails) {
+    struct Case {
+        std::vector<Integer> answers;
+        int failing;  ///< how often the limit fails
+        Long first, limit;
+        const char* bodies;
+        Long counter;  ///< afterwards
+        std::string failures;
     };
-    Answer({kRetry});
-    loop(true);
-    EXPECT_EQ(bodies, 2);
-    Answer({kLeave});
-    loop(false);
-    EXPECT_EQ(bodies, 0);
-    world->failures.clear();
-    Answer({kNext, kNext});
-    loop(false);
-    EXPECT_EQ(bodies, 1);
-    EXPECT_EQ(i, 42) << "the counter was never set";
-    ASSERT_EQ(world->failures.size(), 2U);
-    EXPECT_EQ(ShownError(1), "92 (For loop not initialized)");
+    const std::string overflow = "6 (Overflow)";
+    for (const Case& c :
+         std::vector<Case>{{{}, 0, 2, 4, "234", 5, ""},
+                           {{}, 0, 3, 2, "", 3, ""},  // an empty range still sets the counter
+                           {{kRetry}, 1, 0, 1, "01", 2, overflow},
+                           {{kLeave}, 9, 0, 1, "", 42, overflow},
+                           {{kNext, kNext}, 9, 0, 1, "*", 42, overflow + "92 (For loop not initialized)"}}) {
+        SCOPED_TRACE(c.bodies);
+        world->failures.clear();
+        Answer(c.answers);
+        Long i = 42;
+        int reads = 0;
+        std::string bodies;
+        const auto limit = [&] { return reads++ < c.failing ? Fail() : c.limit; };
+        const auto body = [&] { bodies += i == 42 ? "*" : std::to_string(i); };
+        Outer([&](Statements& run) { run.For(i, c.first, limit, [&] { run(body); }); });
+        EXPECT_EQ(bodies, c.bodies);
+        EXPECT_EQ(i, c.counter);
+        EXPECT_LE(reads, 1 + c.failing);
+        std::string failures;
+        for (std::size_t n = 0; n < world->failures.size(); ++n) failures += ShownError(n);
+        EXPECT_EQ(failures, c.failures);
+    }
 }
 
 TEST_F(ProtocolTest, EarlyExitAndLeavingReleaseLocalsAndAskNobody) {
     auto local = std::make_shared<int>(1);
     const std::weak_ptr<int> watch = local;
-    Answer({kLeave});
     Procedure<void>(kOuter).Run([held = std::move(local)](Statements& run) mutable {
         const auto own = std::move(held);
-        run([] { Fail(); });
+        run(Fail);
     });
     EXPECT_TRUE(watch.expired());
     world->failures.clear();
-    Procedure<void>(kOuter).Run([&](Statements& run) {
+    Outer([&](Statements& run) {
         if (run.Test([] { return true; })) return;
-        run([] { Fail(); });
+        run(Fail);
     });
     EXPECT_TRUE(world->failures.empty());
-}
-
-TEST_F(ProtocolTest, CalleeHandlesItsOwnFailureAndTheCallerGoesOn) {
-    Answer({kLeave});
-    Long got = -1;
-    bool after = false;
-    Procedure<void>(kOuter).Run([&](Statements& run) {
-        run([&] {
-            got = Procedure<Long>(kInner).Run([](Statements& inner, Long& r) {
-                inner([&] { r = 3; });
-                inner([] { Fail(); });
-            });
-        });
-        run([&] { after = true; });
-    });
-    EXPECT_EQ(got, 3);
-    EXPECT_TRUE(after);
-    ASSERT_EQ(world->failures.size(), 1U);
-    EXPECT_EQ(ShownLabel(0), "Inner");
 }
 
 /// A dialog that fails where it is told to.
@@ -188,51 +156,43 @@ class BrokenDialog : public IErrorDialog {
     }
 };
 
-TEST_F(ProtocolTest, FailureInsideTheHandlerEndsTheProcedureAndReachesTheCallersOwnHandler) {
+TEST_F(ProtocolTest, FailureInsideTheHandlerOrOnEntryReachesTheCallersOwnHandler) {
     auto owned = std::make_unique<BrokenDialog>();
     BrokenDialog& dialog = *owned;
     SetErrorDialog(std::move(owned));
     dialog.handlerFailures = 1;
-    bool innerWentOn = false;
-    bool outerWentOn = false;
-    Procedure<void>(kOuter).Run([&](Statements& run) {
+    std::string log;
+    Outer([&](Statements& run) {
         run([&] {
             Procedure<void>(kInner).Run([&](Statements& inner) {
-                inner([] { Fail(); });
-                inner([&] { innerWentOn = true; });
+                inner(Fail);
+                inner([&] { log += "inner "; });
             });
         });
-        run([&] { outerWentOn = true; });
+        run([&] { log += "outer "; });
     });
-    EXPECT_FALSE(innerWentOn);
-    EXPECT_TRUE(outerWentOn);
-    EXPECT_THAT(dialog.handled, testing::ElementsAre("Inner:Overflow", "Outer:log not writable"));
+    EXPECT_EQ(log, "outer ");
+    EXPECT_THAT(dialog.handled, ElementsAre("Inner:Overflow", "Outer:log not writable"));
     EXPECT_EQ(CurrentFailure().number, 0) << "no failure is pending afterwards";
 
     dialog.handlerFailures = 1;
-    EXPECT_THROW(Procedure<void>(kOuter).Run([](Statements& run) { run([] { Fail(); }); }), RuntimeError)
+    EXPECT_THROW(Outer([](Statements& run) { run(Fail); }), RuntimeError)
         << "without a caller of its own kind it is the host's failed call";
-}
 
-TEST_F(ProtocolTest, FailureOfTheEntryReachesTheCallerUnlessTheHandlerIsArmedBefore) {
-    auto owned = std::make_unique<BrokenDialog>();
-    BrokenDialog& dialog = *owned;
-    SetErrorDialog(std::move(owned));
+    dialog.handled.clear();
     dialog.entryFails = true;
-    bool ran = false;
-    const auto body = [&](Statements& run) { run([&] { ran = true; }); };
-    EXPECT_THROW(Procedure<void>(kOuter).Run(body), RuntimeError);
-    EXPECT_FALSE(ran);
+    const auto body = [&](Statements& run) { run([&] { log += "entered"; }); };
+    EXPECT_THROW(Outer(body), RuntimeError);
     EXPECT_TRUE(dialog.handled.empty());
     EXPECT_NO_THROW(Procedure<void>(kOuter, Armed::BeforeEntry).Run(body));
-    EXPECT_TRUE(ran);
-    EXPECT_THAT(dialog.handled, testing::ElementsAre("Outer:entry"));
+    EXPECT_EQ(log, "outer entered") << "only where the handler is armed before";
+    EXPECT_THAT(dialog.handled, ElementsAre("Outer:entry"));
 }
 
 TEST_F(ProtocolTest, EveryExceptionBecomesANumberedFailure) {
     AlwaysAnswer(kNext);
     int failingLine = 0;
-    Procedure<void>(kOuter).Run([&](Statements& run) {
+    Outer([&](Statements& run) {
         run([] { throw RuntimeError(-2147220991, "platform text"); });
         run([] { throw std::bad_alloc(); });
         run([] { throw std::logic_error("odd"); });
@@ -249,7 +209,7 @@ TEST_F(ProtocolTest, EveryExceptionBecomesANumberedFailure) {
 
 TEST_F(ProtocolTest, CallStackKeepsTheTwentyNewestWithTheirTimeOfEntry) {
     world->now = {2024, 3, 9, 4, 3, 2};
-    Procedure<void>(kOuter).Run([](Statements&) {});
+    Outer([](Statements&) {});
     world->now.hour = 23;
     for (int i = 0; i < 19; ++i) Procedure<void>(kInner).Run([](Statements&) {});
     ASSERT_EQ(Trace().Count(), 20U);
@@ -269,7 +229,7 @@ class StandingClock : public IClock {
 
 TEST_F(ProtocolTest, EntryAllocatesNothingOnceTheListIsFull) {
     platform::Current().clock = std::make_shared<StandingClock>();
-    const auto enter = [] { Procedure<void>(kOuter).Run([](Statements& run) { run([] {}); }); };
+    const auto enter = [] { Outer([](Statements& run) { run([] {}); }); };
     for (int i = 0; i < 25; ++i) enter();
     const long before = AllocationCount();
     for (int i = 0; i < 100; ++i) enter();
@@ -277,20 +237,18 @@ TEST_F(ProtocolTest, EntryAllocatesNothingOnceTheListIsFull) {
 }
 
 TEST_F(ProtocolTest, DialogShowsTheFailureInTheLanguageOfTheDayAndKeepsTheLastChoice) {
-    const auto fail = [] {
+    const auto failOnce = [] {
         bool again = true;
-        Procedure<void>(kOuter).Run([&](Statements& run) {
+        Outer([&](Statements& run) {
             run([&] {
-                if (again) {
-                    again = false;
-                    throw RuntimeError(Fault::ObjectNotSet);
-                }
+                if (std::exchange(again, false)) throw RuntimeError(Fault::ObjectNotSet);
             });
         });
     };
     LangOffset() = 10000;
-    world->answer = [](const FailureView&) { return std::nullopt; };  // the window is closed without a choice
-    fail();
+    const auto closeWithoutChoice = [](const FailureView&) { return std::nullopt; };
+    world->answer = closeWithoutChoice;
+    failOnce();
     ASSERT_EQ(world->failures.size(), 1U) << "nothing was ever clicked: that is a retry";
     const FailureView& view = world->failures[0];
     EXPECT_EQ(view.title, "WARNING! an error has occured ...");
@@ -300,12 +258,12 @@ TEST_F(ProtocolTest, DialogShowsTheFailureInTheLanguageOfTheDayAndKeepsTheLastCh
     EXPECT_EQ(view.choices[2], "&Exit Procedure");
     EXPECT_EQ(view.programInfo, std::string("Orvo_Tile  V") + std::to_string(kVersionMajor) + "." +
                                     std::to_string(kVersionMinor) + "." + std::to_string(kVersionRevision));
-    EXPECT_THAT(view.callStack, testing::ElementsAre("14:25:07 [mod] Public Sub Outer()"));
+    EXPECT_THAT(view.callStack, ElementsAre("14:25:07 [mod] Public Sub Outer()"));
     dynamic_cast<Ferrow&>(GlobalErrorDialog()).SetProgInfo("My host 2");
     Answer({kNext});
-    fail();
-    world->answer = [](const FailureView&) { return std::nullopt; };
-    fail();
+    failOnce();
+    world->answer = closeWithoutChoice;
+    failOnce();
     EXPECT_EQ(world->failures.size(), 3U);
     EXPECT_EQ(world->failures[2].programInfo, "My host 2");
     EXPECT_EQ(Ferrow::LPSTRToVBString(std::string("ab\0c", 4)), "ab");
