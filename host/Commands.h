@@ -18,5 +18,6 @@ struct Command {
 Command AddRaster(CLI::App& application);
 Command AddVector(CLI::App& application);
 Command AddLocate(CLI::App& application);
+Command AddErrorDemo(CLI::App& application);
 
 }  // namespace orvo::host

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <map>
 
 #include "host/Errors.h"
 #include "host/Values.h"
@@ -13,11 +14,18 @@ Integer CommonOptions::LanguageOffset() const {
     return ParseLanguage(language);
 }
 
-console::Policy CommonOptions::OnError() const {
-    if (onError == "ask") return console::Policy::Ask;
-    if (onError == "next") return console::Policy::Next;
-    if (onError == "leave") return console::Policy::Leave;
-    throw UsageError("--on-error \"" + onError + "\" is not known; choose ask, next or leave");
+FailureHandling CommonOptions::OnError() const {
+    static const std::map<std::string, console::Policy> kPolicies{
+        {"ask", console::Policy::Ask}, {"next", console::Policy::Next}, {"leave", console::Policy::Leave}};
+    static const std::map<std::string, DialogPlace> kPlaces{
+        {"auto", DialogPlace::Auto}, {"window", DialogPlace::Window}, {"terminal", DialogPlace::Terminal}};
+    const auto policy = kPolicies.find(onError);
+    if (policy == kPolicies.end())
+        throw UsageError("--on-error \"" + onError + "\" is not known; choose ask, next or leave");
+    const auto place = kPlaces.find(dialog);
+    if (place == kPlaces.end())
+        throw UsageError("--dialog \"" + dialog + "\" is not known; choose auto, window or terminal");
+    return {policy->second, place->second};
 }
 
 ProgressMode CommonOptions::Progress() const {
@@ -30,15 +38,24 @@ ProgressMode CommonOptions::Progress() const {
     return !quiet && isatty(STDERR_FILENO) != 0 ? ProgressMode::Bar : ProgressMode::None;
 }
 
-void AddCommonOptions(CLI::App& command, CommonOptions& options) {
+void AddDialogOptions(CLI::App& command, CommonOptions& options) {
     command.add_option("--language", options.language,
                        "Language of messages: de, en or fr (default: the locale's)");
     command
         .add_option(
             "--on-error", options.onError,
-            "How a failing step goes on: ask at the terminal, next statement, or leave the procedure; "
-            "ask without a terminal leaves")
+            "How a failing step goes on: ask, next statement, or leave the procedure; ask without anybody "
+            "to answer leaves")
         ->capture_default_str();
+    command
+        .add_option("--dialog", options.dialog,
+                    "Where to ask: window, terminal, or auto (a window where there is a display and no "
+                    "terminal)")
+        ->capture_default_str();
+}
+
+void AddCommonOptions(CLI::App& command, CommonOptions& options) {
+    AddDialogOptions(command, options);
     command.add_flag("--overwrite", options.overwrite,
                      "Remove the files of an earlier run from OUTDIR first");
     command

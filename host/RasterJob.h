@@ -25,7 +25,7 @@ struct RasterJob {
     bool overwrite = false;
     bool quiet = false;
     Integer languageOffset = 0;
-    console::Policy onError = console::Policy::Ask;
+    FailureHandling onError;
     ProgressMode progress = ProgressMode::None;
 };
 

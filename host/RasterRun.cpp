@@ -292,7 +292,7 @@ class RasterRun {
     Grid grid_;
     ProgressDisplay progress_;
     std::unique_ptr<TileLedger> ledger_;
-    std::shared_ptr<console::Desktop> desktop_;
+    std::shared_ptr<WatchedDesktop> desktop_;
     std::vector<PlacedTile> tiles_;
     std::vector<std::string> leftovers_;
     int shifted_ = 0;  ///< tiles whose pixels do not fill exactly their envelope

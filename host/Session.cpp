@@ -1,30 +1,76 @@
 #include "host/Session.h"
 
+#include <unistd.h>
+
 #include <iostream>
 #include <utility>
 
+#include "host/ErrorLog.h"
+#include "host/Errors.h"
 #include "host/Interrupt.h"
+#include "platform/posix/ProcessRunner.h"
 #include "platform/real/Platform.h"
+#include "platform/real/WindowModule.h"
+#include "support/Strings.h"
 
 namespace orvo::host {
+namespace {
 
-std::shared_ptr<console::Desktop> InstallPlatform(console::Policy policy, ProgressDisplay& progress,
-                                                  std::function<void(const std::string&)> onFailure,
-                                                  utility::Settings services) {
-    console::DesktopOptions shown;
-    shown.out = &std::cerr;
-    shown.read = console::TerminalReader();
+constexpr const char* kProgram = "orvo-tile";
+
+bool HasTerminal() {
+    return isatty(STDIN_FILENO) != 0 || isatty(STDERR_FILENO) != 0;
+}
+
+std::shared_ptr<IDesktop> TerminalDesktop(console::Policy policy) {
+    console::DesktopOptions shown = console::TerminalOptions(std::make_shared<posix::ProcessRunner>());
     shown.policy = policy;
-    shown.prefix = "orvo-tile: ";
+    shown.program = kProgram;
+    shown.log = ErrorLogPath;
     shown.interrupted = Interrupted;
-    shown.makeRoom = [&progress] { progress.MakeRoom(); };
-    shown.onFailure = std::move(onFailure);
-    auto desktop = std::make_shared<console::Desktop>(std::move(shown));
+    return std::make_shared<console::Desktop>(std::move(shown));
+}
+
+WindowOptions WindowSettings() {
+    WindowOptions options;
+    options.applicationName = kProgram;
+    options.language = [] { return LangOffset(); };
+    options.interrupted = Interrupted;
+    return options;
+}
+
+/// Where failures are shown. A policy needs no window; a window that is not demanded is opened when something
+/// is to be shown, and replaced by the terminal where that is not possible.
+std::shared_ptr<IDesktop> ChooseDesktop(const FailureHandling& handling) {
+    const bool ask = handling.policy == console::Policy::Ask;
+    if (ask && handling.place == DialogPlace::Window) {
+        std::string whyNot;
+        if (auto window = real::LoadWindowDesktop(WindowSettings(), whyNot)) return window;
+        throw UsageError("--dialog window: " + whyNot);
+    }
+    auto terminal = TerminalDesktop(handling.policy);
+    if (!ask || handling.place == DialogPlace::Terminal || HasTerminal() || !real::DisplayNamed())
+        return terminal;
+    return real::WindowOnDemand(WindowSettings(), std::move(terminal), [](const std::string& whyNot) {
+        std::cerr << kProgram << ": no window: " << whyNot << '\n';
+    });
+}
+
+}  // namespace
+
+std::shared_ptr<WatchedDesktop> InstallPlatform(const FailureHandling& handling, ProgressDisplay& progress,
+                                                std::function<void(const std::string&)> onFailure,
+                                                utility::Settings services) {
+    auto desktop = std::make_shared<WatchedDesktop>(
+        ChooseDesktop(handling),
+        WatchedDesktop::Watch{[&progress] { progress.MakeRoom(); }, std::move(onFailure), Interrupted});
     real::Options options;
     options.desktop = desktop;
     options.services = std::move(services);
     options.services.interrupted = Interrupted;
-    platform::Install(real::MakePlatform(std::move(options)));
+    platform::Platform made = real::MakePlatform(std::move(options));
+    TellOfLog(made);
+    platform::Install(std::move(made));
     return desktop;
 }
 

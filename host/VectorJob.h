@@ -27,7 +27,7 @@ struct VectorJob {
     bool overwrite = false;
     bool quiet = false;
     Integer languageOffset = 0;
-    console::Policy onError = console::Policy::Ask;
+    FailureHandling onError;
     ProgressMode progress = ProgressMode::None;
 };
 

@@ -210,7 +210,7 @@ class VectorRun {
 
     const VectorJob& job_;
     ProgressDisplay progress_;
-    std::shared_ptr<console::Desktop> desktop_;
+    std::shared_ptr<WatchedDesktop> desktop_;
     std::shared_ptr<gdal::VectorLayer> layer_;
     std::unique_ptr<VectorGrid> grid_;
     AddedFields added_;

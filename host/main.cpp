@@ -60,7 +60,7 @@ int Main(int count, char** values) {
     application.footer(kFooter);
     application.fallthrough(false);
     const std::vector<Command> commands{AddRaster(application), AddVector(application),
-                                        AddLocate(application)};
+                                        AddLocate(application), AddErrorDemo(application)};
     for (const Command& command : commands) command.app->footer(kFooter);
     try {
         application.parse(Arguments(count, values));

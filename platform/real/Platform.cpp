@@ -22,8 +22,7 @@ namespace orvo::real {
 namespace {
 
 std::shared_ptr<IDesktop> Terminal(const std::function<bool()>& interrupted) {
-    console::DesktopOptions options;
-    options.read = console::TerminalReader();
+    console::DesktopOptions options = console::TerminalOptions(std::make_shared<posix::ProcessRunner>());
     options.interrupted = interrupted;
     return std::make_shared<console::Desktop>(std::move(options));
 }
