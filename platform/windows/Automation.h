@@ -1,11 +1,6 @@
 // Calls on automation objects by name, with failures as runtime errors.
 #pragma once
 
-#include <windows.h>
-// clang-format off
-#include <oaidl.h>
-// clang-format on
-
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -14,6 +9,7 @@
 
 #include "platform/RuntimeError.h"
 #include "platform/Types.h"
+#include "platform/windows/Win32.h"
 
 namespace orvo::windows {
 

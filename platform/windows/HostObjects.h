@@ -8,17 +8,13 @@
 // the object lacks fails with number 438 and the member's name.
 #pragma once
 
-#include <windows.h>
-// clang-format off
-#include <oaidl.h>
-// clang-format on
-
 #include <memory>
 
 #include "platform/Raster.h"
 #include "platform/Scripting.h"
 #include "platform/Utility.h"
 #include "platform/Vector.h"
+#include "platform/windows/Win32.h"
 
 namespace orvo::windows {
 

@@ -1,6 +1,6 @@
 #include "platform/windows/WideText.h"
 
-#include <windows.h>
+#include "platform/windows/Win32.h"
 
 namespace orvo::windows {
 
