@@ -32,10 +32,13 @@ inline constexpr const char* kModuleFile = "orvo_window.so";
 inline constexpr const char* kHelperFile = "orvo-window-helper";
 /// The module's one entry. The number changes with every change of WindowOptions or of IDesktop.
 inline constexpr const char* kModuleEntry = "orvo_window_desktop_1";
-/// Gives a desktop, or says why there is none. Call it only once the helper's "check" has succeeded: the
-/// toolkit ends a process that finds no display.
-using ModuleEntry = void(const WindowOptions& options, std::shared_ptr<IDesktop>& desktop,
-                         std::string& whyNot);
+/// Gives a desktop, or says why there is none.
+/// @param displayTrouble why no window can be shown here, empty if one can; asked only where no application
+/// of
+///     the toolkit runs yet. The toolkit ends a process that finds no display.
+using ModuleEntry = void(const WindowOptions& options, const std::string& helper,
+                         const std::function<std::string()>& displayTrouble,
+                         std::shared_ptr<IDesktop>& desktop, std::string& whyNot);
 
 }  // namespace qt
 }  // namespace orvo

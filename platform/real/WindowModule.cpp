@@ -48,11 +48,11 @@ std::string LastLine(const std::string& text) {
 
 /// Lets another process connect to the display first: the toolkit ends a process that cannot. Empty where it
 /// connects.
-std::string DisplayTrouble(const fs::path& folder) {
+std::string DisplayTrouble(const std::string& helper) {
+    if (!DisplayNamed()) return "there is no display";
     const auto start = SteadyClock::now();
     const auto late = [start] { return SteadyClock::now() - start > kDisplayPatience; };
-    const ProcessResult check =
-        posix::ProcessRunner().Run((folder / qt::kHelperFile).string(), {"check"}, "", late);
+    const ProcessResult check = posix::ProcessRunner().Run(helper, {"check"}, "", late);
     if (check.started && check.exitCode == 0) return "";
     if (late()) return "the display does not answer";
     return "no window can be shown here" + (check.output.empty() ? "" : ": " + LastLine(check.output));
@@ -69,7 +69,9 @@ std::shared_ptr<IDesktop> OpenModule(const WindowOptions& options, const fs::pat
         return nullptr;
     }
     std::shared_ptr<IDesktop> desktop;
-    reinterpret_cast<qt::ModuleEntry*>(entry)(options, desktop, whyNot);
+    const std::string helper = (folder / qt::kHelperFile).string();
+    reinterpret_cast<qt::ModuleEntry*>(entry)(
+        options, helper, [&helper] { return DisplayTrouble(helper); }, desktop, whyNot);
     return desktop;
 }
 
@@ -119,17 +121,12 @@ bool DisplayNamed() {
 }
 
 std::shared_ptr<IDesktop> LoadWindowDesktop(const WindowOptions& options, std::string& whyNot) {
-    if (!DisplayNamed()) {
-        whyNot = "there is no display";
-        return nullptr;
-    }
     const auto folder = ModuleFolder(options.moduleFolder);
     if (!folder) {
         whyNot = std::string("the window module ") + qt::kModuleFile + " is not installed";
         return nullptr;
     }
-    whyNot = DisplayTrouble(*folder);
-    return whyNot.empty() ? OpenModule(options, *folder, whyNot) : nullptr;
+    return OpenModule(options, *folder, whyNot);
 }
 
 std::shared_ptr<IDesktop> WindowOnDemand(WindowOptions options, std::shared_ptr<IDesktop> otherwise,
