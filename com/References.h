@@ -1,0 +1,19 @@
+// Arguments by reference: the value behind the pointer, where there is one.
+#pragma once
+
+#include "com/Automation.h"
+#include "platform/windows/HostObjects.h"
+
+namespace orvo::com {
+
+/// A null pointer stands for an argument left out.
+template <class Value>
+Value ValueOf(const Value* pointer) {
+    return pointer == nullptr ? Value{} : *pointer;
+}
+
+inline std::shared_ptr<orvo::IStatusDisplay> StatusOf(::IStatusDisplay** reference) {
+    return windows::StatusDisplayOf(ValueOf(reference), __uuidof(::IStatusDisplay));
+}
+
+}  // namespace orvo::com
