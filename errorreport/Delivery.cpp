@@ -40,6 +40,7 @@ void Ferrow::AppendReportLog() const {
 }
 
 void Ferrow::cmdProtocol_Click(Integer index) {
+    ShowCallStack();
     std::string report;
     BuildReport(report);
     switch (index) {

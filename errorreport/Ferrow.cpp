@@ -6,6 +6,7 @@
 #include "errorreport/Report.h"
 #include "errorreport/Version.h"
 #include "platform/Platform.h"
+#include "support/Arithmetic.h"
 #include "support/Form.h"
 #include "support/Strings.h"
 #include "support/Text.h"
@@ -37,7 +38,6 @@ Integer Ferrow::OnError(const std::string& AktModul, const std::string& AktProc)
     ArrangeFrames();
     AppendReportLog();
     Desktop().Beep();
-    form_.At("lstCallStack").list = callStack_.Entries();
     ShowModal();
     return intChoice_;
 }
@@ -88,8 +88,8 @@ void Ferrow::ArrangeFrames() {
     window.width += width - std::exchange(form_.scaleWidth, width);
     window.height += y - std::exchange(form_.scaleHeight, y);
     const Box screen = Desktop().Screen();
-    window.left = (screen.width - window.width) / 2;
-    window.top = (screen.height - window.height) / 2;
+    window.left = ToLong((screen.width - window.width) / 2.0);
+    window.top = ToLong((screen.height - window.height) / 2.0);
 }
 
 void Ferrow::ShowModal() {
@@ -110,6 +110,7 @@ void Ferrow::Form_Activate() {
     strCompany_ = Text(1);
     strFax_ = Text(9107);
     LoadResStrings(form_);
+    ShowCallStack();
 }
 
 void Ferrow::cmdContinue_Click(Integer index) {
@@ -119,6 +120,10 @@ void Ferrow::cmdContinue_Click(Integer index) {
 
 IDesktop& Ferrow::Desktop() {
     return Object(platform::Current().desktop);
+}
+
+void Ferrow::ShowCallStack() {
+    form_.At("lstCallStack").list = callStack_.Entries();
 }
 
 void Ferrow::SetCaption(const char* name, Integer index, std::string text) {

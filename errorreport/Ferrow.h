@@ -24,7 +24,7 @@ class Ferrow final : public IErrorDialog, private IDialogEvents {
     void CallStack(std::string& a) override;
     /// Fixes the program-information line; otherwise the first failure fills it with name and version.
     void SetProgInfo(const std::string& Text);
-    /// The text up to its first character of code 0; empty where it holds none.
+    /// The text of a fixed buffer: up to its first character of code 0; empty where it holds none.
     static std::string LPSTRToVBString(const std::string& s);
 
     const CallStackList& CallStackEntries() const { return callStack_; }
@@ -47,6 +47,9 @@ class Ferrow final : public IErrorDialog, private IDialogEvents {
     void MailReport(const std::string& report) const;
 
     static IDesktop& Desktop();
+    /// Entries cost the list control nothing: it is filled anew when the window is activated and a report
+    /// made.
+    void ShowCallStack();
     void SetCaption(const char* name, Integer index, std::string text);
 
     Form form_;

@@ -1,11 +1,10 @@
 // The procedure protocol: entry is recorded, a failing statement is retried, skipped or left as the user
 // says.
 //
-//     constexpr ProcedureText kSavePath{"[clsTileImage] Public Property Let ...", "clsTileImage", "SavePath
-//     [LET]"};
+//     constexpr ProcedureText kTile{"[clsTileImage] Public Function ...", "clsTileImage", "Tile"};
 //
-//     void clsTileImage::SavePath(const std::string& NewValue) {
-//         Procedure<void>(kSavePath).Run([&](Statements& run) { run([&] { savePath_ = NewValue; }); });
+//     void clsTileImage::Tile() {
+//         Procedure<void>(kTile).Run([&](Statements& run) { run([&] { tiles_ = 1; }); });
 //     }
 #pragma once
 

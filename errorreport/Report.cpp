@@ -10,9 +10,11 @@ namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::size_t kPrinterColumns = 73;
-const std::string kSeparator = std::string(70, '-') + "\r\n";
-const std::string kIndent(10, ' ');
-const std::string kContinuation(20, ' ');
+// Plain arrays: a failure may be reported while the process ends.
+constexpr const char* kSeparator =
+    "----------------------------------------------------------------------\r\n";
+constexpr const char* kIndent = "          ";
+constexpr const char* kContinuation = "                    ";
 
 std::string Line(const std::string& text) {
     return text + std::string(kLineEnd);
@@ -62,7 +64,7 @@ std::size_t Characters(std::string_view text) {
         std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
 }
 
-/// Takes the text up to and including the first `mark` off the front; nothing is left out.
+/// Takes the text up to and including the first `mark`, which occurs in it, off the front.
 std::string_view Take(std::string_view& text, std::string_view mark) {
     const std::size_t end = text.find(mark) + mark.size();
     const std::string_view taken = text.substr(0, end);
@@ -92,7 +94,8 @@ void WrapLine(std::string_view line, std::vector<std::string>& printed) {
 }  // namespace
 
 std::string ReportText(const Form& dialog, const CallStackList& callStack, const ReportFacts& facts) {
-    std::string text = kSeparator + Line("F E H L E R P R O T O K O L L vom Ferrow") + kSeparator;
+    std::string text =
+        std::string(kSeparator) + Line("F E H L E R P R O T O K O L L vom Ferrow") + kSeparator;
     text += Line(UCase(dialog.At("framProgInfo").Caption()));
     text += Line(kIndent + dialog.At("lblProgInfo").Caption()) + kSeparator;
     text += FailureRows(dialog) + Row("Datum/Uhrzeit:", TimeText(facts.time)) + kSeparator;

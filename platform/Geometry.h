@@ -7,7 +7,7 @@
 
 namespace orvo {
 
-/// The platform's geometry-type codes that the component tells apart.
+/// The platform's geometry-type codes.
 enum class GeometryType : Long {
     Null = 0,
     Point = 1,
@@ -36,8 +36,8 @@ struct Point {
 ///
 /// A new envelope is empty: its edges are not numbers and its sizes are 0. Setting an edge on an axis
 /// without edges sets both edges of that axis; setting an edge past its opposite swaps the two. `Width`
-/// keeps XMin, `Height` keeps YMin, `Depth` keeps ZMin; setting a size on an axis without edges starts
-/// that axis at 0.
+/// keeps XMin, `Height` keeps YMin, `Depth` keeps ZMin; a negative size swaps the edges like any other;
+/// setting a size on an axis without edges starts that axis at 0.
 class IEnvelope : public IGeometry {
   public:
     virtual double XMin() const = 0;

@@ -53,7 +53,8 @@ class IOperatingSystem {
   public:
     virtual ~IOperatingSystem() = default;
     virtual OSVersion GetVersion() = 0;
-    /// The user's folder for temporary files, as the variable TEMP names it; empty where it names none.
+    /// The user's folder for temporary files, as the variable TEMP names it; where that names none, what the
+    /// system offers instead, or nothing.
     virtual std::string TempFolder() = 0;
 };
 

@@ -24,7 +24,8 @@ std::string_view Trim(std::string_view text, std::string_view blanks = " ");
 /// A double in the runtime's standard form: up to 15 significant digits, no thousands separator.
 std::string NumberText(double value, std::string_view decimalSeparator);
 
-/// Whether a text reads as a number in the form [blanks][sign]digits[.digits][E[sign]digits][blanks].
+/// Whether a text reads as a number in the form [blanks][sign]digits[.digits][E[sign]digits][blanks],
+/// blanks being tabs, too, and the digits before or behind the point missing.
 bool IsNumeric(std::string_view text);
 
 /// "hh:nn:ss" and "hhnnss" on the 24-hour clock.

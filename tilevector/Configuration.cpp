@@ -108,7 +108,7 @@ void clsTileVector::TileCountY(Long CountY) {
     Procedure<void>(kTileCountYLet).Run([&](Statements& run) {
         run([&] { tileCountY_ = CountY; });
         if (run.Test([&] { return layerExtent_ != nullptr; })) {
-            // Into the width, on purpose: hosts rely on it, and set the tile height themselves.
+            // Into the width, on purpose: who configures by counts sets the tile height.
             run([&] { tileWidth_ = RoundUp(Divide(Object(layerExtent_).Height(), tileCountY_)); });
         }
     });
@@ -120,8 +120,6 @@ Long clsTileVector::TileCountY() const {
     });
 }
 
-// The two size setters read like each other, axis by axis; a shared routine would hide the order of the
-// steps.
 void clsTileVector::TileWidth(Long Width) {
     Procedure<void>(kTileWidth).Run([&](Statements& run) {
         Long wholeWidth = 0;

@@ -76,6 +76,7 @@ void clsTileVector::InitializeTiles() {
     Procedure<void>(kInitializeTiles).Run([&](Statements& run) {
         Long y = 0;
         Long x = 0;
+        Long n = 0;
         run([&] {
             tiles_ = std::make_unique<TileArray>(Subtract(tileCountX_, 1), Subtract(tileCountY_, 1));
         });
@@ -83,13 +84,12 @@ void clsTileVector::InitializeTiles() {
             y, 0, [&] { return Subtract(tileCountY_, 1); },
             [&] {
                 run.For(
-                    x, 0, [&] { return Subtract(tileCountX_, 1); }, [&] { FillTile(run, x, y); });
+                    x, 0, [&] { return Subtract(tileCountX_, 1); }, [&] { FillTile(run, x, y, n); });
             });
     });
 }
 
-void clsTileVector::FillTile(Statements& run, Long x, Long y) {
-    Long n = 0;
+void clsTileVector::FillTile(Statements& run, Long x, Long y, Long& n) {
     run([&] { n = Add(Multiply(y, tileCountX_), x); });
     run([&] { Tiles().At(x, y).emplace(); });
     run([&] { Tiles().Tile(x, y).Id("grp" + std::to_string(n)); });
@@ -120,7 +120,7 @@ std::shared_ptr<IEnvelope> clsTileVector::makeTileExtent(Long lngNrX, Long lngNr
             run([&] { Object(envelope).XMin(x0); });
             run([&] { Object(envelope).YMin(y0); });
             run([&] { Object(envelope).Width(tileWidth_); });
-            // The height goes into the depth, here and for the whole layer: hosts set the height themselves.
+            // The height goes into the depth, here and for the whole layer: the height is the host's to set.
             run([&] { Object(envelope).Depth(tileHeight_); });
         }
         run([&] { result = envelope; });

@@ -23,7 +23,7 @@ class TileArray;
 ///
 /// **The grid does not set the height of a tile's envelope.** It writes XMin, YMin, Width and, with the tile
 /// height, Depth. So the envelope of a tile has no height until its owner sets one, and Clip and IsInside
-/// find nothing useful before. Every host does this right after InitializeTiles:
+/// find nothing, or fail, before. A host has to do this right after InitializeTiles:
 ///
 ///     for (Long y = 1; y <= grid.TileCountY(); ++y)
 ///         for (Long x = 1; x <= grid.TileCountX(); ++x) {
@@ -32,7 +32,8 @@ class TileArray;
 ///         }
 ///
 /// No member reports a failure to its caller: the error dialog shows it and the user chooses how the member
-/// goes on. Setters store what they are given. Objects that are handed in are held by reference and released
+/// goes on. Only a failure of the dialog itself, such as a log that cannot be written, reaches the caller.
+/// Setters do not check what they are given. Objects that are handed in are held by reference and released
 /// with this object; releasing a grid that was never initialized is itself a failure that the dialog shows.
 class clsTileVector {
   public:
@@ -63,12 +64,13 @@ class clsTileVector {
     void TileCountY(Long CountY);
     Long TileCountY() const;
     /// Tile width in whole map units, −1 for the extent's whole width. Without an extent nothing is stored.
-    /// Derives the number of columns as long as that is 1 or less; a count of 2 or more is kept.
+    /// A size other than 0 derives the number of columns as long as that is 1 or less; a count of 2 or more
+    /// is kept.
     void TileWidth(Long Width);
     /// Tile height; see TileWidth.
     void TileHeight(Long Height);
     /// The number of tiles that reach into the extent, walked tile by tile; time grows with the result. It
-    /// can differ from TileCountX × TileCountY, which rest on the extent's whole-number size.
+    /// can differ from TileCountX × TileCountY, which are set, or rest on the extent's whole-number size.
     Long TileCount();
     /// Builds the records anew: grp0, grp1 and so on, row by row from the south-west. About 140 bytes a tile,
     /// its envelope included. Tiles get no envelope where a size is 0 or the extent is missing.
@@ -76,7 +78,8 @@ class clsTileVector {
     /// A tile's identifier.
     std::string GetTileID(Long lngNrX, Long lngNrY);
     /// A tile's own envelope, shared: who changes it changes the tile. (0, 0) gives a new envelope with the
-    /// XMin, YMin and Width of the layer's extent and its height as Depth.
+    /// XMin, YMin and Width of the layer's extent and its height as Depth; an empty reference where a size is
+    /// 0 or the extent is missing.
     std::shared_ptr<IEnvelope> GetTileExtent(Long lngNrX, Long lngNrY);
     /// A tile's name in the host's output: `strID`, or Id where that is empty, and the tile's identifier;
     /// "grp-1" stands for the whole layer, (0, 0).
@@ -85,7 +88,8 @@ class clsTileVector {
     /// A polygon that covers the whole tile gives nothing, and so does any other kind of geometry.
     std::shared_ptr<IGeometry> Clip(Long lngX, Long lngY, const std::shared_ptr<IGeometry>& objInGeometry);
     /// Whether a point lies within a tile; a point on its edge does not. With −1 for both numbers, finds the
-    /// tile and writes its numbers back; where no tile holds the point they end one above the counts.
+    /// tile and writes its numbers back; where no tile holds the point they end one above the counts, and far
+    /// outside it is a failure (9).
     bool IsInside(Long& lngX, Long& lngY, const std::shared_ptr<IGeometry>& objGeometry);
 
   private:
@@ -95,7 +99,8 @@ class clsTileVector {
     bool isInsideTile(Long lngX, Long lngY, const std::shared_ptr<IGeometry>& objGeometry);
 
     TileArray& Tiles() const;
-    void FillTile(Statements& run, Long x, Long y);
+    /// @param n number of the tile named last
+    void FillTile(Statements& run, Long x, Long y, Long& n);
     void SetExtentOfLayer(Statements& run, const std::shared_ptr<IEnvelope>& envelope) const;
     void GuessTile(Statements& run, Long& lngX, Long& lngY, const std::shared_ptr<IGeometry>& objGeometry,
                    bool& result);

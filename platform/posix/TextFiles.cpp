@@ -87,7 +87,7 @@ class File {
 
 bool TextFiles::Exists(const std::string& path) {
     struct stat found {};
-    return ::stat(SystemPath(path).c_str(), &found) == 0;
+    return ::stat(SystemPath(path).c_str(), &found) == 0 && !S_ISDIR(found.st_mode);
 }
 
 void TextFiles::Append(const std::string& path, const std::string& text) {
