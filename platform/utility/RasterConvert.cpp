@@ -1,15 +1,13 @@
 #include "platform/utility/RasterConvert.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
 #include "platform/RuntimeError.h"
 #include "platform/utility/Converter.h"
+#include "platform/utility/Disk.h"
 #include "support/FileReplace.h"
 #include "support/SystemPath.h"
 #include "support/Text.h"
@@ -28,7 +26,7 @@ Integer QualityOf(Integer quality) {
 
 /// The extension of a path without its dot.
 std::string ExtensionOf(const fs::path& path) {
-    const std::string extension = path.extension().string();
+    const std::string extension = PathText(path.extension());
     return extension.empty() ? extension : extension.substr(1);
 }
 
@@ -44,12 +42,10 @@ bool IsPlain(const std::string& text) {
 class WorkFolder {
   public:
     explicit WorkFolder(const fs::path& parent) {
-        std::string name = (parent / ".convert-XXXXXX").string();
-        if (::mkdtemp(name.data()) == nullptr) {
-            reason_ = "cannot write into " + parent.string() + ": " + std::generic_category().message(errno);
-        } else {
-            path_ = name;
-        }
+        const std::error_code failed = CreateWorkFolder(parent, path_);
+        if (!failed) return;
+        path_.clear();
+        reason_ = "cannot write into " + PathText(parent) + ": " + failed.message();
     }
     ~WorkFolder() {
         std::error_code ignored;
@@ -75,7 +71,7 @@ std::string Judge(const std::string& program, const ProcessResult& result, const
         reason = program + " could not be started";
     } else if (result.signal != 0) {
         reason = program + " was ended by signal " + std::to_string(result.signal) + " (" +
-                 ::strsignal(result.signal) + ")";
+                 SignalName(result.signal) + ")";
     } else if (result.exitCode != 0) {
         reason = program + " failed with exit code " + std::to_string(result.exitCode);
     } else if (!fs::is_regular_file(fs::symlink_status(image, failed))) {
@@ -91,8 +87,8 @@ std::string Judge(const std::string& program, const ProcessResult& result, const
 /// Why a target may not be written; empty where its name is free. A finished tile is never replaced.
 std::string Occupied(const std::string& target) {
     std::error_code failed;
-    return fs::exists(fs::symlink_status(SystemPath(target), failed)) ? "a file of that name is there already"
-                                                                      : "";
+    return fs::exists(fs::symlink_status(DiskPath(target), failed)) ? "a file of that name is there already"
+                                                                    : "";
 }
 
 }  // namespace
@@ -122,7 +118,8 @@ std::string RasterConvert::ExportRasterWindow(const std::shared_ptr<IRasterLayer
     }
     const WrittenImage::Extent extent{part.XMin(), part.YMin(), part.XMax(), part.YMax(), width, height};
     const std::string name = SystemPath(path);
-    if (LCase(ExtensionOf(name)).starts_with("tif")) library_->exported.insert_or_assign(name, extent);
+    if (LCase(ExtensionOf(DiskPath(name))).starts_with("tif"))
+        library_->exported.insert_or_assign(name, extent);
     Written({path, std::nullopt, extent});
     return path;
 }
@@ -149,19 +146,19 @@ bool RasterConvert::ConvertExtern(const std::string& program, const std::string&
 }
 
 std::string RasterConvert::Convert(Job& job) {
-    const fs::path target = SystemPath(job.image.path);
+    const fs::path target = DiskPath(job.image.path);
     const std::string extension = ExtensionOf(target);
     if (extension.empty() || !IsPlain(extension)) return "the extension of the name gives no image format";
     const WorkFolder folder(target.has_parent_path() ? target.parent_path() : ".");
     if (!folder.Reason().empty()) return folder.Reason();
     std::string source;
-    std::string reason = ProvideSource(job, folder.Path(), source);
+    std::string reason = ProvideSource(job, PathText(folder.Path()), source);
     if (!reason.empty()) return reason;
     const std::string tile = "tile." + extension;
-    const auto arguments = ConverterArguments({job.program, "./" + source, "./" + tile, job.quality,
-                                               ReadTiffLayout((folder.Path() / source).string())});
+    const auto arguments = ConverterArguments(
+        {job.program, "./" + source, "./" + tile, job.quality, ReadTiffLayout(folder.Path() / source)});
     const ProcessResult result =
-        runner_->Run(SystemPath(job.program), arguments, folder.Path().string(), settings_.interrupted);
+        runner_->Run(SystemPath(job.program), arguments, PathText(folder.Path()), settings_.interrupted);
     StopIfInterrupted();
     reason = Judge(job.program, result, folder.Path() / tile);
     return reason.empty() ? Commit(folder.Path() / tile, target) : reason;
@@ -171,6 +168,7 @@ std::string RasterConvert::Convert(Job& job) {
 /// link to it. The image then shows what the source shows.
 std::string RasterConvert::ProvideSource(Job& job, const std::string& folder, std::string& file) {
     const std::string source = SystemPath(job.sourceFile);
+    const fs::path image = DiskPath(source);
     std::string reason;
     if (job.image.window) {
         file = "source.tif";
@@ -179,11 +177,11 @@ std::string RasterConvert::ProvideSource(Job& job, const std::string& folder, st
         return cut || !reason.empty() ? reason : "the window could not be read";
     }
     std::error_code failed;
-    if (!fs::exists(source, failed)) return "there is no image " + job.sourceFile;
-    const std::string extension = ExtensionOf(source);
+    if (!fs::exists(image, failed)) return "there is no image " + job.sourceFile;
+    const std::string extension = ExtensionOf(image);
     file = extension.empty() || !IsPlain(extension) ? "source" : "source." + extension;
-    fs::create_symlink(fs::absolute(source, failed), fs::path(folder) / file, failed);
-    if (failed) fs::copy_file(source, fs::path(folder) / file, failed);
+    fs::create_symlink(fs::absolute(image, failed), DiskPath(folder) / file, failed);
+    if (failed) fs::copy_file(image, DiskPath(folder) / file, failed);
     const auto exported = library_->exported.find(source);
     if (exported != library_->exported.end()) job.image.extent = exported->second;
     return failed ? failed.message() : std::string();

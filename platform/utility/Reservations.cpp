@@ -1,14 +1,11 @@
 #include "platform/utility/Reservations.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 #include "platform/RuntimeError.h"
+#include "platform/utility/Disk.h"
 #include "support/SystemPath.h"
 
 namespace orvo::utility {
@@ -21,47 +18,30 @@ std::string Join(const std::string& folder, const std::string& name) {
     return folder + (backslash ? "\\" : "/") + name;
 }
 
-[[noreturn]] void Fail(int number, const std::string& folder) {
-    const std::string about = (folder.empty() ? "the current folder" : folder) + " (" +
-                              std::generic_category().message(number) + ")";
-    switch (number) {
-        case ENOENT:
-        case ENOTDIR:
-            throw RuntimeError(Fault::PathNotFound, about);
-        case EACCES:
-        case EPERM:
-        case EROFS:
-        case ENAMETOOLONG:
-        case ELOOP:
-            throw RuntimeError(Fault::PathFileAccess, about);
-        case ENOSPC:
-        case EDQUOT:
-            throw RuntimeError(Fault::DiskFull, about);
-        default:
-            throw RuntimeError(Fault::DeviceIOError, about);
+[[noreturn]] void Fail(const std::error_code& reason, const std::string& folder) {
+    const std::string about =
+        (folder.empty() ? "the current folder" : folder) + " (" + reason.message() + ")";
+    if (reason == std::errc::no_such_file_or_directory || reason == std::errc::not_a_directory)
+        throw RuntimeError(Fault::PathNotFound, about);
+    for (const std::errc refused :
+         {std::errc::permission_denied, std::errc::operation_not_permitted, std::errc::read_only_file_system,
+          std::errc::filename_too_long, std::errc::too_many_symbolic_link_levels}) {
+        if (reason == refused) throw RuntimeError(Fault::PathFileAccess, about);
     }
-}
-
-/// False where another process, or an object of this one, holds the name. A second name for a mark that is
-/// there
-/// (`like`, may be empty) costs a tenth of a new file; where the disk has no such names, a new file serves.
-bool CreateMark(const std::string& mark, const std::string& like, const std::string& folder) {
-    if (!like.empty()) {
-        if (::link(like.c_str(), mark.c_str()) == 0) return true;
-        if (errno == EEXIST) return false;
-    }
-    const int file = ::open(mark.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (file < 0 && errno == EEXIST) return false;
-    if (file < 0) Fail(errno, folder);
-    ::close(file);
-    return true;
+    const bool full = reason == std::errc::no_space_on_device;
+    throw RuntimeError(full ? Fault::DiskFull : Fault::DeviceIOError, about);
 }
 
 bool Exists(const std::string& file, const std::string& folder) {
-    struct stat found {};
-    if (::lstat(file.c_str(), &found) == 0) return true;
-    if (errno != ENOENT) Fail(errno, folder);
-    return false;
+    std::error_code failed;
+    const auto found = std::filesystem::symlink_status(DiskPath(file), failed);
+    if (found.type() == std::filesystem::file_type::none) Fail(failed, folder);
+    return found.type() != std::filesystem::file_type::not_found;
+}
+
+void Remove(const std::string& mark) {
+    std::error_code ignored;
+    std::filesystem::remove(DiskPath(mark), ignored);
 }
 
 /// Removes the mark unless it is kept.
@@ -69,7 +49,7 @@ class MarkGuard {
   public:
     explicit MarkGuard(const std::string& mark) : mark_(mark) {}
     ~MarkGuard() {
-        if (!kept_) ::unlink(mark_.c_str());
+        if (!kept_) Remove(mark_);
     }
     MarkGuard(const MarkGuard&) = delete;
     MarkGuard& operator=(const MarkGuard&) = delete;
@@ -83,7 +63,7 @@ class MarkGuard {
 }  // namespace
 
 Reservations::~Reservations() {
-    for (const auto& [name, held] : held_) ::unlink(held.mark.c_str());
+    for (const auto& [name, held] : held_) Remove(held.mark);
 }
 
 std::string Reservations::Reserve(const void* owner, const std::string& folder, const std::string& baseName,
@@ -96,7 +76,9 @@ std::string Reservations::Reserve(const void* owner, const std::string& folder, 
         const std::string number = std::to_string(counter + 1);
         const std::string name = std::string(diskStem).append(number);
         const std::string mark = std::string(name).insert(nameAt, 1, '.').append(".reserved");
-        if (!CreateMark(mark, lastMark, folder)) continue;
+        const std::error_code failed = CreateMark(mark, lastMark);
+        if (failed == std::errc::file_exists) continue;
+        if (failed) Fail(failed, folder);
         MarkGuard guard(mark);
         const bool taken = std::any_of(extensions.begin(), extensions.end(), [&](const auto& extension) {
             return Exists(extension.empty() ? name : std::string(name).append(".").append(extension), folder);
@@ -123,14 +105,14 @@ void Reservations::Release(const std::string& file) {
     if (dot != std::string::npos && name.find('/', dot) == std::string::npos) name.resize(dot);
     const auto found = held_.find(name);
     if (found == held_.end()) return;
-    ::unlink(found->second.mark.c_str());
+    Remove(found->second.mark);
     held_.erase(found);
 }
 
 void Reservations::ReleaseAll(const void* owner) {
     std::erase_if(held_, [&](const auto& entry) {
         const bool own = entry.second.owner == owner;
-        if (own) ::unlink(entry.second.mark.c_str());
+        if (own) Remove(entry.second.mark);
         return own;
     });
 }

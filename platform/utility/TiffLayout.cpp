@@ -13,7 +13,7 @@ constexpr std::uint32_t kSamplesPerPixel = 277;
 /// Numbers of a TIFF in the byte order that its head names. All are 0 behind a failure.
 class Reader {
   public:
-    explicit Reader(const std::string& file) : stream_(file, std::ios::binary) {
+    explicit Reader(const std::filesystem::path& file) : stream_(file, std::ios::binary) {
         const std::uint32_t order = Number(2);
         little_ = order == 0x4949;
         known_ = (little_ || order == 0x4D4D) && Number(2) == 42;
@@ -40,7 +40,7 @@ class Reader {
 
 }  // namespace
 
-std::optional<TiffLayout> ReadTiffLayout(const std::string& file) {
+std::optional<TiffLayout> ReadTiffLayout(const std::filesystem::path& file) {
     Reader reader(file);
     if (!reader.IsTiff()) return std::nullopt;
     reader.Seek(reader.Number(4));

@@ -1,8 +1,8 @@
 // What the pixels of a TIFF mean, as far as a converter must be told.
 #pragma once
 
+#include <filesystem>
 #include <optional>
-#include <string>
 
 namespace orvo::utility {
 
@@ -13,6 +13,6 @@ struct TiffLayout {
 };
 
 /// The layout of a file's first image; nothing where the file is no TIFF of up to 4 GB.
-std::optional<TiffLayout> ReadTiffLayout(const std::string& file);
+std::optional<TiffLayout> ReadTiffLayout(const std::filesystem::path& file);
 
 }  // namespace orvo::utility
