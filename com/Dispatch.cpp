@@ -117,7 +117,7 @@ HRESULT Dispatch::Invoke(void* object, DISPID id, LCID locale, WORD flags, const
     SetErrorInfo(0, nullptr);
     VARIANT returned;
     VariantInit(&returned);
-    code = DispCallFunc(object, member->slot, CC_STDCALL, VT_HRESULT, converted.Count(), converted.Types(),
+    code = DispCallFunc(object, member->slot, CC_STDCALL, VT_ERROR, converted.Count(), converted.Types(),
                         converted.Values(), &returned);
     if (FAILED(code)) return code;
     if (FAILED(returned.scode)) {
