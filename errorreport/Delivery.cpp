@@ -74,8 +74,12 @@ void Ferrow::SaveReport(const std::string& report) const {
 }
 
 void Ferrow::MailReport(const std::string& report) const {
-    const std::string message = Text(8007) + kLineEnd + Text(8008) + kLineEnd + kLineEnd + Text(8009) +
-                                kLineEnd + Text(8010) + kLineEnd + Text(8011);
+    // Line by line: the first text that is missing is the one that fails.
+    std::string message;
+    for (const Integer id : {Integer{8007}, Integer{8008}}) message += Text(id) + kLineEnd;
+    message += kLineEnd;
+    for (const Integer id : {Integer{8009}, Integer{8010}}) message += Text(id) + kLineEnd;
+    message += Text(8011);
     Desktop().MessageBox(message, "", MessageIcon::None, MessageButtons::OK);
     Desktop().CopyToClipboard(report);
     Desktop().Open("mailto:" + std::string(Trim(strMail_)));

@@ -168,7 +168,12 @@ class RasterRun {
                       << layer_->Height() << " pixels) into " << grid_.columns << " x " << grid_.rows
                       << " tiles of " << grid_.tileWidth << " x " << grid_.tileHeight << " pixels\n";
         }
-        tiler->Tile();
+        try {
+            tiler->Tile();
+        } catch (const std::exception& failure) {
+            // The error dialog itself failed, as where its log cannot be written; what is there stays.
+            if (!Interrupted()) ledger_->AddReason(PlainReason(failure.what(), ""));
+        }
         ledger_->Finish();
     }
 

@@ -89,7 +89,7 @@ void Desktop::ShowModal(IDialogEvents& dialog) {
 }
 
 void Desktop::Beep() {
-    if (options_.read && !options_.interrupted()) Out() << '\a' << std::flush;
+    if (options_.policy == Policy::Ask && !options_.interrupted()) Out() << '\a' << std::flush;
 }
 
 void Desktop::Print(const std::vector<std::string>& lines) {
