@@ -90,9 +90,9 @@ class VectorRun {
                 "the layer has several columns of geometries: the first one is cut");
         const GridPlan& plan = grid_->Plan();
         if (plan.emptyColumns > 0 || plan.emptyRows > 0) {
-            summary_.notices.push_back(
-                std::to_string(plan.emptyColumns) + " columns and " + std::to_string(plan.emptyRows) +
-                " rows lie beyond the layer: a tile's size goes up to whole map units");
+            summary_.notices.push_back("beyond the layer lie columns: " + std::to_string(plan.emptyColumns) +
+                                       ", rows: " + std::to_string(plan.emptyRows) +
+                                       "; a tile's size goes up to whole map units");
         }
     }
 
