@@ -29,7 +29,9 @@ std::string WriteFile(const fs::path& path, std::span<const unsigned char> bytes
 }  // namespace
 
 fs::path PartName(const fs::path& target) {
-    return target.parent_path() / (".part-" + target.filename().string());
+    fs::path name = ".part-";
+    name += target.filename();
+    return target.parent_path() / name;
 }
 
 std::string Commit(const fs::path& part, const fs::path& target) {

@@ -172,6 +172,13 @@ Value& Value::operator=(Value other) noexcept {
     return *this;
 }
 
+Value Value::Adopt(IDispatch* object) {
+    Value adopted;
+    adopted.variant_.vt = VT_DISPATCH;
+    adopted.variant_.pdispVal = object;
+    return adopted;
+}
+
 Value Value::ByReference(Value& to) {
     Value reference;
     reference.variant_.vt = static_cast<VARTYPE>(VT_BYREF | to.variant_.vt);

@@ -76,6 +76,8 @@ class Value {
     Value& operator=(Value other) noexcept;
     ~Value() { ::VariantClear(&variant_); }
 
+    /// Takes the caller's reference over.
+    static Value Adopt(IDispatch* object);
     /// A reference to a value, which outlives it: a callee may write back.
     static Value ByReference(Value& to);
     /// A copy of what a caller handed over, references resolved.

@@ -31,11 +31,7 @@ class EnvelopeObject final : public ScriptObject {
             name, [this, get] { return (*envelope_.*get)(); },
             [this, put](const Value& value) { (*envelope_.*put)(value.AsDouble()); }));
     }
-    Value Copy() const {
-        Value copy(NewEnvelopeObject(envelope_->Clone()));
-        copy.Raw().pdispVal->Release();  // held by the value alone
-        return copy;
-    }
+    Value Copy() const { return Value::Adopt(NewEnvelopeObject(envelope_->Clone())); }
     std::shared_ptr<IEnvelope> envelope_;
 };
 
@@ -46,10 +42,8 @@ ScriptObject* NewEnvelopeObject(std::shared_ptr<IEnvelope> envelope) {
 }
 
 std::shared_ptr<IEnvelope> NewEnvelope() {
-    ScriptObject* const object = NewEnvelopeObject(std::make_shared<memory::Envelope>());
-    auto envelope = EnvelopeOf(object);
-    object->Release();
-    return envelope;
+    const Value object = Value::Adopt(NewEnvelopeObject(std::make_shared<memory::Envelope>()));
+    return EnvelopeOf(object.AsObject().Get());
 }
 
 }  // namespace orvo::windows

@@ -30,12 +30,7 @@ IDispatch* ObjectBehind(const Interface* reference) {
 
 template <class Interface>
 Value ArgumentOf(const Interface* reference) {
-    const Ref<IDispatch> shared = [&] {
-        Ref<IDispatch> owned;
-        *owned.Out() = ObjectBehind(reference);
-        return owned;
-    }();
-    return Value(shared.Get());
+    return Value::Adopt(ObjectBehind(reference));
 }
 
 class HostEnvelope final : public IEnvelope, public Hosted {

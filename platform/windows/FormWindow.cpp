@@ -1,0 +1,272 @@
+#include "platform/windows/FormWindow.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/qt/LabelRoom.h"
+#include "platform/windows/Desktop.h"
+#include "platform/windows/WideText.h"
+
+namespace orvo::windows {
+namespace {
+
+constexpr int kFirstId = 1000;  // of a control's window; below are the system's own
+constexpr DWORD kWindowStyle = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_SETFOREGROUND;
+constexpr const wchar_t* kEdit = L"EDIT";
+constexpr const wchar_t* kStatic = L"STATIC";
+constexpr const wchar_t* kButton = L"BUTTON";
+constexpr const wchar_t* kListBox = L"LISTBOX";
+
+/// A dialog without controls: they are made from the form.
+struct EmptyDialog {
+    DLGTEMPLATE head{kWindowStyle, 0, 0, 0, 0, 0, 0};
+    WORD menuClassAndTitle[3] = {0, 0, 0};
+};
+
+/// The thread's other windows take no input while this lives.
+class OthersDisabled {
+  public:
+    OthersDisabled() { ::EnumThreadWindows(::GetCurrentThreadId(), Disable, reinterpret_cast<LPARAM>(this)); }
+    ~OthersDisabled() {
+        for (const HWND window : windows_) ::EnableWindow(window, TRUE);
+        if (active_ != nullptr) ::SetActiveWindow(active_);
+    }
+    OthersDisabled(const OthersDisabled&) = delete;
+    OthersDisabled& operator=(const OthersDisabled&) = delete;
+
+  private:
+    static BOOL CALLBACK Disable(HWND window, LPARAM self) {
+        if (::IsWindowVisible(window) != 0 && ::EnableWindow(window, FALSE) == 0)
+            reinterpret_cast<OthersDisabled*>(self)->windows_.push_back(window);
+        return TRUE;
+    }
+    HWND active_ = ::GetActiveWindow();
+    std::vector<HWND> windows_;
+};
+
+/// Measures texts in a font.
+class Canvas {
+  public:
+    Canvas(HWND window, HFONT font)
+        : window_(window), device_(::GetDC(window)), before_(::SelectObject(device_, font)) {}
+    ~Canvas() {
+        ::SelectObject(device_, before_);
+        ::ReleaseDC(window_, device_);
+    }
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+    HDC Device() const { return device_; }
+
+  private:
+    HWND window_;
+    HDC device_;
+    HGDIOBJ before_;
+};
+
+/// The failure that is being handled, as the runtime would number it.
+RuntimeError CurrentFailure() {
+    try {
+        throw;
+    } catch (const RuntimeError& failure) {
+        return failure;
+    } catch (const std::bad_alloc&) {
+        return RuntimeError(Fault::OutOfMemory);
+    } catch (const std::exception& failure) {
+        return {static_cast<Long>(Fault::AutomationError), failure.what()};
+    }
+}
+
+void SetText(HWND window, const std::wstring& text) {
+    std::wstring shown(static_cast<std::size_t>(::GetWindowTextLengthW(window)) + 1, L'\0');
+    shown.resize(
+        static_cast<std::size_t>(::GetWindowTextW(window, shown.data(), static_cast<int>(shown.size()))));
+    if (shown != text) ::SetWindowTextW(window, text.c_str());
+}
+
+}  // namespace
+
+FormWindow::FormWindow(IDialogEvents& events, HWND& front, TellFailure tell)
+    : events_(events),
+      front_(front),
+      tell_(std::move(tell)),
+      twips_(TwipsPerPixel()),
+      children_(events.Controls().controls.size()) {}
+
+FormWindow::~FormWindow() {
+    for (const auto& [name, font] : fonts_) ::DeleteObject(font);
+}
+
+bool FormWindow::Wait() {
+    const OthersDisabled others;
+    const EmptyDialog dialog;
+    const INT_PTR done = ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), &dialog.head, nullptr,
+                                                   Procedure, reinterpret_cast<LPARAM>(this));
+    front_ = nullptr;
+    return done > 0;
+}
+
+INT_PTR FormWindow::Procedure(HWND window, UINT message, WPARAM first, LPARAM second) {
+    if (message == WM_INITDIALOG) {
+        ::SetWindowLongPtrW(window, DWLP_USER, second);
+        reinterpret_cast<FormWindow*>(second)->window_ = window;
+    }
+    auto* const self = reinterpret_cast<FormWindow*>(::GetWindowLongPtrW(window, DWLP_USER));
+    return self == nullptr ? FALSE : self->Handle(message, first, second);
+}
+
+INT_PTR FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
+    switch (message) {
+        case WM_INITDIALOG:
+            front_ = window_;
+            Run([this] { events_.Form_Activate(); });
+            ::SetFocus(window_);
+            return FALSE;  // the focus is set
+        case WM_COMMAND: {
+            const int id = LOWORD(first);
+            if (id == IDCANCEL) ::EndDialog(window_, TRUE);
+            if (id >= kFirstId && HIWORD(first) == BN_CLICKED) Click(static_cast<std::size_t>(id - kFirstId));
+            return TRUE;
+        }
+        case WM_CTLCOLORSTATIC:
+            ::SetBkMode(reinterpret_cast<HDC>(first), TRANSPARENT);
+            return reinterpret_cast<INT_PTR>(::GetSysColorBrush(COLOR_BTNFACE));
+        default:
+            static_cast<void>(second);
+            return FALSE;
+    }
+}
+
+void FormWindow::Run(const std::function<void()>& handler) {
+    try {
+        handler();
+    } catch (...) {
+        tell_(CurrentFailure());
+    }
+    Refresh();
+    if (!events_.Controls().self.visible) ::EndDialog(window_, TRUE);
+}
+
+void FormWindow::Click(std::size_t control) {
+    const Control& clicked = events_.Controls().controls.at(control);
+    Run([&] {
+        if (clicked.name == "cmdContinue") events_.cmdContinue_Click(clicked.index);
+        if (clicked.name == "cmdProtocol") events_.cmdProtocol_Click(clicked.index);
+    });
+}
+
+void FormWindow::Refresh() {
+    PlaceWindow();
+    SetText(window_, Wide(events_.Controls().self.Caption()));
+    for (std::size_t n = 0; n < children_.size(); ++n) RefreshControl(n);
+}
+
+/// Gives the window the form's inner size, where the form wants it or in the middle of that place.
+void FormWindow::PlaceWindow() const {
+    const Form& form = events_.Controls();
+    RECT frame{0, 0, Pixels(form.scaleWidth), Pixels(form.scaleHeight)};
+    ::AdjustWindowRectEx(&frame, kWindowStyle, FALSE,
+                         static_cast<DWORD>(::GetWindowLongPtrW(window_, GWL_EXSTYLE)));
+    const int width = frame.right - frame.left;
+    const int height = frame.bottom - frame.top;
+    const int left = Pixels(form.self.box.left) + (Pixels(form.self.box.width) - width) / 2;
+    const int top = Pixels(form.self.box.top) + (Pixels(form.self.box.height) - height) / 2;
+    ::SetWindowPos(window_, nullptr, std::max(left, 0), std::max(top, 0), width, height,
+                   SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void FormWindow::RefreshControl(std::size_t n) {
+    const Control& control = events_.Controls().controls.at(n);
+    const RECT place = Place(control);
+    if (control.TypeName() == "ListBox") {
+        RefreshList(n);
+    } else if (control.TypeName() == "Label") {
+        RefreshLabel(n, place);
+    } else {
+        const bool frame = control.TypeName() == "Frame";
+        const DWORD style = frame ? WS_GROUP | BS_GROUPBOX : WS_TABSTOP | BS_PUSHBUTTON | BS_MULTILINE;
+        SetText(WindowOf(n, kButton, style), Wide(control.Caption()));
+    }
+    const HWND window = children_.at(n).window;
+    ::SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(FontOf(control.font)), TRUE);
+    ::MoveWindow(window, place.left, place.top, place.right - place.left, place.bottom - place.top, TRUE);
+    ::ShowWindow(window, control.visible ? SW_SHOWNA : SW_HIDE);
+}
+
+HWND FormWindow::WindowOf(std::size_t n, const wchar_t* kind, DWORD style) {
+    Child& child = children_.at(n);
+    if (child.kind == kind) return child.window;
+    if (child.window != nullptr) ::DestroyWindow(child.window);
+    const auto id = static_cast<INT_PTR>(n) + kFirstId;
+    child.window = ::CreateWindowExW(kind == kListBox ? WS_EX_CLIENTEDGE : 0, kind, L"", WS_CHILD | style, 0,
+                                     0, 0, 0, window_, reinterpret_cast<HMENU>(id), nullptr, nullptr);
+    child.kind = kind;
+    const HWND before = n == 0 ? HWND_TOP : children_.at(n - 1).window;
+    ::SetWindowPos(child.window, before, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    return child.window;
+}
+
+void FormWindow::RefreshLabel(std::size_t n, const RECT& place) {
+    const Control& control = events_.Controls().controls.at(n);
+    const std::wstring text = Wide(control.Caption());
+    const int width = place.right - place.left;
+    const bool fits = TextHeight(text, width, FontOf(control.font)) <= place.bottom - place.top;
+    const DWORD scrolled = WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY;
+    const HWND window = fits ? WindowOf(n, kStatic, SS_LEFT | SS_NOPREFIX) : WindowOf(n, kEdit, scrolled);
+    SetText(window, text);
+}
+
+void FormWindow::RefreshList(std::size_t n) {
+    const Control& control = events_.Controls().controls.at(n);
+    const HWND window = WindowOf(n, kListBox, WS_TABSTOP | WS_VSCROLL | WS_HSCROLL | LBS_NOINTEGRALHEIGHT);
+    const Canvas canvas(window, FontOf(control.font));
+    ::SendMessageW(window, WM_SETREDRAW, FALSE, 0);
+    ::SendMessageW(window, LB_RESETCONTENT, 0, 0);
+    LONG widest = 0;
+    for (const std::string& entry : control.list) {
+        const std::wstring text = Wide(entry);
+        SIZE size{};
+        ::GetTextExtentPoint32W(canvas.Device(), text.c_str(), static_cast<int>(text.size()), &size);
+        widest = std::max(widest, size.cx);
+        ::SendMessageW(window, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    }
+    constexpr LONG kMargin = 8;  // pixels
+    ::SendMessageW(window, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest + kMargin), 0);
+    ::SendMessageW(window, WM_SETREDRAW, TRUE, 0);
+}
+
+RECT FormWindow::Place(const Control& control) const {
+    const Form& form = events_.Controls();
+    Box box = control.TypeName() == "Label" ? qt::LabelRoom(control, form) : control.box;
+    for (const Control& frame : form.controls) {
+        if (frame.name != control.container) continue;
+        box.left += frame.box.left;
+        box.top += frame.box.top;
+    }
+    return {Pixels(box.left), Pixels(box.top), Pixels(box.left + box.width), Pixels(box.top + box.height)};
+}
+
+int FormWindow::Pixels(double twips) const {
+    return static_cast<int>(std::lround(twips / twips_));
+}
+
+HFONT FormWindow::FontOf(const Font& font) {
+    constexpr double kTwipsPerPoint = 20;
+    const int height = Pixels(font.points * kTwipsPerPoint);
+    HFONT& made = fonts_[{font.family, font.bold ? -height : height}];
+    if (made == nullptr) {
+        made = ::CreateFontW(-height, 0, 0, 0, font.bold ? FW_BOLD : FW_NORMAL, FALSE, FALSE, FALSE,
+                             DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
+                             DEFAULT_PITCH | FF_DONTCARE, Wide(font.family).c_str());
+    }
+    return made;
+}
+
+int FormWindow::TextHeight(const std::wstring& text, int width, HFONT font) const {
+    const Canvas canvas(window_, font);
+    RECT place{0, 0, width, 0};
+    ::DrawTextW(canvas.Device(), text.c_str(), static_cast<int>(text.size()), &place,
+                DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX | DT_EXPANDTABS);
+    return place.right > width ? 0x7FFF : place.bottom;  // a word that is too wide does not fit at all
+}
+
+}  // namespace orvo::windows

@@ -1,0 +1,62 @@
+// A dialog's window, drawn from its form.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <vector>
+
+#include "platform/Desktop.h"
+#include "platform/RuntimeError.h"
+#include "platform/windows/Win32.h"
+
+namespace orvo::windows {
+
+/// Modal over all windows of its thread. Escape and the close box close it without a choice; access keys, Tab
+/// and the arrows work as in every dialog. At first no control has the focus: a key pressed in haste does
+/// nothing. A text that is too long for its place gets a scroll bar and can be copied.
+class FormWindow {
+  public:
+    using TellFailure = std::function<void(const RuntimeError& failure)>;
+
+    /// @param front holds the window while it is open
+    FormWindow(IDialogEvents& events, HWND& front, TellFailure tell);
+    ~FormWindow();
+    FormWindow(const FormWindow&) = delete;
+    FormWindow& operator=(const FormWindow&) = delete;
+
+    /// Shows the dialog until its form is invisible or the user has closed it; false where no window can be.
+    bool Wait();
+
+  private:
+    static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM first, LPARAM second);
+    INT_PTR Handle(UINT message, WPARAM first, LPARAM second);
+    void Run(const std::function<void()>& handler);
+    void Click(std::size_t control);
+
+    void Refresh();
+    void PlaceWindow() const;
+    void RefreshControl(std::size_t control);
+    /// Makes the control's window, or makes it anew where another kind is wanted.
+    HWND WindowOf(std::size_t control, const wchar_t* kind, DWORD style);
+    void RefreshLabel(std::size_t control, const RECT& place);
+    void RefreshList(std::size_t control);
+    RECT Place(const Control& control) const;
+    int Pixels(double twips) const;
+    HFONT FontOf(const Font& font);
+    /// Height that a text takes when it is broken at a width.
+    int TextHeight(const std::wstring& text, int width, HFONT font) const;
+
+    IDialogEvents& events_;
+    HWND& front_;
+    TellFailure tell_;
+    double twips_;
+    HWND window_ = nullptr;
+    struct Child {
+        HWND window = nullptr;
+        const wchar_t* kind = nullptr;
+    };
+    std::vector<Child> children_;  ///< one per control, in the form's order
+    std::map<std::pair<std::string, int>, HFONT> fonts_;
+};
+
+}  // namespace orvo::windows

@@ -1,0 +1,112 @@
+#include "platform/windows/Utility.h"
+
+#include "platform/utility/Library.h"
+#include "platform/windows/Automation.h"
+#include "platform/windows/HostObjects.h"
+#include "platform/windows/Platform.h"
+#include "platform/windows/ProcessRunner.h"
+#include "platform/windows/RasterIO.h"
+#include "platform/windows/ScriptObject.h"
+#include "platform/windows/WideText.h"
+#include "platform/windows/WindowCollection.h"
+
+namespace orvo::windows {
+namespace {
+
+Value Nothing() {
+    return Value::Adopt(nullptr);
+}
+
+class HostUtilTools final : public IUtilTools {
+  public:
+    explicit HostUtilTools(Automation object) : object_(std::move(object)) {}
+    Integer GetLanguageOffset() override {
+        const Long offset = object_.Call(L"GetLanguageOffset").AsLong();
+        if (offset < -0x8000 || offset > 0x7FFF) throw RuntimeError(Fault::Overflow);
+        return static_cast<Integer>(offset);
+    }
+    std::string GetFreeFileName(const std::string& folder, const std::string& baseName,
+                                const std::vector<std::string>& extensions) override {
+        std::vector<Value> arguments{folder, baseName};
+        arguments.insert(arguments.end(), extensions.begin(), extensions.end());
+        return object_.Call(L"GetFreeFileName", std::move(arguments)).AsText();
+    }
+
+  private:
+    Automation object_;
+};
+
+class HostRasterConvert final : public IRasterConvert {
+  public:
+    explicit HostRasterConvert(Automation object) : object_(std::move(object)) {}
+    std::string ExportRasterWindow(const std::shared_ptr<IRasterLayer>& layer, const std::string& targetFile,
+                                   Integer quality, const std::shared_ptr<void>& /*reserved*/,
+                                   const std::shared_ptr<IEnvelope>& envelope, Long width,
+                                   Long height) override {
+        return object_
+            .Call(L"ExportRasterWindow", {Value::Adopt(DispatchOf(layer)), targetFile, quality, Nothing(),
+                                          Value::Adopt(DispatchOf(envelope)), width, height})
+            .AsText();
+    }
+    bool ConvertExtern(const std::string& program, const std::string& sourceFile, std::string& targetFile,
+                       Integer quality, const PixelWindow* window, bool wait) override {
+        Value target(targetFile);
+        const Value part = window == nullptr ? Nothing() : Value::Adopt(NewWindowCollection(*window));
+        const bool done = object_
+                              .Call(L"ConvertExtern",
+                                    {program, sourceFile, Value::ByReference(target), quality, part, wait})
+                              .AsBool();
+        targetFile = target.AsText();
+        return done;
+    }
+
+  private:
+    Automation object_;
+};
+
+template <class Wrapper, class Interface>
+platform::Maker<Interface> HostOr(const wchar_t* progId, platform::Maker<Interface> own) {
+    return [progId, own = std::move(own)]() -> std::shared_ptr<Interface> {
+        Automation object = CreateByName(progId);
+        if (object.Dispatch() == nullptr) return own();
+        return std::make_shared<Wrapper>(std::move(object));
+    };
+}
+
+/// What failed stands in a debugger's window: the component itself hears only that nothing was written.
+void TellDebugger(const std::string& target, const std::string& reason) {
+    ::OutputDebugStringW(Wide("Orvo_Tile: " + target + ": " + reason + "\n").c_str());
+}
+
+}  // namespace
+
+UtilityMakers OwnUtility() {
+    utility::Settings settings;
+    settings.languageOffset = LanguageOffset();
+    settings.onFailure = TellDebugger;
+    auto services = utility::MakeServices(settings, NewRasterIO, std::make_shared<ProcessRunner>());
+    return {std::move(services.newUtilTools), std::move(services.newRasterConvert)};
+}
+
+UtilityMakers HostUtilityOr(UtilityMakers own) {
+    return {HostOr<HostUtilTools>(L"BrindleUtil.clsUtilTools", std::move(own.newUtilTools)),
+            HostOr<HostRasterConvert>(L"BrindleUtil.clsRasterConvert", std::move(own.newRasterConvert))};
+}
+
+Integer LanguageOffset() {
+    constexpr Integer kGerman = 0, kEnglish = 10000, kFrench = 20000;
+    const std::wstring named = Environment(kLanguageVariable);
+    if (named == L"de") return kGerman;
+    if (named == L"en") return kEnglish;
+    if (named == L"fr") return kFrench;
+    switch (PRIMARYLANGID(::GetUserDefaultUILanguage())) {
+        case LANG_GERMAN:
+            return kGerman;
+        case LANG_FRENCH:
+            return kFrench;
+        default:
+            return kEnglish;
+    }
+}
+
+}  // namespace orvo::windows
