@@ -41,24 +41,13 @@ TEST_F(TileRunTest, WalksTheGridFromTheTopLeftAndCutsTheLastColumnAndRow) {
     EXPECT_EQ(OutputFiles().size(), 12U);
 }
 
-TEST_F(TileRunTest, TileLargerThanTheRasterIsOneTile) {
-    Bind(100);
-    EXPECT_TRUE(tiler->Tile());
-    EXPECT_THAT(world->convertedWindows, ElementsAre(PixelWindow{0, 0, 9, 9}));
-}
-
 TEST_F(TileRunTest, MoreThan999TilesAreRefusedWithoutProgress) {
-    facts = {.columns = 37, .rows = 27};
-    world->languageOffset = 20000;
-    Bind(1);  // an odd size in cells grows: 1 → 2 pixels
-    EXPECT_TRUE(tiler->Tile());
-    Renew();
-    status->shown.clear();
     facts = {.columns = 74, .rows = 54};
     Bind(2);
     EXPECT_TRUE(tiler->Tile()) << "999 are allowed";
     EXPECT_EQ(tiler->TileObjectDict()->Count(), 999);
     EXPECT_EQ(status->shown.front().maxValue, 2997);
+    world->languageOffset = 20000;
     Renew();
     facts = {.columns = 80, .rows = 50};
     Bind(2);
@@ -72,14 +61,14 @@ TEST_F(TileRunTest, MoreThan999TilesAreRefusedWithoutProgress) {
 }
 
 TEST_F(TileRunTest, ProgressTextsComeInTheirOrderForEachWay) {
-    Bind(-1);
+    Bind(100);  // larger than the raster
     EXPECT_TRUE(tiler->Tile());
+    EXPECT_THAT(world->convertedWindows, ElementsAre(PixelWindow{0, 0, 9, 9}));
     EXPECT_THAT(
         status->shown,
         ElementsAre(fake::Progress{"Tiling                       ortho.png", 3, false},
                     fake::Progress{"Tiling ortho.png", 0, true}, fake::Progress{"Tiling extern", 0, true},
                     fake::Progress{"Tiling: Change to png", 0, true}, fake::Progress{"", 0, false}));
-    EXPECT_EQ(status->shown[0].text.find('o'), 29U);
 
     status->shown.clear();
     world->convertExtern = fake::Conversion::Fails;
@@ -248,13 +237,9 @@ TEST_F(TileRunTest, RunsAddUpAndTakeNewNamesAlsoBesideOlderTiles) {
 
 TEST_F(TileRunTest, NegativeSizeEndsThroughOverflowOnly) {
     // With widths of −2^30 pixels what is left of the row passes 2^31 in the third cell.
-    facts.columns = 5;
-    facts.cellSize = {1, 1};
     Bind(5);
     tiler->TileWidth(-1073741824);
-    tiler->TileWidth(-1073741824);
     EXPECT_FALSE(tiler->Tile());
-    ASSERT_FALSE(world->failures.empty());
     EXPECT_EQ(ShownError(0), "6 (Overflow)");
     EXPECT_EQ(ShownLabel(0), "Tile");
 }
