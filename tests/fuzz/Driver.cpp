@@ -1,12 +1,14 @@
 // Runs the fuzz target without a fuzzer's runtime: known geometries, mutated at random, for a bounded time.
 //   wkb_fuzz_driver [SECONDS [SEED]]
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <random>
-#include <string>
 #include <vector>
+
+#include "tests/adapters/GeosShapes.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
@@ -14,79 +16,44 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-class Seeds {
-  public:
-    Seeds() {
-        Begin(1).Numbers({5, 5});
-        Begin(1001).Numbers({5, 5, 5});
-        Begin(0x80000001).Numbers({5, 5, 5});
-        Begin(0x20000001).Count(4326).Numbers({5, 5});
-        Begin(2).Count(3).Numbers({-5, 5, 15, 5, 10, 0});
-        Begin(3002).Count(2).Numbers({-5, 5, 1, 2, 15, 5, 3, 4});
-        Begin(3).Count(2).Count(5).Numbers({-1, -1, 15, 0, 15, 12, 0, 10, -1, -1});
-        Count(4).Numbers({2, 2, 4, 2, 4, 4, 2, 2});
-        Begin(3).Count(1).Count(5).Numbers({-2, 2, 12, 8, 12, 2, -2, 8, -2, 2});  // crosses itself
-        Begin(4).Count(2);
-        Part(1).Numbers({1, 1});
-        Part(1).Numbers({10, 10});
-        Begin(6).Count(2);
-        Part(3).Count(1).Count(4).Numbers({0, 0, 10, 0, 10, 10, 0, 0});
-        Part(3).Count(1).Count(4).Numbers({20, 20, 30, 20, 30, 30, 20, 20});
-        Begin(7).Count(1);
-        Part(1).Numbers({1, 1});
-        Begin(3).Count(0xffffffff);
+/// Every kind, as extended and as ISO WKB.
+std::vector<Bytes> Seeds() {
+    std::vector<Bytes> seeds{
+        {1, 1, 0, 0, 0x20, 0xe6, 0x10, 0, 0, 0, 0, 0, 0, 0, 0, 0x14, 0x40, 0, 0, 0, 0, 0, 0, 0x14, 0x40},
+        {1, 3, 0, 0, 0, 0xff, 0xff, 0xff, 0xff}};  // with a reference system; with too many rings
+    for (const char* text :
+         {"POINT (5 5)", "POINT Z (5 5 5)", "LINESTRING (-5 5, 15 5, 10 0)", "LINESTRING Z (-5 5 1, 15 5 3)",
+          "POLYGON ((-1 -1, 15 0, 15 12, 0 10, -1 -1), (2 2, 4 2, 4 4, 2 2))",
+          "POLYGON ((-2 2, 12 8, 12 2, -2 8, -2 2))",  // crosses itself
+          "MULTIPOINT (1 1, 10 10)",
+          "MULTIPOLYGON (((0 0, 10 0, 10 10, 0 0)), ((20 20, 30 20, 30 30, 20 20)))",
+          "GEOMETRYCOLLECTION (POINT (1 1))"}) {
+        seeds.push_back(orvo::geos::test::Bytes(*orvo::geos::test::FromText(text)));
+        seeds.push_back(orvo::geos::test::Read(text)->ToWkb());
     }
-    const std::vector<Bytes>& All() const { return all_; }
-
-  private:
-    Seeds& Begin(std::uint32_t type) {
-        all_.emplace_back();
-        return Part(type);
-    }
-    Seeds& Part(std::uint32_t type) {
-        all_.back().push_back(1);
-        return Count(type);
-    }
-    Seeds& Count(std::uint32_t count) {
-        for (unsigned n = 0; n < 32; n += 8) all_.back().push_back(static_cast<std::uint8_t>(count >> n));
-        return *this;
-    }
-    Seeds& Numbers(std::initializer_list<double> numbers) {
-        for (const double number : numbers) {
-            const auto* bytes = reinterpret_cast<const std::uint8_t*>(&number);
-            all_.back().insert(all_.back().end(), bytes, bytes + sizeof number);
-        }
-        return *this;
-    }
-    std::vector<Bytes> all_;
-};
+    return seeds;
+}
 
 void Mutate(Bytes& bytes, std::mt19937& random) {
     const auto below = [&](std::size_t limit) { return limit == 0 ? 0 : random() % limit; };
     for (std::size_t n = 1 + below(4); n > 0 && !bytes.empty(); --n) {
         const std::size_t at = below(bytes.size());
-        switch (below(6)) {
-            case 0:
-                bytes[at] = static_cast<std::uint8_t>(random());
-                break;
-            case 1:
-                bytes[at] ^= static_cast<std::uint8_t>(1U << below(8));
-                break;
-            case 2:
-                bytes.resize(at);
-                break;
-            case 3:
-                bytes[at] = static_cast<std::uint8_t>(below(2) == 0 ? 0 : 255);
-                break;
-            case 4: {  // one coordinate takes another's place
-                const std::size_t from = below(bytes.size());
-                for (std::size_t i = 0; i < 8 && at + i < bytes.size() && from + i < bytes.size(); ++i)
-                    bytes[at + i] = bytes[from + i];
-                break;
-            }
-            default:
-                bytes.insert(bytes.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at), bytes.end());
-                break;
+        const auto place = bytes.begin() + static_cast<std::ptrdiff_t>(at);
+        const auto value = static_cast<std::uint8_t>(random());
+        const std::size_t kind = below(6);
+        if (kind == 0) *place = value;
+        if (kind == 1) *place ^= static_cast<std::uint8_t>(1U << below(8));
+        if (kind == 2) bytes.resize(at);
+        if (kind == 3) *place = static_cast<std::uint8_t>(below(2) == 0 ? 0 : 255);
+        if (kind == 4) {  // one coordinate takes another's place
+            const Bytes source = bytes;
+            const std::size_t from = below(bytes.size());
+            std::copy_n(source.begin() + static_cast<std::ptrdiff_t>(from),
+                        std::min({std::size_t{8}, bytes.size() - at, bytes.size() - from}), place);
+        }
+        if (kind == 5) {
+            const Bytes rest(place, bytes.end());
+            bytes.insert(bytes.end(), rest.begin(), rest.end());
         }
     }
 }
@@ -100,7 +67,7 @@ int main(int argc, char** argv) {
     std::printf("seed %u\n", seed);
     static_cast<void>(std::fflush(stdout));
     std::mt19937 random(seed);
-    const std::vector<Bytes> seeds = Seeds().All();
+    const std::vector<Bytes> seeds = Seeds();
     for (const Bytes& bytes : seeds) LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
     const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     long runs = 0;
