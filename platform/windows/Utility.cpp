@@ -17,6 +17,20 @@ Value Nothing() {
     return Value::Adopt(nullptr);
 }
 
+/// The language is asked for at every call: the environment of a process may change.
+class OwnUtilTools final : public IUtilTools {
+  public:
+    explicit OwnUtilTools(std::shared_ptr<IUtilTools> names) : names_(std::move(names)) {}
+    Integer GetLanguageOffset() override { return LanguageOffset(); }
+    std::string GetFreeFileName(const std::string& folder, const std::string& baseName,
+                                const std::vector<std::string>& extensions) override {
+        return names_->GetFreeFileName(folder, baseName, extensions);
+    }
+
+  private:
+    std::shared_ptr<IUtilTools> names_;
+};
+
 class HostUtilTools final : public IUtilTools {
   public:
     explicit HostUtilTools(Automation object) : object_(std::move(object)) {}
@@ -82,10 +96,10 @@ void TellDebugger(const std::string& target, const std::string& reason) {
 
 UtilityMakers OwnUtility() {
     utility::Settings settings;
-    settings.languageOffset = LanguageOffset();
     settings.onFailure = TellDebugger;
     auto services = utility::MakeServices(settings, NewRasterIO, std::make_shared<ProcessRunner>());
-    return {std::move(services.newUtilTools), std::move(services.newRasterConvert)};
+    return {[names = std::move(services.newUtilTools)] { return std::make_shared<OwnUtilTools>(names()); },
+            std::move(services.newRasterConvert)};
 }
 
 UtilityMakers HostUtilityOr(UtilityMakers own) {

@@ -1,0 +1,22 @@
+// The four functions that the DLL exports.
+#include "platform/windows/HostObjects.h"
+#include "platform/windows/server/Classes.h"
+#include "platform/windows/server/Registration.h"
+
+namespace windows = orvo::windows;
+
+STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** object) {
+    return windows::GetClassObject(classId, interfaceId, object);
+}
+
+STDAPI DllCanUnloadNow() {
+    return windows::LiveObjects() == 0 && !windows::IsLocked() ? S_OK : S_FALSE;
+}
+
+STDAPI DllRegisterServer() {
+    return windows::Register();
+}
+
+STDAPI DllUnregisterServer() {
+    return windows::Unregister();
+}

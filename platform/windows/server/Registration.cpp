@@ -1,0 +1,90 @@
+#include "platform/windows/server/Registration.h"
+
+#include <string>
+#include <vector>
+
+#include "platform/windows/WideText.h"
+#include "platform/windows/server/Classes.h"
+
+namespace orvo::windows {
+namespace {
+
+constexpr const wchar_t* kScopeVariable = L"ORVO_TILE_SCOPE";
+constexpr const wchar_t* kClasses = L"Software\\Classes\\";
+
+std::wstring TextOf(REFGUID id) {
+    wchar_t text[40] = L"";
+    ::StringFromGUID2(id, text, sizeof text / sizeof *text);
+    return text;
+}
+
+std::wstring ModulePath() {
+    HMODULE module = nullptr;
+    ::GetModuleHandleExW(
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+        reinterpret_cast<const wchar_t*>(&Register), &module);
+    std::wstring path(32768, L'\0');
+    path.resize(::GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size())));
+    return path;
+}
+
+LSTATUS Write(HKEY root, const std::wstring& key, const wchar_t* name, const std::wstring& text) {
+    return ::RegSetKeyValueW(root, (kClasses + key).c_str(), name, REG_SZ, text.c_str(),
+                             static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+}
+
+LSTATUS WriteClass(HKEY root, const CreatableClass& made, const std::wstring& path) {
+    const std::wstring id = TextOf(made.id);
+    const std::wstring key = L"CLSID\\" + id;
+    LSTATUS status = Write(root, key, nullptr, made.description);
+    const auto add = [&](const std::wstring& below, const wchar_t* name, const std::wstring& text) {
+        if (status == ERROR_SUCCESS) status = Write(root, below, name, text);
+    };
+    add(key + L"\\InprocServer32", nullptr, path);
+    add(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
+    add(key + L"\\ProgID", nullptr, made.progId);
+    add(key + L"\\Programmable", nullptr, L"");
+    add(made.progId, nullptr, made.description);
+    add(std::wstring(made.progId) + L"\\CLSID", nullptr, id);
+    return status;
+}
+
+LSTATUS RemoveFrom(HKEY root) {
+    LSTATUS first = ERROR_SUCCESS;
+    for (const CreatableClass& made : CreatableClasses()) {
+        for (const std::wstring& key : {L"CLSID\\" + TextOf(made.id), std::wstring(made.progId)}) {
+            const LSTATUS status = ::RegDeleteTreeW(root, (kClasses + key).c_str());
+            if (status != ERROR_FILE_NOT_FOUND && first == ERROR_SUCCESS) first = status;
+        }
+    }
+    return first;
+}
+
+/// All entries, or none.
+LSTATUS WriteTo(HKEY root) {
+    const std::wstring path = ModulePath();
+    LSTATUS status = ERROR_SUCCESS;
+    for (const CreatableClass& made : CreatableClasses())
+        if (status == ERROR_SUCCESS) status = WriteClass(root, made, path);
+    if (status != ERROR_SUCCESS) RemoveFrom(root);
+    return status;
+}
+
+}  // namespace
+
+HRESULT Register() {
+    const std::wstring scope = Environment(kScopeVariable);
+    LSTATUS status = ERROR_ACCESS_DENIED;
+    if (scope != L"user") status = WriteTo(HKEY_LOCAL_MACHINE);
+    if (status == ERROR_ACCESS_DENIED && scope != L"machine") status = WriteTo(HKEY_CURRENT_USER);
+    return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
+}
+
+HRESULT Unregister() {
+    const std::wstring scope = Environment(kScopeVariable);
+    LSTATUS status = scope == L"machine" ? ERROR_SUCCESS : RemoveFrom(HKEY_CURRENT_USER);
+    if (scope != L"user" && status == ERROR_SUCCESS) status = RemoveFrom(HKEY_LOCAL_MACHINE);
+    return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
+}
+
+}  // namespace orvo::windows
