@@ -1,5 +1,5 @@
 // What layers say about their source, and which sources are refused.
-#include <fstream>
+#include <gmock/gmock.h>
 
 #include "platform/gdal/RasterWorkspace.h"
 #include "tests/adapters/GdalRasters.h"
@@ -7,39 +7,26 @@
 namespace orvo {
 namespace {
 
+using testing::AllOf;
+using testing::HasSubstr;
+
 class GdalLayerTest : public GdalTest {
   protected:
-    /// The text that opening fails with.
-    static std::string Refusal(const std::string& name, Long number = 440) {
+    /// Opening fails with a text that names the file and has that part.
+    static void ExpectRefusal(const std::string& name, const std::string& part, Long number = 440) {
         try {
             gdal::OpenRasterLayer(name);
+            ADD_FAILURE() << name << " was opened";
         } catch (const RuntimeError& failure) {
             EXPECT_EQ(failure.Number(), number);
-            EXPECT_NE(failure.Description().find(name), std::string::npos) << failure.Description();
-            return failure.Description();
+            EXPECT_THAT(failure.Description(), AllOf(HasSubstr(name), HasSubstr(part)));
         }
-        ADD_FAILURE() << name << " was opened";
-        return {};
-    }
-    static bool Has(const std::string& text, const std::string& part) {
-        return text.find(part) != std::string::npos;
     }
 };
 
-TEST_F(GdalLayerTest, AFileSaysWhereItLies) {
-    const std::string path = Make("a b.tif", {.width = 12, .height = 7, .bands = 3, .type = GDT_UInt16});
-    const auto layer = gdal::OpenRasterLayer(path);
-    EXPECT_EQ(layer->FilePath(), path);
-    EXPECT_FALSE(layer->IsInGeodatabase());
+TEST_F(GdalLayerTest, AFileSaysWhatItHolds) {
+    const auto layer = MakeLayer({.width = 12, .height = 7, .bands = 3, .type = GDT_UInt16});
     EXPECT_EQ(layer->RasterDataset()->FormatName(), "GTiff");
-    const auto raster = layer->Raster();
-    EXPECT_EQ(std::pair(raster->Width(), raster->Height()), std::pair(12, 7));
-    EXPECT_EQ(std::pair(raster->MeanCellSize().X, raster->MeanCellSize().Y), std::pair(2.0, 3.0));
-    const auto extent = layer->Extent();
-    EXPECT_EQ((std::array{extent->XMin(), extent->YMin(), extent->XMax(), extent->YMax()}),
-              (std::array{1000.0, 5000.0 - 21, 1024.0, 5000.0}));
-    extent->XMin(0);
-    EXPECT_EQ(layer->Extent()->XMin(), 1000) << "the caller owns what it was given";
     EXPECT_EQ(layer->BandCount(), 3);
     EXPECT_EQ(layer->BandType(3), "UInt16");
     EXPECT_TRUE(layer->IsGeoreferenced());
@@ -73,40 +60,30 @@ TEST_F(GdalLayerTest, RastersInContainersNameContainerAndRaster) {
 }
 
 TEST_F(GdalLayerTest, RefusalsNameTheFileAndTheRemedy) {
-    EXPECT_TRUE(Has(Refusal(folder_ / "none.tif", 53), "Check the path"));
-    EXPECT_TRUE(Has(Refusal(folder_.Put("text.tif", "this is no raster")), "Check"));
-    EXPECT_TRUE(Has(Refusal(folder_.Put("empty.tif", "")), "empty"));
-    EXPECT_TRUE(Has(Refusal(folder_.Path()), "Check"));
-    EXPECT_TRUE(Has(Refusal(Make("rotated.tif", {.transform = {0, 1, 0.1, 0, 0.1, -1}})), "gdalwarp"));
-    EXPECT_TRUE(Has(Refusal(Make("turned.tif", {.transform = {0, 0, 1, 0, 1, 0}})), "gdalwarp"));
-    EXPECT_TRUE(Has(Refusal(Make("south.tif", {.transform = {0, 1, 0, 5, 0, 1}})), "south up"));
-    EXPECT_TRUE(Has(Refusal(Make("west.tif", {.transform = {0, -1, 0, 5, 0, -1}})), "gdalwarp"));
-}
+    ExpectRefusal(folder_ / "none.tif", "Check the path", 53);
+    ExpectRefusal(folder_.Put("text.tif", "this is no raster"), "Check");
+    ExpectRefusal(folder_.Put("empty.tif", ""), "empty");
+    ExpectRefusal(folder_.Path(), "Check");
+    ExpectRefusal(Make("rotated.tif", {.transform = {0, 1, 0.1, 0, 0.1, -1}}), "gdalwarp");
+    ExpectRefusal(Make("turned.tif", {.transform = {0, 0, 1, 0, 1, 0}}), "gdalwarp");
+    ExpectRefusal(Make("south.tif", {.transform = {0, 1, 0, 5, 0, 1}}), "south up");
+    ExpectRefusal(Make("west.tif", {.transform = {0, -1, 0, 5, 0, -1}}), "gdalwarp");
+    EXPECT_NO_THROW(MakeLayer({.transform = {0, 1, 1e-12, 0, -1e-12, -1}})) << "a shear from rounding";
 
-TEST_F(GdalLayerTest, ShearFromRoundingIsNoShear) {
-    EXPECT_NO_THROW(gdal::OpenRasterLayer(Make("noise.tif", {.transform = {0, 1, 1e-12, 0, -1e-12, -1}})));
-}
+    const std::string points = Make("points.tif", {.transform = {0, 1, 0, 0, 0, 1}});
+    char text[] = "";
+    const GDAL_GCP control[] = {
+        {text, text, 0, 0, 7, 50, 0}, {text, text, 9, 0, 8, 50, 0}, {text, text, 0, 9, 7, 48, 0}};
+    ASSERT_EQ(
+        OpenFile(points, GDAL_OF_UPDATE)->SetGCPs(3, control, static_cast<OGRSpatialReference*>(nullptr)),
+        CE_None);
+    ExpectRefusal(points, "gdalwarp");
 
-TEST_F(GdalLayerTest, ControlPointsAloneAreRefused) {
-    const std::string path = Make("points.tif", {.transform = {0, 1, 0, 0, 0, 1}});
-    {
-        GDALDatasetUniquePtr file(GDALDataset::Open(path.c_str(), GDAL_OF_UPDATE));
-        char id[] = "p";
-        char info[] = "";
-        const GDAL_GCP points[] = {
-            {id, info, 0, 0, 7, 50, 0}, {id, info, 9, 0, 8, 50, 0}, {id, info, 0, 9, 7, 48, 0}};
-        ASSERT_EQ(file->SetGCPs(3, points, static_cast<const OGRSpatialReference*>(nullptr)), CE_None);
-    }
-    EXPECT_TRUE(Has(Refusal(path), "gdalwarp"));
-}
-
-TEST_F(GdalLayerTest, AContainerOfSeveralRastersAsksForOne) {
     const std::string package = folder_ / "two.gpkg";
     WriteRaster(package, {.bands = 3, .driver = "GPKG", .options = {"RASTER_TABLE=one"}});
     WriteRaster(package,
                 {.bands = 3, .driver = "GPKG", .options = {"RASTER_TABLE=two", "APPEND_SUBDATASET=YES"}});
-    const std::string text = Refusal(package);
-    EXPECT_TRUE(Has(text, "GPKG:" + package + ":one")) << text;
+    ExpectRefusal(package, "GPKG:" + package + ":one");
 }
 
 TEST_F(GdalLayerTest, FoldersAreWorkspaces) {
@@ -117,8 +94,6 @@ TEST_F(GdalLayerTest, FoldersAreWorkspaces) {
     ASSERT_NE(workspace, nullptr);
     EXPECT_EQ(workspace->PathName(), path);
     EXPECT_EQ(workspace->OpenRasterDataset("a.tif")->FormatName(), "GTiff");
-    EXPECT_THROW(workspace->OpenRasterDataset("b.tif"), RuntimeError);
-    EXPECT_THROW(factory->OpenFromFile(folder_ / "none", 0), RuntimeError);
     EXPECT_THROW(factory->OpenFromFile(folder_ / "a.tif", 0), RuntimeError);
 }
 

@@ -86,94 +86,94 @@ struct Picture {
     int height = 0;
     int bands = 0;
     GDALDataType type = GDT_Unknown;
-    std::array<double, 6> transform{};
     bool placed = false;
     std::vector<Shown> pixels;
-    std::vector<double> cells;  ///< of band 1
-    const Shown& At(int x, int y) const {
-        return pixels.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                         static_cast<std::size_t>(x));
-    }
+    const Shown& At(int x, int y) const { return pixels.at(static_cast<std::size_t>(y * width + x)); }
 };
 
-namespace detail {
-
 inline std::vector<double> Cells(GDALRasterBand& band) {
-    std::vector<double> cells(static_cast<std::size_t>(band.GetXSize()) *
-                              static_cast<std::size_t>(band.GetYSize()));
-    EXPECT_EQ(band.RasterIO(GF_Read, 0, 0, band.GetXSize(), band.GetYSize(), cells.data(), band.GetXSize(),
-                            band.GetYSize(), GDT_Float64, 0, 0, nullptr),
-              CE_None);
+    const int width = band.GetXSize(), height = band.GetYSize();
+    std::vector<double> cells(static_cast<std::size_t>(width * height));
+    EXPECT_EQ(
+        band.RasterIO(GF_Read, 0, 0, width, height, cells.data(), width, height, GDT_Float64, 0, 0, nullptr),
+        CE_None);
     return cells;
 }
 
-}  // namespace detail
+inline GDALDatasetUniquePtr OpenFile(const std::string& path, unsigned flags = GDAL_OF_RASTER) {
+    GDALDatasetUniquePtr file(GDALDataset::Open(path.c_str(), flags));
+    if (!file) throw RuntimeError(1, path + " cannot be opened");
+    return file;
+}
 
 /// Reads an image without any code under test.
 inline Picture Load(const std::string& path) {
-    Picture picture;
-    GDALDatasetUniquePtr file(GDALDataset::Open(path.c_str(), GDAL_OF_RASTER));
-    EXPECT_NE(file, nullptr) << path;
-    if (!file) return picture;
-    picture.width = file->GetRasterXSize();
-    picture.height = file->GetRasterYSize();
-    picture.bands = file->GetRasterCount();
-    picture.type = file->GetRasterBand(1)->GetRasterDataType();
-    picture.placed = file->GetGeoTransform(picture.transform.data()) == CE_None;
+    const auto file = OpenFile(path);
     GDALRasterBand& first = *file->GetRasterBand(1);
-    picture.cells = detail::Cells(first);
-    const bool colours = picture.bands >= 3;
-    const auto green = colours ? detail::Cells(*file->GetRasterBand(2)) : picture.cells;
-    const auto blue = colours ? detail::Cells(*file->GetRasterBand(3)) : picture.cells;
-    // Nodata counts per band; a pixel is hidden where all bands are.
-    auto mask = detail::Cells(*first.GetMaskBand());
-    for (int b = 2; colours && b <= 3; ++b) {
-        const auto other = detail::Cells(*file->GetRasterBand(b)->GetMaskBand());
-        for (std::size_t i = 0; i < mask.size(); ++i) mask[i] = std::max(mask[i], other[i]);
+    std::array<double, 6> transform{};
+    Picture picture{file->GetRasterXSize(),
+                    file->GetRasterYSize(),
+                    file->GetRasterCount(),
+                    first.GetRasterDataType(),
+                    file->GetGeoTransform(transform.data()) == CE_None,
+                    {}};
+    picture.pixels.resize(static_cast<std::size_t>(picture.width * picture.height));
+    for (int c = 0; c < 3; ++c) {
+        GDALRasterBand& band = *file->GetRasterBand(picture.bands >= 3 ? c + 1 : 1);
+        const auto cells = Cells(band);
+        const auto mask = Cells(*band.GetMaskBand());
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            Shown& shown = picture.pixels[i];
+            shown[static_cast<std::size_t>(c)] = static_cast<int>(cells[i]);
+            // Nodata counts per band; a pixel is hidden where all bands are.
+            shown[3] = std::max(shown[3], static_cast<int>(mask[i]));
+        }
     }
-    for (std::size_t i = 0; i < picture.cells.size(); ++i) {
-        Shown shown{static_cast<int>(picture.cells[i]), static_cast<int>(green[i]), static_cast<int>(blue[i]),
-                    static_cast<int>(mask[i])};
-        if (const GDALColorTable* table = first.GetColorTable()) {
+    if (const GDALColorTable* table = first.GetColorTable()) {
+        for (Shown& shown : picture.pixels) {
             const GDALColorEntry* entry = table->GetColorEntry(shown[0]);
             shown = {entry->c1, entry->c2, entry->c3, shown[3] == 0 ? 0 : entry->c4};
         }
-        picture.pixels.push_back(shown);
     }
     return picture;
 }
 
+/// Every pixel shows what the function says of its column and row.
+template <class Expected>
+void ExpectPixels(const Picture& picture, const Expected& expected) {
+    for (int y = 0; y < picture.height; ++y) {
+        for (int x = 0; x < picture.width; ++x)
+            ASSERT_EQ(picture.At(x, y), expected(x, y)) << "at " << x << ", " << y;
+    }
+}
+
 /// A folder, a platform that makes envelopes, and a conversion service.
 class GdalTest : public testing::Test {
-  public:
-    ~GdalTest() override { platform::Install({}); }
-    GdalTest(const GdalTest&) = delete;
-    GdalTest& operator=(const GdalTest&) = delete;
-
   protected:
     GdalTest() {
         platform::Platform made;
         made.newEnvelope = [] { return std::make_shared<memory::Envelope>(); };
         platform::Install(made);
     }
+    ~GdalTest() override { platform::Install({}); }
 
     std::string Make(const std::string& name, const RasterSpec& spec) {
         WriteRaster(folder_ / name, spec);
         return folder_ / name;
     }
-    static memory::Envelope Box(double xMin, double yMin, double xMax, double yMax) {
-        memory::Envelope box;
-        box.XMin(xMin);
-        box.XMax(xMax);
-        box.YMin(yMin);
-        box.YMax(yMax);
-        return box;
+    std::shared_ptr<gdal::RasterLayer> MakeLayer(const RasterSpec& spec) {
+        return gdal::OpenRasterLayer(Make("source.tif", spec));
     }
     /// The envelope of a part given in cells, which need not be whole.
     static memory::Envelope CellBox(const gdal::RasterLayer& layer, double left, double top, double right,
                                     double bottom) {
         const auto& t = layer.GeoTransform();
-        return Box(t[0] + left * t[1], t[3] + bottom * t[5], t[0] + right * t[1], t[3] + top * t[5]);
+        memory::Envelope box;
+        box.XMin(t[0] + left * t[1]);
+        box.XMax(t[0] + right * t[1]);
+        box.YMin(t[3] + bottom * t[5]);
+        box.YMax(t[3] + top * t[5]);
+        return box;
     }
     /// Exports whole cells; returns the file written.
     std::string Export(gdal::RasterLayer& layer, const std::string& name, int left, int top, int columns,
@@ -182,6 +182,12 @@ class GdalTest : public testing::Test {
         return io_->ExportRasterWindow(layer, out_ / name, quality,
                                        CellBox(layer, left, top, left + columns, top + rows), columns, rows,
                                        reason_);
+    }
+
+    void ExpectRefused(gdal::RasterLayer& layer, const std::string& name, int left, int top, int columns,
+                       int rows) {
+        EXPECT_EQ(Export(layer, name, left, top, columns, rows), "") << name;
+        EXPECT_NE(reason_, "") << name;
     }
 
     TempFolder folder_;

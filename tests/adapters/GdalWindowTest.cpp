@@ -10,7 +10,7 @@ class GdalWindowTest : public GdalTest {
     std::shared_ptr<gdal::RasterLayer> Plane() {
         RasterSpec spec{.width = 40, .height = 30};
         spec.cell = [](int x, int y, int) { return 4 * x + 2 * y; };
-        return gdal::OpenRasterLayer(Make("plane.tif", spec));
+        return MakeLayer(spec);
     }
     Picture ExportBox(gdal::RasterLayer& layer, const memory::Envelope& box, int columns, int rows) {
         const std::string file =
@@ -23,9 +23,10 @@ class GdalWindowTest : public GdalTest {
 TEST_F(GdalWindowTest, WholeCellsAreCopiedAlsoWhereArithmeticIsOffByLittle) {
     const auto layer = Plane();
     const Picture tile = ExportBox(*layer, CellBox(*layer, 3 + 9e-7, 5 - 9e-7, 13 - 9e-7, 12 + 9e-7), 10, 7);
-    for (int y = 0; y < 7; ++y) {
-        for (int x = 0; x < 10; ++x) EXPECT_EQ(tile.At(x, y)[0], 4 * (x + 3) + 2 * (y + 5));
-    }
+    ExpectPixels(tile, [](int x, int y) {
+        const int cell = 4 * (x + 3) + 2 * (y + 5);
+        return Shown{cell, cell, cell, 255};
+    });
 }
 
 TEST_F(GdalWindowTest, OtherEnvelopesAreResampledWhereTheyLie) {
@@ -55,42 +56,39 @@ TEST_F(GdalWindowTest, OtherEnvelopesAreResampledWhereTheyLie) {
 TEST_F(GdalWindowTest, PalettesTakeTheNearestCell) {
     RasterSpec spec{.width = 8, .height = 8, .palette = {{0, 0, 0, 255}, {255, 0, 0, 255}, {0, 0, 255, 255}}};
     spec.cell = [](int x, int, int) { return x < 4 ? 1 : 2; };
-    const auto layer = gdal::OpenRasterLayer(Make("palette.tif", spec));
-    const Picture tile = ExportBox(*layer, CellBox(*layer, 0, 0, 8, 8), 24, 24);
-    for (int x = 0; x < 24; ++x) {
-        EXPECT_EQ(tile.At(x, 11), x < 12 ? (Shown{255, 0, 0, 255}) : (Shown{0, 0, 255, 255}));
-    }
+    const auto layer = MakeLayer(spec);
+    ExpectPixels(ExportBox(*layer, CellBox(*layer, 0, 0, 8, 8), 24, 24), [](int x, int) {
+        return x < 12 ? Shown{255, 0, 0, 255} : Shown{0, 0, 255, 255};
+    });
 }
 
-TEST_F(GdalWindowTest, WhatReachesPastTheRasterIsCutOff) {
+TEST_F(GdalWindowTest, WhatReachesPastTheRasterIsCutOffAndNothingToShowIsRefused) {
     const auto layer = Plane();
     const Picture tile = ExportBox(*layer, CellBox(*layer, -5, -4, 5, 6), 5, 6);
     EXPECT_EQ(tile.At(0, 0)[0], 0);
     EXPECT_EQ(tile.At(4, 5)[0], 4 * 4 + 2 * 5);
-}
-
-TEST_F(GdalWindowTest, NothingToShowGivesAReasonAndNoFile) {
-    const auto layer = Plane();
-    const auto fails = [&](const memory::Envelope& box, Long columns, Long rows) {
+    std::filesystem::remove(out_ / "t.png");
+    const auto all = CellBox(*layer, 0, 0, 40, 30);
+    const std::tuple<memory::Envelope, Long, Long> cases[] = {
+        {CellBox(*layer, 50, 0, 60, 10), 10, 10},
+        {CellBox(*layer, 40, 0, 50, 10), 10, 10},  // only touches
+        {memory::Envelope(), 10, 10},
+        {CellBox(*layer, 5, 5, 5, 10), 10, 10},
+        {all, 0, 10},
+        {all, 10, -3}};
+    for (const auto& [box, columns, rows] : cases) {
         reason_.clear();
         EXPECT_EQ(io_->ExportRasterWindow(*layer, out_ / "t.png", 0, box, columns, rows, reason_), "");
         EXPECT_NE(reason_, "");
-    };
-    fails(CellBox(*layer, 50, 0, 60, 10), 10, 10);
-    fails(CellBox(*layer, 40, 0, 50, 10), 10, 10);  // only touches
-    fails(memory::Envelope(), 10, 10);
-    fails(CellBox(*layer, 5, 5, 5, 10), 10, 10);
-    fails(*std::dynamic_pointer_cast<memory::Envelope>(layer->Extent()), 0, 10);
-    fails(*std::dynamic_pointer_cast<memory::Envelope>(layer->Extent()), 10, -3);
-    EXPECT_EQ(Export(*layer, "missing/t.png", 0, 0, 5, 5), "");
-    EXPECT_NE(reason_, "");
+    }
+    ExpectRefused(*layer, "missing/t.png", 0, 0, 5, 5);
     EXPECT_TRUE(out_.Names().empty());
 }
 
 TEST_F(GdalWindowTest, NodataDoesNotBleedIntoItsNeighbours) {
     RasterSpec spec{.width = 20, .height = 20, .type = GDT_Float32, .nodata = -9999};
     spec.cell = [](int x, int y, int) { return x < 10 ? -9999.0 : 100 + y % 2; };
-    const auto layer = gdal::OpenRasterLayer(Make("half.tif", spec));
+    const auto layer = MakeLayer(spec);
     const Picture tile = ExportBox(*layer, CellBox(*layer, 0, 0.5, 20, 19.5), 40, 38);
     EXPECT_EQ(tile.At(2, 20)[3], 0);
     EXPECT_EQ(tile.At(38, 20)[3], 255);
