@@ -15,52 +15,47 @@ namespace orvo {
 namespace {
 
 struct Disk {
-    virtual ~Disk() = default;
-    virtual std::string Folder() = 0;
-    virtual void Put(const std::string& path) = 0;
-    virtual void MakeReadOnly(const std::string& path) = 0;
     std::shared_ptr<IFileSystemObject> files;
+    std::string folder;
+    std::function<void(const std::string&)> put;
+    std::function<void(const std::string&)> makeReadOnly;
+    std::shared_ptr<void> behind;
 };
 
-struct RealDisk : Disk {
-    RealDisk() { files = std::make_shared<posix::FileSystem>(); }
-    std::string Folder() override { return folder.Path(); }
-    void Put(const std::string& path) override { std::ofstream(SystemPath(path)) << "x"; }
-    void MakeReadOnly(const std::string& path) override {
-        std::filesystem::permissions(SystemPath(path), std::filesystem::perms::owner_read);
+Disk RealDisk() {
+    const auto folder = std::make_shared<TempFolder>();
+    return {std::make_shared<posix::FileSystem>(), folder->Path(),
+            [](const std::string& path) { std::ofstream(SystemPath(path)) << "x"; },
+            [](const std::string& path) {
+                std::filesystem::permissions(SystemPath(path), std::filesystem::perms::owner_read);
+            },
+            folder};
+}
+
+Disk FakeDisk() {
+    const auto world = fake::World::Make();
+    return {world->MakePlatform().newFileSystemObject(), "C:\\out",
+            [world](const std::string& path) { world->PutFile(path, "x"); },
+            [world](const std::string& path) { world->readOnlyFiles.insert(fake::World::Normal(path)); },
+            world};
+}
+
+Long FailureOfDelete(IFileSystemObject& files, const std::string& path, bool force) {
+    try {
+        files.DeleteFile(path, force);
+    } catch (const RuntimeError& error) {
+        return error.Number();
     }
-    TempFolder folder;
-};
+    return 0;
+}
 
-struct FakeDisk : Disk {
-    FakeDisk() { files = world->MakePlatform().newFileSystemObject(); }
-    std::string Folder() override { return "C:\\out"; }
-    void Put(const std::string& path) override { world->PutFile(path, "x"); }
-    void MakeReadOnly(const std::string& path) override {
-        world->readOnlyFiles.insert(fake::World::Normal(path));
-    }
-    std::shared_ptr<fake::World> world = fake::World::Make();
-};
-
-using MakeDisk = std::unique_ptr<Disk> (*)();
-
-class FileSystemContract : public testing::TestWithParam<MakeDisk> {
+class FileSystemContract : public testing::TestWithParam<Disk (*)()> {
   protected:
-    Long FailureOfDelete(const std::string& path, bool force) {
-        try {
-            files.DeleteFile(path, force);
-        } catch (const RuntimeError& error) {
-            return error.Number();
-        }
-        return 0;
-    }
-    std::unique_ptr<Disk> disk = GetParam()();
-    IFileSystemObject& files = *disk->files;
+    const Disk disk = GetParam()();
+    IFileSystemObject& files = *disk.files;
 };
 
-INSTANTIATE_TEST_SUITE_P(All, FileSystemContract,
-                         testing::Values(MakeDisk{[] { return std::unique_ptr<Disk>(new RealDisk); }},
-                                         MakeDisk{[] { return std::unique_ptr<Disk>(new FakeDisk); }}),
+INSTANTIATE_TEST_SUITE_P(All, FileSystemContract, testing::Values(&RealDisk, &FakeDisk),
                          [](const auto& param) { return param.index == 0 ? "Real" : "Fake"; });
 
 TEST_P(FileSystemContract, SplitsNames) {
@@ -82,6 +77,9 @@ TEST_P(FileSystemContract, SplitsNames) {
         {"/Tür zu/ä.TIF", "/Tür zu", "ä.TIF", "ä", "TIF"},
         {"C:\\", "", "", "", ""},
         {"/", "", "", "", ""},
+        {"\\", "", "", "", ""},
+        {"c:/", "", "", "", ""},
+        {"//", "", "", "", ""},
         {"", "", "", "", ""},
     };
     for (const Case& c : cases) {
@@ -94,28 +92,56 @@ TEST_P(FileSystemContract, SplitsNames) {
 }
 
 TEST_P(FileSystemContract, TakesBothSeparators) {
-    disk->Put(disk->Folder() + "/a b.png");
-    EXPECT_TRUE(files.FileExists(disk->Folder() + "/a b.png"));
-    EXPECT_TRUE(files.FileExists(disk->Folder() + "\\a b.png"));
-    EXPECT_FALSE(files.FileExists(disk->Folder() + "\\a b.pn"));
-    EXPECT_FALSE(files.FileExists(disk->Folder()));
-    EXPECT_TRUE(files.FolderExists(disk->Folder()));
-    EXPECT_TRUE(files.FolderExists(disk->Folder() + "\\"));
-    EXPECT_FALSE(files.FolderExists(disk->Folder() + "\\a b.png"));
+    disk.put(disk.folder + "/a b.png");
+    EXPECT_TRUE(files.FileExists(disk.folder + "/a b.png"));
+    EXPECT_TRUE(files.FileExists(disk.folder + "\\a b.png"));
+    EXPECT_FALSE(files.FileExists(disk.folder + "\\a b.pn"));
+    EXPECT_FALSE(files.FileExists(disk.folder));
+    EXPECT_TRUE(files.FolderExists(disk.folder));
+    EXPECT_TRUE(files.FolderExists(disk.folder + "\\"));
+    EXPECT_FALSE(files.FolderExists(disk.folder + "\\a b.png"));
 }
 
 TEST_P(FileSystemContract, DeletesWhatItMay) {
-    const std::string file = disk->Folder() + "\\a.tif";
-    EXPECT_EQ(FailureOfDelete(file, true), 53);
-    disk->Put(file);
-    disk->Put(disk->Folder() + "\\b.tif");
-    disk->MakeReadOnly(file);
-    EXPECT_EQ(FailureOfDelete(file, false), 70);
+    const std::string file = disk.folder + "\\a.tif";
+    EXPECT_EQ(FailureOfDelete(files, file, true), 53);
+    disk.put(file);
+    disk.put(disk.folder + "\\b.tif");
+    disk.makeReadOnly(file);
+    EXPECT_EQ(FailureOfDelete(files, file, false), 70);
     EXPECT_TRUE(files.FileExists(file));
-    EXPECT_EQ(FailureOfDelete(disk->Folder() + "\\*.tif", true), 53);
-    EXPECT_EQ(FailureOfDelete(file, true), 0);
+    EXPECT_EQ(FailureOfDelete(files, disk.folder + "\\*.tif", true), 53);
+    EXPECT_EQ(FailureOfDelete(files, file, true), 0);
     EXPECT_FALSE(files.FileExists(file));
-    EXPECT_TRUE(files.FileExists(disk->Folder() + "\\b.tif"));
+    EXPECT_TRUE(files.FileExists(disk.folder + "\\b.tif"));
+}
+
+TEST(PosixFileSystem, NeverDeletesFolders) {
+    const TempFolder folder;
+    std::filesystem::create_directory(folder / "sub");
+    std::filesystem::create_directory_symlink(folder / "sub", folder / "link");
+    for (const char* name : {"sub", "sub/", "link"})
+        EXPECT_EQ(FailureOfDelete(*RealDisk().files, folder / name, true), 70) << name;
+    EXPECT_THAT(folder.Names(), testing::ElementsAre("link", "sub"));
+}
+
+TEST(PosixFileSystem, ResolvesPathsInTheText) {
+    const std::string current = std::filesystem::current_path().string();
+    const std::pair<std::string, std::string> cases[] = {
+        {"/a/./b/../c", "/a/c"},
+        {"/a\\b\\..\\c\\", "/a\\c"},
+        {"/../..", "/"},
+        {"C:\\x\\..\\..\\y", "C:\\y"},
+        {"/a//b", "/a/b"},
+        {"", current},
+        {".", current},
+        {"x\\y", current + "/x\\y"},
+        {"x/../z..", current + "/z.."},
+    };
+    for (const auto& [path, expected] : cases)
+        EXPECT_EQ(posix::FileSystem().GetAbsolutePathName(path), expected) << path;
+    EXPECT_EQ(posix::FileSystem().GetParentFolderName("C:\\\\x"), "C:\\\\");
+    EXPECT_EQ(posix::FileSystem().GetParentFolderName("a//b"), "a");
 }
 
 }  // namespace

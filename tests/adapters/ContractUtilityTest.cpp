@@ -64,6 +64,17 @@ class UtilityContract : public testing::TestWithParam<Utility (*)()> {
     std::string FreeName(const std::vector<std::string>& extensions) {
         return utility.tools->GetFreeFileName(utility.folder, "i142507", extensions);
     }
+    bool Convert(const std::string& source, std::string& target, const PixelWindow* window) {
+        return utility.convert->ConvertExtern(utility.program, source, target, 75, window, true);
+    }
+    static Long FailureOf(const std::function<void()>& call) {
+        try {
+            call();
+        } catch (const RuntimeError& error) {
+            return error.Number();
+        }
+        return 0;
+    }
     Utility utility = GetParam()();
     const std::string stem = utility.folder + (utility.folder.starts_with('/') ? "/" : "\\") + "i142507_";
 };
@@ -71,7 +82,7 @@ class UtilityContract : public testing::TestWithParam<Utility (*)()> {
 INSTANTIATE_TEST_SUITE_P(All, UtilityContract, testing::Values(&RealUtility, &FakeUtility),
                          [](const auto& param) { return param.index == 0 ? "Real" : "Fake"; });
 
-TEST_P(UtilityContract, GivesEachNameOnce) {
+TEST_P(UtilityContract, GivesEachNameOnceInAFolderThatIsThere) {
     EXPECT_EQ(utility.tools->GetLanguageOffset(), 20000);
     utility.put(stem + "2.png");
     utility.put(stem + "3.gif");
@@ -81,42 +92,25 @@ TEST_P(UtilityContract, GivesEachNameOnce) {
     EXPECT_EQ(FreeName({"bmp"}), stem + "5");
     EXPECT_EQ(utility.tools->GetFreeFileName(utility.folder, "other", {"png"}),
               stem.substr(0, stem.size() - 8) + "other_1");
+    EXPECT_EQ(FailureOf([&] { utility.tools->GetFreeFileName(utility.folder + "/missing", "i", {"png"}); }),
+              76);
 }
 
-TEST_P(UtilityContract, ReportsAMissingFolderAndNeverReplacesAnImage) {
-    try {
-        utility.tools->GetFreeFileName(utility.folder + "/missing", "i142507", {"png"});
-        ADD_FAILURE() << "a name in a folder that is not there";
-    } catch (const RuntimeError& error) {
-        EXPECT_EQ(error.Number(), 76);
-    }
-    std::string target = stem + "9.jpg";
-    utility.put(target);
-    EXPECT_FALSE(utility.convert->ConvertExtern(utility.program, utility.source, target, 75, nullptr, true));
-}
-
-TEST_P(UtilityContract, ConvertsAWindowAndCompletesItsName) {
-    std::string target = FreeName({"jpg"});
+TEST_P(UtilityContract, ConvertsAWindowOrAWholeImageAndReplacesNone) {
     const PixelWindow window{10, 20, 30, 40};
-    ASSERT_TRUE(utility.convert->ConvertExtern(utility.program, utility.source, target, 75, &window, true));
-    EXPECT_EQ(target, stem + "1.jpg");
-    EXPECT_TRUE(utility.exists(target));
-}
-
-TEST_P(UtilityContract, ConvertsAWholeImageToTheNameGiven) {
-    std::string target = FreeName({"jpg", "png", "gif"}) + ".png";
-    ASSERT_TRUE(utility.convert->ConvertExtern(utility.program, utility.source, target, 0, nullptr, true));
-    EXPECT_EQ(target, stem + "1.png");
-    EXPECT_TRUE(utility.exists(target));
-}
-
-TEST_P(UtilityContract, LeavesTheTargetAloneWhereItFails) {
     std::string target = FreeName({"png"});
     EXPECT_FALSE(utility.convert->ConvertExtern("", utility.source, target, 0, nullptr, true));
-    EXPECT_FALSE(
-        utility.convert->ConvertExtern(utility.program, utility.source + ".none", target, 0, nullptr, true));
+    EXPECT_FALSE(Convert(utility.source + ".none", target, nullptr));
     EXPECT_EQ(target, stem + "1");
     EXPECT_FALSE(utility.exists(target + ".png"));
+    EXPECT_TRUE(Convert(utility.source, target, &window));
+    EXPECT_EQ(target, stem + "1.png") << "completed";
+    EXPECT_TRUE(utility.exists(target));
+    EXPECT_FALSE(Convert(utility.source, target, nullptr)) << "it stands";
+    target = FreeName({"jpg", "png", "gif"}) + ".png";
+    EXPECT_TRUE(Convert(utility.source, target, nullptr));
+    EXPECT_EQ(target, stem + "2.png") << "as given";
+    EXPECT_TRUE(utility.exists(target));
 }
 
 TEST_P(UtilityContract, ExportsUnderTheNameItReturns) {
@@ -128,15 +122,11 @@ TEST_P(UtilityContract, ExportsUnderTheNameItReturns) {
         utility.convert->ExportRasterWindow(layer, target + ".png", 0, nullptr, envelope, 9, 9);
     EXPECT_THAT(written, StartsWith(target + "."));
     EXPECT_TRUE(utility.exists(written));
-    for (const bool withLayer : {true, false}) {
-        try {
-            utility.convert->ExportRasterWindow(withLayer ? layer : nullptr, target + ".png", 0, nullptr,
-                                                withLayer ? nullptr : envelope, 9, 9);
-            ADD_FAILURE() << withLayer;
-        } catch (const RuntimeError& error) {
-            EXPECT_EQ(error.Number(), 91);
-        }
-    }
+    const auto exportOf = [&](const auto& some, const auto& part) {
+        utility.convert->ExportRasterWindow(some, target + ".png", 0, nullptr, part, 9, 9);
+    };
+    EXPECT_EQ(FailureOf([&] { exportOf(layer, nullptr); }), 91);
+    EXPECT_EQ(FailureOf([&] { exportOf(nullptr, envelope); }), 91);
 }
 
 }  // namespace

@@ -12,14 +12,16 @@
 namespace orvo {
 namespace {
 
-struct Maker {
-    const char* name;
-    platform::Platform (*make)();
-};
+platform::Platform MakeReal() {
+    return real::MakePlatform();
+}
+platform::Platform MakeFake() {
+    return fake::World::Make()->MakePlatform();
+}
 
-class ValuesContract : public testing::TestWithParam<Maker> {
+class ValuesContract : public testing::TestWithParam<platform::Platform (*)()> {
   protected:
-    ValuesContract() { platform::Install(GetParam().make()); }
+    ValuesContract() { platform::Install(GetParam()()); }
     ~ValuesContract() override { platform::Install({}); }
     static std::shared_ptr<IEnvelope> NewEnvelope() {
         return platform::Create(platform::Current().newEnvelope);
@@ -35,10 +37,8 @@ class ValuesContract : public testing::TestWithParam<Maker> {
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(All, ValuesContract,
-                         testing::Values(Maker{"Real", [] { return real::MakePlatform(); }},
-                                         Maker{"Fake", [] { return fake::World::Make()->MakePlatform(); }}),
-                         [](const auto& param) { return param.param.name; });
+INSTANTIATE_TEST_SUITE_P(All, ValuesContract, testing::Values(&MakeReal, &MakeFake),
+                         [](const auto& param) { return param.index == 0 ? "Real" : "Fake"; });
 
 TEST_P(ValuesContract, EnvelopeStartsEmptyAndKeepsItsEdgesInOrder) {
     const auto e = NewEnvelope();
@@ -90,7 +90,7 @@ TEST_P(ValuesContract, LayerTellsItsRasterAndHandsOutANewExtentEachTime) {
     const TempFolder folder("layer");
     std::shared_ptr<IRasterLayer> layer;
     const std::string path = folder.Path() + "/a.tif";
-    if (std::string(GetParam().name) == "Real") {
+    if (GetParam() == &MakeReal) {
         WriteRaster(path, {.width = 40, .height = 30});
         layer = gdal::OpenRasterLayer(path);
     } else {
@@ -111,9 +111,8 @@ TEST_P(ValuesContract, LayerTellsItsRasterAndHandsOutANewExtentEachTime) {
 TEST_P(ValuesContract, WorkspaceIsAFolderThatExists) {
     const TempFolder folder("workspace");
     const auto factory = platform::Create(platform::Current().newRasterWorkspaceFactory);
-    const bool real = std::string(GetParam().name) == "Real";
     const auto workspace = std::dynamic_pointer_cast<IRasterWorkspace>(
-        factory->OpenFromFile(real ? folder.Path() : "C:\\out", 0));
+        factory->OpenFromFile(GetParam() == &MakeReal ? folder.Path() : "C:\\out", 0));
     ASSERT_NE(workspace, nullptr);
     EXPECT_THROW(workspace->OpenRasterDataset("missing.tif"), RuntimeError);
     EXPECT_THROW(factory->OpenFromFile(folder.Path() + "/missing", 0), RuntimeError);
