@@ -211,7 +211,10 @@ class NamedStatus final : public IStatusDisplay {
     Automation object_;
 };
 
-/// The table of functions of a status object: the first three are its own affair.
+}  // namespace
+
+/// The table of functions of a status object: the first three are its own affair. Not in the nameless
+/// namespace: there the compiler would know that nobody implements it.
 struct StatusTable : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE First() = 0;
     virtual HRESULT STDMETHODCALLTYPE Second() = 0;
@@ -222,6 +225,8 @@ struct StatusTable : IDispatch {
   protected:
     ~StatusTable() = default;
 };
+
+namespace {
 
 class BoundStatus final : public IStatusDisplay {
   public:
