@@ -5,7 +5,8 @@ get_property(rooms GLOBAL PROPERTY ORVO_ROOMS)
 install(TARGETS ${rooms} EXPORT Orvo_TileTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 foreach(room support errorreport tileimage tilevector platform)
     install(DIRECTORY ${room}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo_tile/${room}
-        FILES_MATCHING PATTERN "*.h")
+        FILES_MATCHING PATTERN "*.h"
+        REGEX "/qt/[^M][^/]*$" EXCLUDE)  # the window is a module: its door alone is used
 endforeach()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Orvo_Tile)

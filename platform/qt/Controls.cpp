@@ -84,6 +84,27 @@ void CaptionButton::Show(const QString& caption, const QFont& font) {
     Fit();
 }
 
+bool CaptionButton::event(QEvent* event) {
+    if (event->type() == QEvent::Shortcut && static_cast<QShortcutEvent*>(event)->isAmbiguous()) {
+        FocusNextOfKey();
+        return true;
+    }
+    return QPushButton::event(event);
+}
+
+void CaptionButton::FocusNextOfKey() const {
+    QList<CaptionButton*> sharing;
+    for (auto* button : window()->findChildren<QPushButton*>()) {
+        auto* candidate = dynamic_cast<CaptionButton*>(button);
+        if (candidate != nullptr && candidate->isVisible() && candidate->shortcut() == shortcut())
+            sharing.push_back(candidate);
+    }
+    const auto at = std::ranges::find(sharing, window()->focusWidget());
+    const bool last = at == sharing.end() || std::next(at) == sharing.end();
+    (last ? sharing.front() : *std::next(at))->setFocus(Qt::ShortcutFocusReason);
+    window()->setAttribute(Qt::WA_KeyboardFocusChange);  // the focus shows
+}
+
 void CaptionButton::resizeEvent(QResizeEvent* event) {
     QPushButton::resizeEvent(event);
     Fit();
@@ -123,7 +144,16 @@ void Frame::paintEvent(QPaintEvent*) {
 
 List::List(QWidget* parent) : QListWidget(parent) {
     setTextElideMode(Qt::ElideNone);
-    setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setWordWrap(true);
+    setResizeMode(QListView::Adjust);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+}
+
+void List::Place(QRect room) {
+    const int edges = 2 * frameWidth();
+    const int line = fontMetrics().lineSpacing();
+    room.setHeight(std::max(1, (room.height() - edges) / line) * line + edges);
+    setGeometry(room);
 }
 
 void List::Show(const std::vector<std::string>& entries) {

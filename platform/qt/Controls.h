@@ -30,7 +30,8 @@ class TextLabel final : public QTextEdit {
     QFont font_;
 };
 
-/// A button whose caption is broken into lines. Enter clicks it where it has the focus, and only there.
+/// A button whose caption is broken into lines. Enter clicks it where it has the focus, and only there. An
+/// access key that several buttons share moves the focus from one to the next.
 class CaptionButton final : public QPushButton {
   public:
     explicit CaptionButton(QWidget* parent);
@@ -38,10 +39,12 @@ class CaptionButton final : public QPushButton {
     bool Fits() const { return fits_; }
 
   protected:
+    bool event(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    void FocusNextOfKey() const;
     void Fit();
 
     QString caption_;
@@ -58,10 +61,12 @@ class Frame final : public QGroupBox {
     void paintEvent(QPaintEvent* event) override;
 };
 
-/// A list that scrolls both ways; an entry's whole text is its tool tip as well.
+/// A list that scrolls. Long entries go over several lines; an entry is its own tool tip as well.
 class List final : public QListWidget {
   public:
     explicit List(QWidget* parent);
+    /// Takes as much of the room as whole lines fill.
+    void Place(QRect room);
     void Show(const std::vector<std::string>& entries);
 };
 

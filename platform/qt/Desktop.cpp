@@ -8,7 +8,6 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/FailureView.h"
 #include "platform/qt/Application.h"
 #include "platform/qt/Delivery.h"
 #include "platform/qt/FormWindow.h"
@@ -34,7 +33,8 @@ MessageAnswer Desktop::MessageBox(const std::string& text, const std::string& ti
     if (options_.interrupted()) return otherwise;
     options_.makeRoom();
     const Texts& texts = TextsOf(options_.language());
-    QMessageBox box(QApplication::activeModalWidget());
+    QWidget* dialog = QApplication::activeModalWidget();
+    QMessageBox box(dialog);
     box.setAttribute(Qt::WA_QuitOnClose, false);
     box.setTextFormat(Qt::PlainText);
     box.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
@@ -50,6 +50,7 @@ MessageAnswer Desktop::MessageBox(const std::string& text, const std::string& ti
     });
     watch.start(kWatchPause);
     box.exec();
+    if (dialog != nullptr) dialog->activateWindow();  // not every display gives the keyboard back by itself
     return asks && box.clickedButton() == yes ? MessageAnswer::Yes : otherwise;
 }
 
@@ -61,7 +62,8 @@ void Desktop::ShowModal(IDialogEvents& dialog) {
         return;
     }
     options_.makeRoom();
-    options_.onFailure(ViewOf(dialog.Controls()).rows.front().text);
+    for (const Control& control : dialog.Controls().controls)
+        if (control.name == "lblError" && control.index == 0) options_.onFailure(control.Caption());
     FormWindow window(dialog, options_.interrupted,
                       [this](const RuntimeError& failure) { TellFailure(failure); });
     window.Wait();

@@ -47,8 +47,8 @@ std::vector<QFont> Narrower(const QFont& font) {
         int stretch;  // percent
         double size;
     };
-    static constexpr Step kSteps[] = {{100, 1}, {95, 1},  {90, 1},  {90, .95}, {85, .95},
-                                      {85, .9}, {80, .9}, {75, .9}, {75, .85}};
+    static constexpr Step kSteps[] = {{100, 1}, {95, 1},   {90, 1},   {85, 1},  {80, 1},
+                                      {75, 1},  {75, .95}, {70, .95}, {70, .9}, {70, .85}};
     std::vector<QFont> fonts;
     for (const Step& step : kSteps) {
         QFont next = font;

@@ -56,6 +56,7 @@ void FormWindow::Wait() {
     Activate();
     if (!events_.Controls().self.visible) return;
     watch_.start(kWatchPause);
+    setFocus();  // of no control: a key pressed in haste does nothing
     exec();
 }
 
@@ -71,7 +72,6 @@ bool FormWindow::event(QEvent* event) {
 
 void FormWindow::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
-    raise();
     activateWindow();
 }
 
@@ -144,6 +144,7 @@ void FormWindow::RefreshControl(const Control& control, QWidget& widget) const {
     const QFont font = ReadableFont(control.font);
     if (auto* list = dynamic_cast<List*>(&widget)) {
         list->setFont(font);
+        list->Place(Place(control));
         list->Show(control.list);
         return;
     }

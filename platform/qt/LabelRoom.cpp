@@ -1,12 +1,14 @@
 #include "platform/qt/LabelRoom.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace orvo::qt {
 namespace {
 
 constexpr Long kSideMargin = 90;
 constexpr Long kBottomMargin = 30;
+constexpr Long kGap = 60;
 constexpr Long kSameLine = 30;
 
 Long Right(const Box& box) {
@@ -31,24 +33,22 @@ const Control* FrameOf(const Control& control, const Form& form) {
 
 Box LabelRoom(const Control& label, const Form& form) {
     const Control* frame = FrameOf(label, form);
-    Long right = (frame == nullptr ? form.scaleWidth : frame->box.width) - kSideMargin;
+    const Long left = std::max(label.box.left, kSideMargin);
+    Long right = std::max((frame == nullptr ? form.scaleWidth : frame->box.width) - kSideMargin, left);
     Long bottom = (frame == nullptr ? form.scaleHeight : frame->box.height) - kBottomMargin;
-    const auto neighbours = [&](const Control& other) {
-        return &other != &label && other.container == label.container && other.visible;
-    };
-    for (const Control& other : form.controls) {
-        const bool beside = other.box.top < Bottom(label.box) && label.box.top < Bottom(other.box);
-        if (neighbours(other) && beside && other.box.left > label.box.left)
-            right = std::min(right, other.box.left);
+    std::vector<Box> others;
+    for (const Control& other : form.controls)
+        if (&other != &label && other.container == label.container && other.visible)
+            others.push_back(other.box);
+    for (const Box& other : others) {
+        const bool beside = other.top < Bottom(label.box) && label.box.top < Bottom(other);
+        if (beside && other.left > label.box.left) right = std::min(right, other.left - kGap);
     }
-    Box room = label.box;
-    room.width = std::max(room.width, right - room.left);
-    for (const Control& other : form.controls) {
-        const bool below = other.box.left < Right(room) && room.left < Right(other.box);
-        if (neighbours(other) && below && other.box.top > room.top) bottom = std::min(bottom, other.box.top);
+    for (const Box& other : others) {
+        const bool below = other.left < right && left < Right(other);
+        if (below && other.top > label.box.top) bottom = std::min(bottom, other.top);
     }
-    room.height = std::max(room.height, bottom - room.top);
-    return room;
+    return {left, label.box.top, right - left, std::max(bottom - label.box.top, Long{0})};
 }
 
 std::string SpokenName(const Control& control, const Form& form) {

@@ -8,7 +8,7 @@
 namespace orvo::qt {
 
 /// The place of a label: designed boxes are small, and the label may take what its frame leaves to its right
-/// and below.
+/// and below. It keeps clear of its frame's edge and of what stands beside it.
 Box LabelRoom(const Control& label, const Form& form);
 
 /// The name by which a screen reader announces a control: its own caption, for a value the title beside it,
