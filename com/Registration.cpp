@@ -95,12 +95,18 @@ LSTATUS Delete(HKEY root, const std::wstring& key) {
     return status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status;
 }
 
-bool HasSubkeys(HKEY root, const std::wstring& key) {
-    HKEY opened = nullptr;
+/// Deletes a key that has no keys below it; true where it is gone.
+bool DeleteLeaf(HKEY root, const std::wstring& key) {
+    const LSTATUS status = RegDeleteKeyW(root, (kClasses + key).c_str());
+    return status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND;
+}
+
+bool HasValues(HKEY root, const std::wstring& key) {
     const std::wstring path = kClasses + key;
-    if (RegOpenKeyExW(root, path.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) return false;
-    DWORD count = 0;
-    RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr, nullptr, nullptr,
+    HKEY opened = nullptr;
+    if (RegOpenKeyExW(root, path.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) return true;
+    DWORD count = 1;
+    RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count, nullptr, nullptr,
                      nullptr, nullptr);
     RegCloseKey(opened);
     return count != 0;
@@ -119,9 +125,13 @@ LSTATUS RemoveFrom(HKEY root) {
     // The 32-bit and the 64-bit DLL share the library's key: the last one takes it along.
     const std::wstring files = LibraryKey() + L"\\" + kLibraryVersion + L"\\0";
     remove(files + L"\\" + kPlatformName);
-    if (HasSubkeys(root, files)) return first;
-    remove(LibraryKey());
-    for (const NamedInterface& each : Interfaces()) remove(L"Interface\\" + TextOf(each.id));
+    if (DeleteLeaf(root, files)) {
+        remove(LibraryKey());
+        for (const NamedInterface& each : Interfaces()) remove(L"Interface\\" + TextOf(each.id));
+    }
+    // Keys of the system that registration may have made.
+    for (const wchar_t* parent : {L"CLSID", L"TypeLib", L"Interface"})
+        if (!HasValues(root, parent)) DeleteLeaf(root, parent);
     return first;
 }
 
