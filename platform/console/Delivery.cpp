@@ -101,7 +101,7 @@ void PrintLines(IProcessRunner& runner, const std::vector<std::string>& lines,
 }
 
 std::string ClipboardSequence(std::string_view text, Clipboard clipboard) {
-    const std::string plain = "\033]52;c;" + Base64(text) + "\a";
+    std::string plain = "\033]52;c;" + Base64(text) + "\a";
     switch (clipboard) {
         case Clipboard::Terminal:
             return plain;
