@@ -166,7 +166,8 @@ void Desktop::ShowBriefly(const FailureView& view, const std::string& choice) co
 template <class Handler>
 void Desktop::Guard(Handler&& handler) const {
     const auto say = [this](Long number, const std::string& description) {
-        Out() << options_.program << ": " << number << " (" << Printable(description, ' ') << ")\n" << std::flush;
+        Out() << options_.program << ": " << number << " (" << Printable(description, ' ') << ")\n"
+              << std::flush;
     };
     try {
         handler();
