@@ -17,6 +17,7 @@ IUnknown* Create() {
 class ClassFactory final : public IClassFactory {
   public:
     explicit ClassFactory(const CreatableClass& made) : class_(made) {}
+    virtual ~ClassFactory() = default;
     ClassFactory(const ClassFactory&) = delete;
     ClassFactory& operator=(const ClassFactory&) = delete;
 
@@ -59,8 +60,6 @@ class ClassFactory final : public IClassFactory {
     }
 
   private:
-    virtual ~ClassFactory() = default;
-
     ModuleUse use_;
     const CreatableClass& class_;
     LONG references_ = 1;

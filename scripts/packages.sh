@@ -1,6 +1,6 @@
 # The Debian packages that this tree needs, in one place. Source it; it only defines functions.
 #
-#   need_packages build|test|bench|demo|lint...   installs what is missing; exits 3 with the command line where it may not
+#   need_packages build|test|windows|bench|demo|lint...   installs what is missing; exits 3 with the command line where it may not
 
 packages_of() {
     local build="cmake ninja-build g++ libgdal-dev libgeos-dev libcli11-dev nlohmann-json3-dev zlib1g-dev libjpeg62-turbo-dev qt6-base-dev"
@@ -10,6 +10,8 @@ packages_of() {
         test) echo "$build $tools libgtest-dev libgmock-dev" ;;
         bench) echo "$build $tools libbenchmark-dev" ;;
         demo) echo "$build imagemagick ca-certificates" ;;
+        windows) echo "cmake ninja-build python3 python3-gdal wine wine64 g++-mingw-w64-x86-64-posix mingw-w64-tools" ;;
+        windows32) echo "cmake ninja-build wine64 g++-mingw-w64-i686-posix mingw-w64-tools" ;;
         lint) echo "$build clang-format clang-tidy" ;;
         *) echo "packages.sh: no such purpose: $1" >&2; return 2 ;;
     esac

@@ -98,7 +98,7 @@ class Value {
 
   private:
     Value As(VARTYPE type) const;
-    VARIANT variant_;
+    VARIANT variant_{};
 };
 
 /// A host's object. An empty one fails every call with number 91.
