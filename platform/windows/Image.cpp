@@ -1,8 +1,11 @@
 #include "platform/windows/Image.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
+#include <optional>
 
+#include "platform/windows/GifTransparency.h"
 #include "platform/windows/WideText.h"
 
 namespace orvo::windows {
@@ -137,11 +140,10 @@ const GUID& LayoutOf(Pixels::Kind kind) {
 }
 
 void SetOption(IPropertyBag2* bag, const wchar_t* name, VARIANT value) {
-    if (bag == nullptr) return;
     std::wstring text(name);
     PROPBAG2 option{};
     option.pstrName = text.data();
-    bag->Write(1, &option, &value);  // an encoder that lacks the option goes by its own
+    Require(bag->Write(1, &option, &value), Utf8(name));
 }
 
 void SetOptions(IPropertyBag2* bag, ImageFormat format, int quality) {
@@ -164,8 +166,10 @@ Pixels WithKind(Pixels& pixels, Pixels::Kind kind) {
     const std::size_t wants = changed.SampleCount();
     const std::uint8_t* from = pixels.samples.data();
     for (std::size_t at = 0; at < changed.samples.size(); at += wants, from += has) {
-        for (std::size_t i = 0; i < wants; ++i)
-            changed.samples[at + i] = i < has ? from[i] : has == 1 ? from[0] : 255;
+        for (std::size_t i = 0; i < wants; ++i) {
+            const std::uint8_t missing = i == 3 ? 255 : from[0];  // opaque; grey in every colour
+            changed.samples[at + i] = i < has ? from[i] : missing;
+        }
     }
     return changed;
 }
@@ -246,7 +250,8 @@ class Encoder {
         Require(::WICConvertBitmapSource(given, bitmap.Get(), converted.Out()), about_);
         WriteSource(converted.Get());
     }
-    void WriteIndexed(Pixels& pixels) {
+    /// The palette entry that is transparent; none where every pixel has a colour.
+    std::optional<std::uint8_t> WriteIndexed(Pixels& pixels) {
         SetSize(pixels);
         SetLayout(GUID_WICPixelFormat8bppIndexed);
         Ref<IWICPalette> palette;
@@ -256,7 +261,8 @@ class Encoder {
             const auto bitmap = BitmapOf(factory_.Get(), pixels);
             const auto source = Quantised(factory_.Get(), bitmap.Get(), HasHoles(pixels), palette);
             Require(frame_->SetPalette(palette.Get()), about_);
-            return WriteSource(source.Get());
+            WriteSource(source.Get());
+            return TransparentEntry(palette.Get());
         }
         Require(palette->InitializeCustom(exact.colours.data(), static_cast<UINT>(exact.colours.size())),
                 about_);
@@ -265,9 +271,18 @@ class Encoder {
                                     static_cast<UINT>(exact.indexes.size()), exact.indexes.data()),
                 about_);
         Commit();
+        return TransparentEntry(palette.Get());
     }
 
   private:
+    static std::optional<std::uint8_t> TransparentEntry(IWICPalette* palette) {
+        std::array<WICColor, kColours> colours{};
+        UINT count = 0;
+        Require(palette->GetColors(kColours, colours.data(), &count), "the colours of a GIF");
+        for (UINT i = 0; i < count; ++i)
+            if (colours.at(i) >> 24 == 0) return static_cast<std::uint8_t>(i);
+        return std::nullopt;
+    }
     static bool HasHoles(const Pixels& pixels) {
         for (std::size_t at = kLoaded - 1; at < pixels.samples.size(); at += kLoaded)
             if (pixels.samples[at] < kOpaqueFrom) return true;
@@ -300,16 +315,17 @@ class Encoder {
 }  // namespace
 
 void WriteImage(const std::string& path, ImageFormat format, Pixels pixels, int quality) {
-    Encoder encoder(path, format, quality);
     if (format == ImageFormat::Gif) {
         pixels = WithKind(pixels, Pixels::Kind::Bgra);
-        return encoder.WriteIndexed(pixels);
+        const auto transparent = Encoder(path, format, quality).WriteIndexed(pixels);
+        if (transparent) MarkTransparent(path, *transparent);
+        return;
     }
     const bool alpha = format == ImageFormat::Png || format == ImageFormat::Tiff;
     const bool grey = format != ImageFormat::Bmp;
     if (pixels.kind == Pixels::Kind::Bgra && !alpha) pixels = WithKind(pixels, Pixels::Kind::Bgr);
     if (pixels.kind == Pixels::Kind::Grey && !grey) pixels = WithKind(pixels, Pixels::Kind::Bgr);
-    encoder.Write(pixels);
+    Encoder(path, format, quality).Write(pixels);
 }
 
 }  // namespace orvo::windows

@@ -19,7 +19,7 @@ namespace {
 struct Georeference {
     double xMin = 0;
     double yMax = 0;
-    Point cellSize{1, 1};
+    Point cellSize;
 };
 
 /// The lines of a world file: cell width, two shears, cell height downwards, centre of the upper left cell.
@@ -40,16 +40,16 @@ std::optional<Georeference> ReadWorldFile(const std::filesystem::path& file) {
 }
 
 /// "tfw" and "tifw" for "tif", then "wld".
-Georeference GeoreferenceOf(const std::string& path) {
+std::optional<Georeference> GeoreferenceOf(const std::string& path) {
     std::filesystem::path file = DiskPath(path);
     const std::string dotted = PathText(file.extension());
     std::vector<std::string> endings{"wld"};
     if (dotted.size() > 2)
         endings = {std::string{dotted[1], dotted.back(), 'w'}, dotted.substr(1) + "w", "wld"};
     for (const std::string& ending : endings) {
-        if (const auto found = ReadWorldFile(file.replace_extension(ending))) return *found;
+        if (const auto found = ReadWorldFile(file.replace_extension(ending))) return found;
     }
-    return {};
+    return std::nullopt;
 }
 
 class Dataset final : public IRasterDataset {
@@ -107,8 +107,9 @@ class RasterLayer final : public IRasterLayer {
 
 std::shared_ptr<IRasterLayer> OpenRasterFile(const std::string& path) {
     const ImageSource image(path);
-    return std::make_shared<RasterLayer>(
-        Facts{path, image.Columns(), image.Rows(), image.FormatName(), GeoreferenceOf(path)});
+    const Georeference onCells{0, static_cast<double>(image.Rows()), {1, 1}};
+    return std::make_shared<RasterLayer>(Facts{path, image.Columns(), image.Rows(), image.FormatName(),
+                                               GeoreferenceOf(path).value_or(onCells)});
 }
 
 std::shared_ptr<IRasterDataset> OpenImageDataset(const std::string& path) {

@@ -1,0 +1,60 @@
+// The desktop where nobody looks at it: clipboard, printer, answers by policy.
+#include "platform/windows/Desktop.h"
+#include "platform/windows/Platform.h"
+#include "platform/windows/WideText.h"
+#include "tests/windows/Checks.h"
+
+namespace orvo::checks {
+namespace {
+
+class Dialog final : public IDialogEvents {
+  public:
+    std::string heard;
+    const Form& Controls() const override { return form_; }
+    void Form_Activate() override { heard += "a"; }
+    void cmdContinue_Click(Integer index) override { heard += std::to_string(index); }
+    void cmdProtocol_Click(Integer) override { heard += "p"; }
+
+  private:
+    Form form_{{"Form", {{"Caption", "t"}}}, 1000, 1000, {}};
+};
+
+void CheckPolicy(windows::Desktop& desktop) {
+    using Answer = MessageAnswer;
+    for (const auto& [policy, heard] : {std::pair{L"next", "a1"}, std::pair{L"leave", "a2"}}) {
+        ::SetEnvironmentVariableW(windows::kOnErrorVariable, policy);
+        Dialog dialog;
+        desktop.ShowModal(dialog);
+        Equal(dialog.heard, heard);
+        Check(desktop.MessageBox("t", "", MessageIcon::Critical, MessageButtons::OK) == Answer::OK);
+        Check(desktop.MessageBox("t", "", MessageIcon::None, MessageButtons::YesNo) == Answer::No);
+    }
+    ::SetEnvironmentVariableW(windows::kOnErrorVariable, L"ask");
+    Dialog unseen;  // there is no screen here
+    desktop.ShowModal(unseen);
+    Equal(unseen.heard, "2");
+}
+
+void CheckClipboard(windows::Desktop& desktop) {
+    desktop.CopyToClipboard("Grüße\r\n\"€\"");
+    ::OpenClipboard(nullptr);
+    const HANDLE wide = ::GetClipboardData(CF_UNICODETEXT);
+    Equal(windows::Utf8(static_cast<const wchar_t*>(::GlobalLock(wide))), "Grüße\r\n\"€\"");
+    ::GlobalUnlock(wide);
+    const HANDLE plain = ::GetClipboardData(CF_TEXT);
+    Equal(std::string(static_cast<const char*>(::GlobalLock(plain))).substr(0, 2), "Gr");
+    ::GlobalUnlock(plain);
+    ::CloseClipboard();
+}
+
+}  // namespace
+
+void CheckDesktop() {
+    windows::Desktop desktop;
+    CheckPolicy(desktop);
+    CheckClipboard(desktop);
+    Fails(482, "default printer", [&] { desktop.Print({"line"}); });
+    Check(desktop.Screen().width >= 0);
+}
+
+}  // namespace orvo::checks
