@@ -13,7 +13,7 @@ namespace {
 class LocaleKept {
   public:
     LocaleKept() : locale_(std::setlocale(LC_ALL, nullptr)) {}
-    ~LocaleKept() { std::setlocale(LC_ALL, locale_.c_str()); }
+    ~LocaleKept() { static_cast<void>(std::setlocale(LC_ALL, locale_.c_str())); }
     LocaleKept(const LocaleKept&) = delete;
     LocaleKept& operator=(const LocaleKept&) = delete;
 

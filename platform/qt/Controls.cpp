@@ -85,7 +85,8 @@ void CaptionButton::Show(const QString& caption, const QFont& font) {
 }
 
 bool CaptionButton::event(QEvent* event) {
-    if (event->type() == QEvent::Shortcut && static_cast<QShortcutEvent*>(event)->isAmbiguous()) {
+    const auto* key = dynamic_cast<const QShortcutEvent*>(event);
+    if (key != nullptr && key->isAmbiguous()) {
         FocusNextOfKey();
         return true;
     }

@@ -41,9 +41,8 @@ std::optional<fs::path> ModuleFolder(const std::string& told) {
     return std::nullopt;
 }
 
-std::string LastLine(const std::string& text) {
-    const auto end = text.rfind('\n');
-    return end == std::string::npos ? text : text.substr(end + 1);
+std::string FirstLine(const std::string& text) {
+    return text.substr(0, text.find('\n'));
 }
 
 /// Lets another process connect to the display first: the toolkit ends a process that cannot. Empty where it
@@ -55,7 +54,7 @@ std::string DisplayTrouble(const std::string& helper) {
     const ProcessResult check = posix::ProcessRunner().Run(helper, {"check"}, "", late);
     if (check.started && check.exitCode == 0) return "";
     if (late()) return "the display does not answer";
-    return "no window can be shown here" + (check.output.empty() ? "" : ": " + LastLine(check.output));
+    return "no window can be shown here" + (check.output.empty() ? "" : ": " + FirstLine(check.output));
 }
 
 std::shared_ptr<IDesktop> OpenModule(const WindowOptions& options, const fs::path& folder,

@@ -52,6 +52,19 @@ inline QString ShownText(const QWidget& widget) {
     return entries.join('|');
 }
 
+/// A file of this folder: rows of texts between bars.
+inline std::vector<QStringList> Table(const std::string& name) {
+    std::vector<QStringList> rows;
+    const QString text = QString::fromStdString(ReadFile(ORVO_QT_TEST_DATA + name));
+    for (const QString& line : text.split('\n', Qt::SkipEmptyParts)) rows.push_back(line.split('|'));
+    return rows;
+}
+
+inline std::string GoldenReport(const std::string& name) {
+    const std::string text = ReadFile(ORVO_QT_TEST_DATA "report-" + name + ".txt");
+    return QString::fromStdString(text).replace("\n", "\r\n").toStdString();
+}
+
 class WindowTest : public testing::Test {
   protected:
     using Step = std::function<void(QDialog& window)>;

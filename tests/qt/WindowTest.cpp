@@ -1,8 +1,6 @@
 // The error dialog's window: what it shows, how it is used, how it closes.
 #include <QClipboard>
-#include <QMimeData>
 #include <map>
-#include <numeric>
 
 #include "errorreport/Version.h"
 #include "tests/qt/WindowFixture.h"
@@ -17,113 +15,36 @@ using testing::IsEmpty;
 struct Language {
     const char* name;
     Integer offset;
-    std::string title;
-    std::map<std::string, std::string> captions;
-    std::array<std::string, 3> comment;  ///< before the company, before the fax number, after it
-    std::array<std::string, 2> upper;    ///< program information, failure
 };
-
-const std::vector<Language>& Languages() {
-    static const std::vector<Language> languages{
-        {"German",
-         0,
-         "ACHTUNG! Ein Fehler ist aufgetreten",
-         {{"framComment", "Hinweise:"},
-          {"framFehler", "Fehlerbeschreibung:"},
-          {"lblErrTitel(0)", "Fehlerbeschreibung:"},
-          {"lblErrTitel(1)", "Modul:"},
-          {"lblErrTitel(2)", "Prozedur:"},
-          {"lblErrTitel(3)", "Zeilen-Nr.:"},
-          {"framProgInfo", "Programm - Infos:"},
-          {"framProtocol", "Fehlerprotokoll..."},
-          {"cmdProtocol(0)", "&Drucken"},
-          {"cmdProtocol(1)", "&Speichern"},
-          {"framContinue", "Weiterer Programmablauf..."},
-          {"cmdContinue(0)", "Befehl wieder&holen"},
-          {"cmdContinue(1)", "Fortsetzen mit &nächstem Befehl"},
-          {"cmdContinue(2)", "&Prozedur verlassen"}},
-         {"Es liegt ein Problem vor, mit dem Sie sich an den technischen Support von ",
-          "  wenden sollten. Bitte drucken Sie den Fehlerreport und faxen ihn an",
-          "oder benutzen Sie die EMail-Funktion. Weitere Hinweise sowie Updates finden Sie im Internet "
-          "(WWW)."},
-         {"PROGRAMM - INFOS:", "FEHLERBESCHREIBUNG:"}},
-        {"English",
-         10000,
-         "WARNING! an error has occured ...",
-         {{"framComment", "Remarks:"},
-          {"framFehler", "Error description:"},
-          {"lblErrTitel(0)", "Error description:"},
-          {"lblErrTitel(1)", "Modul:"},
-          {"lblErrTitel(2)", "Procedure:"},
-          {"lblErrTitel(3)", "Record No.:"},
-          {"framProgInfo", "Program infos:"},
-          {"framProtocol", "Error protocoll..."},
-          {"cmdProtocol(0)", "&Print"},
-          {"cmdProtocol(1)", "&Save"},
-          {"framContinue", "Continue..."},
-          {"cmdContinue(0)", "&Redo Command"},
-          {"cmdContinue(1)", "&Continue with next Command"},
-          {"cmdContinue(2)", "&Exit Procedure"}},
-         {"There is a software problem. Please call the technical Support of ",
-          " . Please print out the bug report and fax them to",
-          ", or use the EMail function. Further information and updates can be find in the Internet (WWW)."},
-         {"PROGRAM INFOS:", "ERROR DESCRIPTION:"}},
-        {"French",
-         20000,
-         "ATTENTION! Une erreur s'est produite ...",
-         {{"framComment", "Remarques:"},
-          {"framFehler", "Description de l'erreur :"},
-          {"lblErrTitel(0)", "Description de l'erreur :"},
-          {"lblErrTitel(1)", "Module:"},
-          {"lblErrTitel(2)", "Procédure:"},
-          {"lblErrTitel(3)", "Ligne N°. :"},
-          {"framProgInfo", "Information programme :"},
-          {"framProtocol", "Protocole d'erreur..."},
-          {"cmdProtocol(0)", "&Imprimer"},
-          {"cmdProtocol(1)", "&Sauver"},
-          {"framContinue", "Continue..."},
-          {"cmdContinue(0)", "&Commande répèter"},
-          {"cmdContinue(1)", "&Continuer avec la commande suivante"},
-          {"cmdContinue(2)", "&Procédure de sortie"}},
-         {"Il y a un problème logiciel. Veuillez appeler le support technique de ",
-          " . Veuillez imprimer le rapport d'erreur et nous le faxer à",
-          ", ou par E-Mail. Pour plus d'informations et des mises à jour, allez sur Internet (www)."},
-         {"INFORMATION PROGRAMME :", "DESCRIPTION DE L'ERREUR :"}}};
-    return languages;
-}
+const Language kLanguages[] = {{"German", 0}, {"English", 10000}, {"French", 20000}};
 
 class EachLanguage : public WindowTest, public testing::WithParamInterface<Language> {
   protected:
     EachLanguage() { LangOffset() = GetParam().offset; }
 };
-INSTANTIATE_TEST_SUITE_P(Window, EachLanguage, testing::ValuesIn(Languages()),
+INSTANTIATE_TEST_SUITE_P(Window, EachLanguage, testing::ValuesIn(kLanguages),
                          [](const auto& instance) { return instance.param.name; });
 
-void ExpectCaptions(const QDialog& window, const Language& language, bool first) {
-    auto expected = language.captions;
-    const std::string company = first ? "" : Text(1);
-    const std::string fax = first ? "" : Text(9107);
-    expected["lblComment"] = language.comment[0] + company + language.comment[1] + fax + language.comment[2];
-    expected["Label1"] = " ! ";
-    expected["lblError(0)"] = "61 (Disk full: R & D)";
-    expected["lblError(1)"] = "Demo";
-    expected["lblError(2)"] = "Cut";
-    expected["lblError(3)"] = "4711";
+/// The captions as given, in one language.
+std::map<std::string, std::string> Captions(Integer offset) {
+    std::map<std::string, std::string> captions;
+    for (const QStringList& row : Table("captions.txt"))
+        captions[row[0].toStdString()] = row[1 + offset / 10000].toStdString();
+    return captions;
+}
+
+/// @param notice language that the notice was built in, before the showing
+void ExpectCaptions(const QDialog& window, Integer offset, Integer notice, bool first) {
+    auto expected = Captions(offset);
+    const auto parts = Captions(notice);
+    expected["lblComment"] = parts.at("comment 1") + (first ? "" : Text(1)) + parts.at("comment 2") +
+                             (first ? "" : Text(9107)) + parts.at("comment 3");
+    for (const char* part : {"comment 1", "comment 2", "comment 3"}) expected.erase(part);
     expected["lblProgInfo"] = "Orvo_Tile  V" + std::to_string(kVersionMajor) + "." +
                               std::to_string(kVersionMinor) + "." + std::to_string(kVersionRevision);
-    expected["cmdProtocol(2)"] = "&EMail";
-    expected["cmdProtocol(3)"] = "&WWW";
-    expected["framCallStack"] = "CallStack:";
-    expected["lstCallStack"] = "14:25:07 [Demo] Public Sub Cut()";
-    std::map<std::string, std::string> shown;
-    for (const Control& control : dynamic_cast<Ferrow&>(GlobalErrorDialog()).Controls().controls) {
-        const QString name = QString::fromStdString(control.name) +
-                             (control.index < 0 ? QString() : QString("(%1)").arg(control.index));
-        const auto* widget = window.findChild<QWidget*>(name);
-        ASSERT_NE(widget, nullptr) << control.name;
-        if (widget->isVisible()) shown[name.toStdString()] = ShownText(*widget).toStdString();
-    }
-    EXPECT_EQ(window.windowTitle().toStdString(), language.title);
+    std::map<std::string, std::string> shown{{"title", window.windowTitle().toStdString()}};
+    for (const auto* widget : window.findChildren<QWidget*>(QRegularExpression("^(fram|lbl|Label|cmd|lst)")))
+        if (widget->isVisible()) shown[widget->objectName().toStdString()] = ShownText(*widget).toStdString();
     EXPECT_EQ(shown, expected);
 }
 
@@ -153,12 +74,12 @@ void ExpectThatAllFits(const QDialog& window) {
 
 TEST_P(EachLanguage, EveryTextIsShownWholeOnBothShowings) {
     Fail({[](QDialog& window) {
-              ExpectCaptions(window, GetParam(), true);
+              ExpectCaptions(window, LangOffset(), LangOffset(), true);
               ExpectThatAllFits(window);
               QTest::mouseClick(&Widget(window, "cmdContinue(0)"), Qt::LeftButton);
           },
           [](QDialog& window) {
-              ExpectCaptions(window, GetParam(), false);
+              ExpectCaptions(window, LangOffset(), LangOffset(), false);
               ExpectThatAllFits(window);
               QTest::mouseClick(&Widget(window, "cmdContinue(2)"), Qt::LeftButton);
           }},
@@ -166,29 +87,10 @@ TEST_P(EachLanguage, EveryTextIsShownWholeOnBothShowings) {
     EXPECT_THAT(heard, ElementsAre("61 (Disk full: R & D)", "61 (Disk full: R & D)"));
 }
 
-std::string GoldenReport(const std::string& programUpper, const std::string& failureUpper,
-                         const std::vector<std::string>& titles) {
-    const std::string separator = std::string(70, '-') + "\r\n";
-    const std::string indent = "          ";
-    return separator + "F E H L E R P R O T O K O L L vom Ferrow\r\n" + separator + programUpper + "\r\n" +
-           indent + "Kachelkarte 7\r\n" + separator + failureUpper + "\r\n" + indent + titles[0] +
-           "\t61 (Disk full: R & D)\r\n" + indent + titles[1] + "\tDemo\r\n" + indent + titles[2] +
-           "\tCut\r\n" + indent + titles[3] + "\t4711\r\n" + indent +
-           "Datum/Uhrzeit:\t03-09-2024 / 14:25:07\r\n" + separator + "CALLSTACK:\r\n" + indent +
-           "14:25:07 [Demo] Public Sub Cut()\r\n" + separator + "SYSTEMINFO:\r\n" + indent +
-           "Plattform:\tWindows NT\r\n" + indent + "Version:\t6.1\r\n" + indent +
-           "Build:\t7601   Service Pack 1\r\n" + separator;
-}
-
 TEST_P(EachLanguage, TheLogHasDesignCaptionsFirstAndLocalizedOnesThen) {
     dynamic_cast<Ferrow&>(GlobalErrorDialog()).SetProgInfo("Kachelkarte 7");
-    const Language& language = GetParam();
-    const std::string first = GoldenReport(
-        "PROGRAMM-INFOS:", "FEHLERBESCHREIBUNG:", {"Fehler-Nr:", "Modul:", "Prozedur:", "Zeilen-Nr.:"});
-    const auto& captions = language.captions;
-    const std::string second = GoldenReport(language.upper[0], language.upper[1],
-                                            {captions.at("lblErrTitel(0)"), captions.at("lblErrTitel(1)"),
-                                             captions.at("lblErrTitel(2)"), captions.at("lblErrTitel(3)")});
+    const std::string first = GoldenReport("design");
+    const std::string second = GoldenReport(GetParam().name);
     Fail({[&](QDialog& window) {
               EXPECT_EQ(File("Orvo_Tile.EPT"), first + "\r\n");  // before the user has done anything
               Click("cmdProtocol(3)")(window);                   // built afresh, now localized
@@ -209,37 +111,14 @@ TEST_P(EachLanguage, EachChoiceHasItsEnd) {
     EXPECT_THAT(boxes, IsEmpty());
 }
 
-struct AccessKey {
-    Integer offset;
-    int key;
-    std::vector<const char*> buttons;  ///< that share it
-};
-
 /// A button on its own is clicked at once; among several the focus goes round, and Enter clicks.
 TEST_F(WindowTest, AccessKeysClickOrGoRoundTheButtonsThatShareThem) {
-    const std::vector<AccessKey> keys{{0, Qt::Key_D, {"cmdProtocol(0)"}},
-                                      {0, Qt::Key_S, {"cmdProtocol(1)"}},
-                                      {0, Qt::Key_E, {"cmdProtocol(2)"}},
-                                      {0, Qt::Key_W, {"cmdProtocol(3)"}},
-                                      {0, Qt::Key_H, {"cmdContinue(0)"}},
-                                      {0, Qt::Key_N, {"cmdContinue(1)"}},
-                                      {0, Qt::Key_P, {"cmdContinue(2)"}},
-                                      {10000, Qt::Key_P, {"cmdProtocol(0)"}},
-                                      {10000, Qt::Key_S, {"cmdProtocol(1)"}},
-                                      {10000, Qt::Key_W, {"cmdProtocol(3)"}},
-                                      {10000, Qt::Key_E, {"cmdProtocol(2)", "cmdContinue(2)"}},
-                                      {10000, Qt::Key_R, {"cmdContinue(0)"}},
-                                      {10000, Qt::Key_C, {"cmdContinue(1)"}},
-                                      {20000, Qt::Key_I, {"cmdProtocol(0)"}},
-                                      {20000, Qt::Key_S, {"cmdProtocol(1)"}},
-                                      {20000, Qt::Key_E, {"cmdProtocol(2)"}},
-                                      {20000, Qt::Key_W, {"cmdProtocol(3)"}},
-                                      {20000, Qt::Key_C, {"cmdContinue(0)", "cmdContinue(1)"}},
-                                      {20000, Qt::Key_P, {"cmdContinue(2)"}}};
-    for (const AccessKey& key : keys) {
-        SCOPED_TRACE(std::to_string(key.offset) + " " + static_cast<char>(key.key));
-        LangOffset() = key.offset;
-        for (std::size_t wanted = 0; wanted < key.buttons.size(); ++wanted) {
+    for (const QStringList& row : Table("access-keys.txt")) {
+        SCOPED_TRACE(row.join(' ').toStdString());
+        LangOffset() = row[0].toShort();
+        const int key = row[1][0].unicode();
+        const QStringList buttons = row.mid(2);
+        for (qsizetype wanted = 0; wanted < buttons.size(); ++wanted) {
             std::vector<std::string> clicked;
             Fail({[&](QDialog& window) {
                 for (auto* button : window.findChildren<QPushButton*>()) {
@@ -247,21 +126,20 @@ TEST_F(WindowTest, AccessKeysClickOrGoRoundTheButtonsThatShareThem) {
                     QObject::connect(button, &QPushButton::clicked,
                                      [&, button] { clicked.push_back(button->objectName().toStdString()); });
                 }
-                if (key.buttons.size() == 1) {
-                    Press(key.key, Qt::AltModifier)(window);
+                if (buttons.size() == 1) {
+                    Press(key, Qt::AltModifier)(window);
                 } else {
                     // Once round, and on to the wanted one.
-                    for (std::size_t n = 0; n <= key.buttons.size() + wanted; ++n) {
-                        Press(key.key, Qt::AltModifier)(window);
-                        EXPECT_EQ(window.focusWidget()->objectName(),
-                                  QString(key.buttons[n % key.buttons.size()]));
+                    for (qsizetype n = 0; n <= buttons.size() + wanted; ++n) {
+                        Press(key, Qt::AltModifier)(window);
+                        EXPECT_EQ(window.focusWidget()->objectName(), buttons[n % buttons.size()]);
                     }
                     EXPECT_THAT(clicked, IsEmpty());
                     Press(wanted == 0 ? Qt::Key_Return : Qt::Key_Space)(window);
                 }
                 window.close();
             }});
-            EXPECT_THAT(clicked, ElementsAre(key.buttons[wanted]));
+            EXPECT_THAT(clicked, ElementsAre(buttons[wanted].toStdString()));
         }
     }
 }
@@ -358,9 +236,7 @@ TEST_F(WindowTest, EachActivationLocalizesAgainAndItsFailureIsToldOnce) {
     Fail({[&](QDialog& window) {
               LangOffset() = 10000;
               activate(window);
-              Language expected = Languages()[1];
-              expected.comment = Languages()[0].comment;  // built before the showing
-              ExpectCaptions(window, expected, true);
+              ExpectCaptions(window, 10000, 0, true);
               LangOffset() = 30000;  // every text fails
               activate(window);
               activate(window);
