@@ -177,35 +177,12 @@ class StatusDisplay final : public IStatusDisplay {
     }
 };
 
-void WriteBitmap(const std::wstring& path, int columns, int rows) {
-    const int line = (columns * 3 + 3) / 4 * 4;
-    std::string file(static_cast<std::size_t>(54 + line * rows), '\0');
-    const auto put = [&](std::size_t at, int value) {
-        for (std::size_t i = 0; i < 4; ++i) file[at + i] = static_cast<char>(value >> (8 * i));
-    };
-    file[0] = 'B';
-    file[1] = 'M';
-    put(2, 54 + line * rows);
-    put(10, 54);
-    put(14, 40);
-    put(18, columns);
-    put(22, rows);
-    file[26] = 1;
-    file[28] = 24;
-    for (int y = 0; y < rows; ++y)
-        for (int x = 0; x < columns * 3; ++x)
-            file[static_cast<std::size_t>(54 + line * y + x)] = static_cast<char>(40 * y + x);
-    FILE* target = _wfopen(path.c_str(), L"wb");
-    std::fwrite(file.data(), 1, file.size(), target);
-    std::fclose(target);
-}
-
 void TestImage() {
     const std::wstring folder = TempFolder() + L"\\vtable";
     CreateDirectoryW(folder.c_str(), nullptr);
-    const std::wstring source = TempFolder() + L"\\vtable.bmp";
-    WriteBitmap(source, 6, 4);
-    HostObject* layer = NewRasterLayer(source.c_str(), 6, 4);
+    wchar_t source[MAX_PATH];
+    GetFullPathNameW(L"source.bmp", MAX_PATH, source, nullptr);
+    HostObject* layer = NewRasterLayer(source, 6, 4);
     StatusDisplay status;
     Held<IDispatch> dictionary, again;
     {

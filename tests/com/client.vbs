@@ -1,4 +1,5 @@
-' A script that knows ProgIDs and member names only. Its last line holds the exact number of checks.
+' client.vbs SOURCE FOLDER: a script that knows ProgIDs and member names only. It cuts SOURCE into FOLDER and names each
+' tile with its edges; the last line holds the exact number of checks.
 Option Explicit
 
 Dim checks, failures
@@ -12,41 +13,6 @@ Sub Check(what, holds)
         WScript.Echo "FAILED: " & what
     End If
 End Sub
-
-Class Envelope
-    Public XMin
-    Public YMin
-    Public XMax
-    Public YMax
-    Public Depth
-    Public Sub SetTo(x1, y1, x2, y2)
-        XMin = x1
-        YMin = y1
-        XMax = x2
-        YMax = y2
-    End Sub
-    Public Property Get Width
-        Width = XMax - XMin
-    End Property
-    Public Property Get Height
-        Height = YMax - YMin
-    End Property
-    Public Property Get IsEmpty
-        IsEmpty = XMax <= XMin Or YMax <= YMin
-    End Property
-    Public Function Clone
-        Dim copy
-        Set copy = New Envelope
-        copy.SetTo XMin, YMin, XMax, YMax
-        Set Clone = copy
-    End Function
-    Public Sub Intersect(other)
-        If other.XMin > XMin Then XMin = other.XMin
-        If other.YMin > YMin Then YMin = other.YMin
-        If other.XMax < XMax Then XMax = other.XMax
-        If other.YMax < YMax Then YMax = other.YMax
-    End Sub
-End Class
 
 Class VectorLayer
     Public AreaOfInterest
@@ -121,49 +87,14 @@ Class StatusDisplay
     End Sub
 End Class
 
-Class CellSize
-    Public X
-    Public Y
-End Class
-
-Class Dataset
-    Public FormatName
-End Class
-
-Class Raster
-    Public Width
-    Public Height
-    Public MeanCellSize
-    Public RasterDataset
-End Class
-
-Class RasterLayer
-    Public FilePath
-    Public Raster
-    Public Extent
-End Class
-
 Function NewEnvelope(x1, y1, x2, y2)
     Dim made
-    Set made = New Envelope
-    made.SetTo x1, y1, x2, y2
+    Set made = CreateObject("OrvoPlatform.Envelope")
+    made.XMin = x1
+    made.YMin = y1
+    made.XMax = x2
+    made.YMax = y2
     Set NewEnvelope = made
-End Function
-
-Function NewLayer(path, columns, rows)
-    Dim layer
-    Set layer = New RasterLayer
-    layer.FilePath = path
-    Set layer.Raster = New Raster
-    layer.Raster.Width = columns
-    layer.Raster.Height = rows
-    Set layer.Raster.MeanCellSize = New CellSize
-    layer.Raster.MeanCellSize.X = 1
-    layer.Raster.MeanCellSize.Y = 1
-    Set layer.Raster.RasterDataset = New Dataset
-    layer.Raster.RasterDataset.FormatName = "BMP"
-    Set layer.Extent = NewEnvelope(0, 0, columns, rows)
-    Set NewLayer = layer
 End Function
 
 ' What a statement fails with.
@@ -193,7 +124,7 @@ End Function
 
 ' --- the vector class ---
 
-Dim grid, tile, other, x, y, line, found, where, column, row, id
+Dim grid, tile, other, i, y, line, found, where, column, row, id
 Set grid = CreateObject("Orvo_Tile.clsTileVector")
 Check "a new grid has one column", grid.TileCountX = 1
 Check "a new grid has one row", grid.TileCountY = 1
@@ -285,12 +216,14 @@ other.InitializeTiles
 Check "columns given", other.TileCountX = 8
 Check "the row height goes into the width", other.GetTileExtent(1, 1).Width = 300
 
-' --- the image class ---
+' --- the image class: a job on a system without a map platform ---
 
-Dim image, status, folder, files, tiles, keys
+Dim image, status, folder, files, tiles, keys, source, raster
 Set files = CreateObject("Scripting.FileSystemObject")
-folder = files.GetAbsolutePathName("vbscript")
-If Not files.FolderExists(folder) Then files.CreateFolder folder
+source = files.GetAbsolutePathName(WScript.Arguments(0))
+folder = files.GetAbsolutePathName(WScript.Arguments(1))
+Set raster = CreateObject("OrvoPlatform.RasterLayer")
+raster.Open source
 Set image = CreateObject("Orvo_Tile.clsTileImage")
 Set tiles = image.TileObjectDict
 Check "the dictionary is empty", tiles.Count = 0
@@ -302,31 +235,33 @@ image.SavePath = folder
 image.GraphicFormat = "png"
 image.GraphicConvertProg = ""
 image.GraphicQuality = 75
-Set image.ClipEnvelope = NewEnvelope(0, 2, 6, 4)
-image.ImageLayer NewLayer(files.GetAbsolutePathName("source.bmp"), 6, 4)
-image.TileWidth = 2
-image.TileHeight = 2
-Check "the upper row is cut", image.Tile
-Check "three tiles", tiles.Count = 3
-Check "the run was announced", status.Starts = 1 And status.Announced = 18 And status.Ends = 1
-Check "with the image's name", Right(status.Title, 10) = "source.bmp"
-Check "step by step", status.Steps >= 6
+image.ImageLayer raster, files.GetAbsolutePathName("none.png")
+image.TileWidth = 32
+image.TileHeight = 32
+Check "an image that is not there", image.Tile = False And status.Starts = 0
+image.ImageLayer raster
+Check "the image is cut", image.Tile
+Check "nine tiles", tiles.Count = 9
+Check "the run was announced", status.Starts = 1 And status.Announced = 27 And status.Ends = 1
+Check "with the image's name", Right(status.Title, Len(WScript.Arguments(0))) = WScript.Arguments(0)
+Check "step by step", status.Steps >= 18
 keys = tiles.Keys
-Check "the first tile lies in the upper left", tiles.Item(keys(0)).XMin = 0 And tiles.Item(keys(0)).YMax = 4
-Check "the last one in the upper right", tiles.Item(keys(2)).XMax = 6 And tiles.Item(keys(2)).YMin = 2
-Check "its file is there", files.FileExists(folder & "\" & keys(2))
+For i = 0 To 8
+    Set tile = tiles.Item(keys(i))
+    WScript.Echo "tile " & keys(i) & " " & tile.XMin & " " & tile.YMin & " " & tile.XMax & " " & tile.YMax
+Next
+Check "the first tile lies in the upper left", tiles.Item(keys(0)).XMin = 1000 And tiles.Item(keys(0)).YMax = 2000
+Check "the last one in the lower right", tiles.Item(keys(8)).XMax = 1085 And tiles.Item(keys(8)).YMin = 1925
+Check "its file is there", files.FileExists(folder & "\" & keys(8))
+Set image.ClipEnvelope = NewEnvelope(1000, 1990, 1085, 2010)
+image.ImageLayer raster, source
+Check "the upper row alone", image.Tile And tiles.Count = 12
 Set image.ClipEnvelope = Nothing
-image.ImageLayer NewLayer(files.GetAbsolutePathName("none.bmp"), 6, 4), files.GetAbsolutePathName("source.bmp")
-Check "the image by the name that is given", image.Tile And status.Starts = 2
-image.ImageLayer NewLayer(files.GetAbsolutePathName("none.bmp"), 6, 4)
-Check "an image that is not there", image.Tile = False And status.Starts = 2
-image.ImageLayer NewLayer(files.GetAbsolutePathName("source.bmp"), 6, 4)
-Check "the whole image", image.Tile And tiles.Count = 9
 Check "a folder is a workspace", image.GetWorkspace(folder).PathName = folder
 
 ' --- what fails ---
 
-Dim failing, i
+Dim failing
 failing = Array("read Id", 438, "read LayerExtent", 438, "read TileWidth", 438, "read SavePath", 438, _
     "read GraphicQuality", 438, "write TileCount", 438, "write TileObjectDict", 438, "missing member", 438, _
     "too few", 449, "too many", 450, "text for number", 13, "too large", 6, "unset", 0)
@@ -336,6 +271,6 @@ For i = 0 To UBound(failing) Step 2
 Next
 
 Set image = Nothing
-Check "the dictionary outlives its object", tiles.Count = 9 And tiles.Exists(keys(0))
+Check "the dictionary outlives its object", tiles.Count = 12 And tiles.Exists(keys(0))
 
 WScript.Echo "checks " & checks & " failed " & failures
