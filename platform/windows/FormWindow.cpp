@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "platform/qt/LabelRoom.h"
 #include "platform/windows/Desktop.h"
@@ -12,6 +13,11 @@ namespace {
 
 constexpr int kFirstId = 1000;  // of a control's window; below are the system's own
 constexpr DWORD kWindowStyle = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_SETFOREGROUND;
+/// The design's font has the system's dialog font for a successor of the same widths.
+constexpr const char* kDesignFamily = "MS Sans Serif";
+constexpr const wchar_t* kDialogFamily = L"MS Shell Dlg";
+constexpr int kFull = 100;        // per cent
+constexpr int kButtonEdges = 12;  // pixels that a caption keeps from both edges together
 constexpr const wchar_t* kEdit = L"EDIT";
 constexpr const wchar_t* kStatic = L"STATIC";
 constexpr const wchar_t* kButton = L"BUTTON";
@@ -83,6 +89,10 @@ void SetText(HWND window, const std::wstring& text) {
     if (shown != text) ::SetWindowTextW(window, text.c_str());
 }
 
+void SetFont(HWND window, HFONT font) {
+    ::SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+}
+
 }  // namespace
 
 FormWindow::FormWindow(IDialogEvents& events, HWND& front, TellFailure tell)
@@ -119,8 +129,15 @@ INT_PTR FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
         case WM_INITDIALOG:
             front_ = window_;
             Run([this] { events_.Form_Activate(); });
-            ::SetFocus(window_);
-            return FALSE;  // the focus is set
+            return FALSE;  // no control gets the focus
+        case WM_ACTIVATE:
+            if (LOWORD(first) == WA_INACTIVE)
+                focus_ = ::GetFocus();
+            else
+                ::SetFocus(::IsChild(window_, focus_) != 0 ? focus_ : window_);
+            return TRUE;
+        case WM_SETFOCUS:  // stays with the window until a key moves it
+            return TRUE;
         case WM_COMMAND: {
             const int id = LOWORD(first);
             if (id == IDCANCEL) ::EndDialog(window_, TRUE);
@@ -184,10 +201,12 @@ void FormWindow::RefreshControl(std::size_t n) {
     } else {
         const bool frame = control.TypeName() == "Frame";
         const DWORD style = frame ? WS_GROUP | BS_GROUPBOX : WS_TABSTOP | BS_PUSHBUTTON | BS_MULTILINE;
-        SetText(WindowOf(n, kButton, style), Wide(control.Caption()));
+        const std::wstring caption = Wide(control.Caption());
+        SetText(WindowOf(n, kButton, style), caption);
+        SetFont(children_.at(n).window,
+                frame ? FontOf(control.font) : FontOfButton(control.font, caption, place));
     }
     const HWND window = children_.at(n).window;
-    ::SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(FontOf(control.font)), TRUE);
     ::MoveWindow(window, place.left, place.top, place.right - place.left, place.bottom - place.top, TRUE);
     ::ShowWindow(window, control.visible ? SW_SHOWNA : SW_HIDE);
 }
@@ -197,8 +216,8 @@ HWND FormWindow::WindowOf(std::size_t n, const wchar_t* kind, DWORD style) {
     if (child.kind == kind) return child.window;
     if (child.window != nullptr) ::DestroyWindow(child.window);
     const auto id = static_cast<INT_PTR>(n) + kFirstId;
-    child.window = ::CreateWindowExW(kind == kListBox ? WS_EX_CLIENTEDGE : 0, kind, L"", WS_CHILD | style, 0,
-                                     0, 0, 0, window_, reinterpret_cast<HMENU>(id), nullptr, nullptr);
+    child.window = ::CreateWindowExW(0, kind, L"", WS_CHILD | style, 0, 0, 0, 0, window_,
+                                     reinterpret_cast<HMENU>(id), nullptr, nullptr);
     child.kind = kind;
     const HWND before = n == 0 ? HWND_TOP : children_.at(n - 1).window;
     ::SetWindowPos(child.window, before, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
@@ -207,18 +226,25 @@ HWND FormWindow::WindowOf(std::size_t n, const wchar_t* kind, DWORD style) {
 
 void FormWindow::RefreshLabel(std::size_t n, const RECT& place) {
     const Control& control = events_.Controls().controls.at(n);
-    const std::wstring text = Wide(control.Caption());
+    const HFONT font = FontOf(control.font);
     const int width = place.right - place.left;
-    const bool fits = TextHeight(text, width, FontOf(control.font)) <= place.bottom - place.top;
+    const bool title = !control.Get("Tag").empty();
+    const std::wstring caption = Wide(control.Caption());
+    const std::wstring text = title ? Divided(caption, width, font) : caption;
+    const bool fits = title || TextHeight(text, width, font) <= place.bottom - place.top;
     const DWORD scrolled = WS_TABSTOP | WS_VSCROLL | ES_MULTILINE | ES_READONLY;
     const HWND window = fits ? WindowOf(n, kStatic, SS_LEFT | SS_NOPREFIX) : WindowOf(n, kEdit, scrolled);
+    SetFont(window, font);
     SetText(window, text);
 }
 
 void FormWindow::RefreshList(std::size_t n) {
     const Control& control = events_.Controls().controls.at(n);
-    const HWND window = WindowOf(n, kListBox, WS_TABSTOP | WS_VSCROLL | WS_HSCROLL | LBS_NOINTEGRALHEIGHT);
-    const Canvas canvas(window, FontOf(control.font));
+    const HWND window =
+        WindowOf(n, kListBox, WS_TABSTOP | WS_BORDER | WS_VSCROLL | WS_HSCROLL | LBS_NOINTEGRALHEIGHT);
+    const HFONT font = FontOf(control.font);
+    SetFont(window, font);
+    const Canvas canvas(window, font);
     ::SendMessageW(window, WM_SETREDRAW, FALSE, 0);
     ::SendMessageW(window, LB_RESETCONTENT, 0, 0);
     LONG widest = 0;
@@ -249,16 +275,48 @@ int FormWindow::Pixels(double twips) const {
     return static_cast<int>(std::lround(twips / twips_));
 }
 
-HFONT FormWindow::FontOf(const Font& font) {
+HFONT FormWindow::FontOf(const Font& font, int percent) {
     constexpr double kTwipsPerPoint = 20;
-    const int height = Pixels(font.points * kTwipsPerPoint);
+    const int height = ::MulDiv(Pixels(font.points * kTwipsPerPoint), percent, kFull);
     HFONT& made = fonts_[{font.family, font.bold ? -height : height}];
     if (made == nullptr) {
+        const std::wstring family = font.family == kDesignFamily ? kDialogFamily : Wide(font.family);
         made = ::CreateFontW(-height, 0, 0, 0, font.bold ? FW_BOLD : FW_NORMAL, FALSE, FALSE, FALSE,
                              DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
-                             DEFAULT_PITCH | FF_DONTCARE, Wide(font.family).c_str());
+                             DEFAULT_PITCH | FF_DONTCARE, family.c_str());
     }
     return made;
+}
+
+HFONT FormWindow::FontOfButton(const Font& font, std::wstring caption, const RECT& place) {
+    constexpr int kSmallest = 80;
+    constexpr int kStep = 10;
+    std::erase(caption, L'&');
+    const int width = place.right - place.left - kButtonEdges;
+    int percent = kFull;
+    while (percent > kSmallest &&
+           TextHeight(caption, width, FontOf(font, percent)) > place.bottom - place.top)
+        percent -= kStep;
+    return FontOf(font, percent);
+}
+
+std::wstring FormWindow::Divided(const std::wstring& text, int width, HFONT font) const {
+    const Canvas canvas(window_, font);
+    std::wstring divided, word;
+    const auto fits = [&](const std::wstring& part) {
+        SIZE size{};
+        ::GetTextExtentPoint32W(canvas.Device(), part.c_str(), static_cast<int>(part.size()), &size);
+        return size.cx <= width;
+    };
+    for (const wchar_t c : text) {
+        if (!word.empty() && c != L' ' && !fits(word + c + L'-')) {
+            divided += word + L"-\r\n";
+            word.clear();
+        }
+        word += c;
+        if (c == L' ') divided += std::exchange(word, {});
+    }
+    return divided + word;
 }
 
 int FormWindow::TextHeight(const std::wstring& text, int width, HFONT font) const {

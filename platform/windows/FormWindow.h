@@ -42,7 +42,11 @@ class FormWindow {
     void RefreshList(std::size_t control);
     RECT Place(const Control& control) const;
     int Pixels(double twips) const;
-    HFONT FontOf(const Font& font);
+    HFONT FontOf(const Font& font, int percent = 100);
+    /// The largest letters, readable still, in which a button's caption fits.
+    HFONT FontOfButton(const Font& font, std::wstring caption, const RECT& place);
+    /// A text whose words fit a width: longer ones are divided.
+    std::wstring Divided(const std::wstring& text, int width, HFONT font) const;
     /// Height that a text takes when it is broken at a width.
     int TextHeight(const std::wstring& text, int width, HFONT font) const;
 
@@ -51,12 +55,13 @@ class FormWindow {
     TellFailure tell_;
     double twips_;
     HWND window_ = nullptr;
+    HWND focus_ = nullptr;  ///< the control that had the focus while the window was active last
     struct Child {
         HWND window = nullptr;
         const wchar_t* kind = nullptr;
     };
-    std::vector<Child> children_;  ///< one per control, in the form's order
-    std::map<std::pair<std::string, int>, HFONT> fonts_;
+    std::vector<Child> children_;                         ///< one per control, in the form's order
+    std::map<std::pair<std::string, int>, HFONT> fonts_;  ///< by family and height; bold ones below 0
 };
 
 }  // namespace orvo::windows
