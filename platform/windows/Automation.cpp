@@ -60,24 +60,32 @@ Long Meaning(HRESULT result) {
     }
 }
 
-[[noreturn]] void Fail(HRESULT result, const std::string& about) {
-    const Long meaning = Meaning(result);
-    if (meaning != 0) throw RuntimeError(static_cast<Fault>(meaning), about);
-    throw RuntimeError(NumberOf(result), SystemText(static_cast<DWORD>(result)) + ": " + about);
+/// Whether a code carries a number of the runtime.
+bool IsRuntimeCode(HRESULT result) {
+    return (result & static_cast<HRESULT>(0xFFFF0000)) == kRuntimeCodes;
 }
 
-/// Fails with what a callee said about its failure.
-[[noreturn]] void Fail(EXCEPINFO& exception, const std::string& about) {
+[[noreturn]] void Fail(HRESULT result, const std::string& about) {
+    const Long number = NumberOf(result);
+    if (Meaning(result) != 0 || IsRuntimeCode(result))
+        throw RuntimeError(number, std::string(FaultText(static_cast<Fault>(number))) + ": " + about);
+    throw RuntimeError(number, SystemText(static_cast<DWORD>(result)) + ": " + about);
+}
+
+/// Fails with what a callee said about its failure. Some return their own code and say the rest all the same.
+[[noreturn]] void Fail(HRESULT result, EXCEPINFO& exception, const std::string& about) {
     if (exception.pfnDeferredFillIn != nullptr) exception.pfnDeferredFillIn(&exception);
     Text source, description, help;
     *source.Out() = exception.bstrSource;
     *description.Out() = exception.bstrDescription;
     *help.Out() = exception.bstrHelpFile;
-    const Long number = exception.wCode != 0 ? exception.wCode : NumberOf(exception.scode);
+    const HRESULT code = result == DISP_E_EXCEPTION && exception.scode != 0 ? exception.scode : result;
+    const Long number = exception.wCode != 0 ? exception.wCode : NumberOf(code);
     const std::string text = description.Content();
     if (!text.empty()) throw RuntimeError(number, text);
-    if (exception.wCode != 0) throw RuntimeError(number, "Error of " + about);
-    Fail(exception.scode, about);
+    if (exception.wCode != 0)
+        throw RuntimeError(number, std::string(FaultText(static_cast<Fault>(number))) + ": " + about);
+    Fail(code, about);
 }
 
 /// Script classes are asked through IDispatchEx: they answer nothing else.
@@ -111,7 +119,7 @@ struct Target {
 
 Long NumberOf(HRESULT result) {
     if (const Long meaning = Meaning(result)) return meaning;
-    if ((result & static_cast<HRESULT>(0xFFFF0000)) == kRuntimeCodes) return result & 0xFFFF;
+    if (IsRuntimeCode(result)) return result & 0xFFFF;
     return result;
 }
 
@@ -281,8 +289,7 @@ Value Automation::Invoke(const wchar_t* member, WORD kind, std::vector<Value>& a
     // Some objects know a function only as a property that takes arguments, or the other way round.
     if (done == DISP_E_MEMBERNOTFOUND && !puts)
         done = target.Invoke(id, DISPATCH_METHOD | DISPATCH_PROPERTYGET, parameters, out, exception);
-    if (done == DISP_E_EXCEPTION) Fail(exception, name);
-    if (FAILED(done)) Fail(done, name);
+    if (FAILED(done)) Fail(done, exception, name);
     return result;
 }
 
