@@ -278,6 +278,7 @@ Value Automation::Invoke(const wchar_t* member, WORD kind, std::vector<Value>& a
     HRESULT done = target.Find(member, id);
     if (FAILED(done)) Fail(done, name);
     std::vector<VARIANT> raw;  // borrowed from the arguments
+    raw.reserve(arguments.size());
     for (const Value& argument : arguments) raw.push_back(argument.Raw());
     const bool puts = (kind & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
     DISPID put = DISPID_PROPERTYPUT;

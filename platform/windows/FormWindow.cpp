@@ -255,8 +255,8 @@ void FormWindow::RefreshList(std::size_t n) {
         widest = std::max(widest, size.cx);
         ::SendMessageW(window, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text.c_str()));
     }
-    constexpr LONG kMargin = 8;  // pixels
-    ::SendMessageW(window, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest + kMargin), 0);
+    constexpr WPARAM kMargin = 8;  // pixels
+    ::SendMessageW(window, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(widest) + kMargin, 0);
     ::SendMessageW(window, WM_SETREDRAW, TRUE, 0);
 }
 

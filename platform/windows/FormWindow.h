@@ -34,12 +34,13 @@ class FormWindow {
     void Click(std::size_t control);
 
     void Refresh();
+    // Controls are named by their place in the form.
     void PlaceWindow() const;
-    void RefreshControl(std::size_t control);
+    void RefreshControl(std::size_t n);
     /// Makes the control's window, or makes it anew where another kind is wanted.
-    HWND WindowOf(std::size_t control, const wchar_t* kind, DWORD style);
-    void RefreshLabel(std::size_t control, const RECT& place);
-    void RefreshList(std::size_t control);
+    HWND WindowOf(std::size_t n, const wchar_t* kind, DWORD style);
+    void RefreshLabel(std::size_t n, const RECT& place);
+    void RefreshList(std::size_t n);
     RECT Place(const Control& control) const;
     int Pixels(double twips) const;
     HFONT FontOf(const Font& font, int percent = 100);

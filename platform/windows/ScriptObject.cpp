@@ -16,7 +16,9 @@ std::atomic<long> live{0};
 HRESULT Tell(EXCEPINFO* exception, Long number, const std::string& text) {
     if (exception == nullptr) return DISP_E_EXCEPTION;
     *exception = {};
-    exception->scode = number > 0 && number <= 0xFFFF ? static_cast<HRESULT>(0x800A0000 | number) : number;
+    exception->scode = number > 0 && number <= 0xFFFF
+                           ? static_cast<HRESULT>(0x800A0000U | static_cast<ULONG>(number))
+                           : number;
     const std::wstring wide = Wide(text);
     exception->bstrDescription = ::SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
     exception->bstrSource = ::SysAllocString(L"OrvoPlatform");

@@ -65,10 +65,11 @@ class HostRasterConvert final : public IRasterConvert {
     bool ConvertExtern(const std::string& program, const std::string& sourceFile, std::string& targetFile,
                        Integer quality, const PixelWindow* window, bool wait) override {
         Value target(targetFile);
-        const Value part = window == nullptr ? Nothing() : Value::Adopt(NewWindowCollection(*window));
+        Ref<IDispatch> part;
+        if (window != nullptr) part = Value::Adopt(NewWindowCollection(*window)).AsObject();
         const bool done = object_
-                              .Call(L"ConvertExtern",
-                                    {program, sourceFile, Value::ByReference(target), quality, part, wait})
+                              .Call(L"ConvertExtern", {program, sourceFile, Value::ByReference(target),
+                                                       quality, Value(part.Get()), wait})
                               .AsBool();
         targetFile = target.AsText();
         return done;

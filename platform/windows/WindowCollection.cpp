@@ -8,7 +8,7 @@ namespace {
 constexpr Long kCount = 4;
 using Numbers = std::array<Long, kCount>;
 
-class Enumerator final : public IEnumVARIANT {
+class Enumerator final : public IEnumVARIANT {  // NOLINT(cppcoreguidelines-virtual-class-destructor): final
   public:
     Enumerator(const Numbers& numbers, std::size_t next, ScriptObject* owner)
         : numbers_(numbers), next_(next), owner_(owner) {}

@@ -11,7 +11,7 @@ namespace {
 std::atomic<long> locks{0};
 
 /// Lives as long as the server; a reference to it counts as a lock.
-class Factory final : public IClassFactory {
+class Factory final : public IClassFactory {  // NOLINT(cppcoreguidelines-virtual-class-destructor): final
   public:
     explicit Factory(const CreatableClass& made) : made_(made) {}
 
@@ -85,7 +85,7 @@ HRESULT GetClassObject(REFCLSID classId, REFIID interfaceId, void** object) {
     *object = nullptr;
     static auto factories = MakeFactories(std::make_index_sequence<5>());
     const auto& classes = CreatableClasses();
-    const auto found = std::ranges::find_if(
+    const auto* const found = std::ranges::find_if(
         classes, [&](const CreatableClass& made) { return ::IsEqualCLSID(made.id, classId) != 0; });
     if (found == classes.end()) return CLASS_E_CLASSNOTAVAILABLE;
     return factories.at(static_cast<std::size_t>(found - classes.begin()))
