@@ -80,8 +80,8 @@ class HostRasterConvert final : public IRasterConvert {
 };
 
 template <class Wrapper, class Interface>
-platform::Maker<Interface> HostOr(const wchar_t* progId, platform::Maker<Interface> own) {
-    return [progId, own = std::move(own)]() -> std::shared_ptr<Interface> {
+platform::Maker<Interface> HostOr(const wchar_t* progId, const platform::Maker<Interface>& own) {
+    return [progId, own]() -> std::shared_ptr<Interface> {
         Automation object = CreateByName(progId);
         if (object.Dispatch() == nullptr) return own();
         return std::make_shared<Wrapper>(std::move(object));
@@ -103,9 +103,11 @@ UtilityMakers OwnUtility() {
             std::move(services.newRasterConvert)};
 }
 
-UtilityMakers HostUtilityOr(UtilityMakers own) {
-    return {HostOr<HostUtilTools>(L"BrindleUtil.clsUtilTools", std::move(own.newUtilTools)),
-            HostOr<HostRasterConvert>(L"BrindleUtil.clsRasterConvert", std::move(own.newRasterConvert))};
+UtilityMakers HostUtilityOr(const UtilityMakers& own) {
+    UtilityMakers made;
+    made.newUtilTools = HostOr<HostUtilTools>(L"BrindleUtil.clsUtilTools", own.newUtilTools);
+    made.newRasterConvert = HostOr<HostRasterConvert>(L"BrindleUtil.clsRasterConvert", own.newRasterConvert);
+    return made;
 }
 
 Integer LanguageOffset() {

@@ -16,7 +16,7 @@ UtilityMakers OwnUtility();
 
 /// `BrindleUtil.clsUtilTools` and `BrindleUtil.clsRasterConvert`, each where it is registered when an object
 /// is asked for; else `own`.
-UtilityMakers HostUtilityOr(UtilityMakers own);
+UtilityMakers HostUtilityOr(const UtilityMakers& own);
 
 /// The language offset of this process: the variable ORVO_TILE_LANGUAGE, else the user's language.
 Integer LanguageOffset();
