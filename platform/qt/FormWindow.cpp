@@ -9,8 +9,8 @@
 
 #include "platform/qt/Controls.h"
 #include "platform/qt/Fit.h"
-#include "platform/qt/LabelRoom.h"
 #include "platform/qt/Texts.h"
+#include "support/LabelRoom.h"
 
 namespace orvo::qt {
 namespace {

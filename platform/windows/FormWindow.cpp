@@ -4,9 +4,9 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/qt/LabelRoom.h"
 #include "platform/windows/Desktop.h"
 #include "platform/windows/WideText.h"
+#include "support/LabelRoom.h"
 
 namespace orvo::windows {
 namespace {
@@ -262,7 +262,7 @@ void FormWindow::RefreshList(std::size_t n) {
 
 RECT FormWindow::Place(const Control& control) const {
     const Form& form = events_.Controls();
-    Box box = control.TypeName() == "Label" ? qt::LabelRoom(control, form) : control.box;
+    Box box = control.TypeName() == "Label" ? LabelRoom(control, form) : control.box;
     for (const Control& frame : form.controls) {
         if (frame.name != control.container) continue;
         box.left += frame.box.left;

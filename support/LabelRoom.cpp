@@ -1,9 +1,9 @@
-#include "platform/qt/LabelRoom.h"
+#include "support/LabelRoom.h"
 
 #include <algorithm>
 #include <vector>
 
-namespace orvo::qt {
+namespace orvo {
 namespace {
 
 constexpr Long kSideMargin = 90;
@@ -63,4 +63,4 @@ std::string SpokenName(const Control& control, const Form& form) {
     return title == nullptr ? form.self.Caption() : title->Caption();
 }
 
-}  // namespace orvo::qt
+}  // namespace orvo

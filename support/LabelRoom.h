@@ -5,7 +5,7 @@
 
 #include "platform/Dialog.h"
 
-namespace orvo::qt {
+namespace orvo {
 
 /// The place of a label: designed boxes are small, and the label may take what its frame leaves to its right
 /// and below. It keeps clear of its frame's edge and of what stands beside it.
@@ -15,4 +15,4 @@ Box LabelRoom(const Control& label, const Form& form);
 /// else its frame's caption.
 std::string SpokenName(const Control& control, const Form& form);
 
-}  // namespace orvo::qt
+}  // namespace orvo
