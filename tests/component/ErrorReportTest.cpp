@@ -1,95 +1,68 @@
 // The error dialog's layout, its report, and the four ways to hand the report on.
+#include <fstream>
+
 #include "errorreport/Report.h"
-#include "errorreport/Version.h"
+#include "tests/Failure.h"
 #include "tests/component/Fixture.h"
 
 namespace orvo {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::SizeIs;
 
-constexpr ProcedureText kWork{"[mod] Public Sub Work()", "mod", "Work"};
+/// The report as given, in one language or with the captions of the design.
+std::string Golden(const std::string& name) {
+    std::ifstream file(ORVO_GOLDEN_REPORTS + name + ".txt");
+    std::string text;
+    for (std::string line; std::getline(file, line);) text += line + "\r\n";
+    return text;
+}
 
-/// The captions that the language changes in a report.
-struct Captions {
-    Integer offset;
-    const char* program;
-    const char* failure;
-    std::array<const char*, 4> rows;
-};
-
-constexpr Captions kDesign{
-    -1, "PROGRAMM-INFOS:", "FEHLERBESCHREIBUNG:", {"Fehler-Nr:", "Modul:", "Prozedur:", "Zeilen-Nr.:"}};
-constexpr Captions kLanguages[] = {
-    {0,
-     "PROGRAMM - INFOS:",
-     "FEHLERBESCHREIBUNG:",
-     {"Fehlerbeschreibung:", "Modul:", "Prozedur:", "Zeilen-Nr.:"}},
-    {10000,
-     "PROGRAM INFOS:",
-     "ERROR DESCRIPTION:",
-     {"Error description:", "Modul:", "Procedure:", "Record No.:"}},
-    {20000,
-     "INFORMATION PROGRAMME :",
-     "DESCRIPTION DE L'ERREUR :",
-     {"Description de l'erreur :", "Module:", "Procédure:", "Ligne N°. :"}},
-};
+std::string Times(int count, const std::string& word) {
+    std::string all;
+    for (int i = 0; i < count; ++i) all += word;
+    return all;
+}
 
 class ErrorReportTest : public ComponentTest {
   protected:
-    /// Fails once, at the line that `line` names, and goes on as the answer says.
-    void Fail() {
-        Procedure<void>(kWork).Run([&](Statements& run) {
-            line = __LINE__ + 1;
-            run([] { throw RuntimeError(Fault::Overflow); });
-        });
+    ErrorReportTest() { NewDialog(); }
+    void NewDialog() {
+        auto dialog = std::make_unique<Ferrow>();
+        dialog->SetProgInfo("Kachelkarte 7");
+        SetErrorDialog(std::move(dialog));
     }
-    /// Fails, and clicks these report buttons while the dialog is shown.
-    void FailAndClick(std::vector<Integer> buttons) {
+    /// Fails as often as the statement is run, and clicks these report buttons at each showing.
+    void Fail(std::vector<Integer> buttons = {}) {
         world->reportClicks = std::move(buttons);
         world->eventFailures.clear();
-        Fail();
+        world->messages.clear();
+        Procedure<void>({"[Demo] Public Sub Cut()", "Demo", "Cut"}).Run([](Statements& run) {
+            run([] { throw RuntimeError(Fault::DiskFull, "R & D"); }, 4711);
+        });
     }
     std::string& Log() { return world->files["C:\\Temp\\Orvo_Tile.EPT"]; }
-    const Form& Shown() { return dynamic_cast<Ferrow&>(GlobalErrorDialog()).Controls(); }
-
-    std::string Golden(const Captions& captions, int entries) const {
-        const std::string separator = std::string(70, '-') + "\r\n";
-        const std::string indent = "          ";
-        const std::string version = std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) +
-                                    "." + std::to_string(kVersionRevision);
-        const std::array<std::string, 4> values{"6 (Overflow)", "mod", "Work", std::to_string(line)};
-        std::string text = separator + "F E H L E R P R O T O K O L L vom Ferrow\r\n" + separator +
-                           captions.program + "\r\n" + indent + "Orvo_Tile  V" + version + "\r\n" +
-                           separator + captions.failure + "\r\n";
-        for (std::size_t i = 0; i < values.size(); ++i)
-            text += indent + captions.rows[i] + "\t" + values[i] + "\r\n";
-        text += indent + "Datum/Uhrzeit:\t03-09-2024 / 14:25:07\r\n" + separator + "CALLSTACK:\r\n";
-        for (int i = 0; i < entries; ++i) text += indent + "14:25:07 [mod] Public Sub Work()\r\n";
-        return text + separator + "SYSTEMINFO:\r\n" + indent + "Plattform:\tWindows NT\r\n" + indent +
-               "Version:\t6.1\r\n" + indent + "Build:\t7601   Service Pack 1\r\n" + separator;
-    }
-
-    int line = 0;
 };
 
 TEST_F(ErrorReportTest, LogHoldsOneReportPerShowingTheFirstWithTheDesignCaptions) {
-    for (const Captions& language : kLanguages) {
-        SCOPED_TRACE(language.offset);
-        SetErrorDialog(std::make_unique<Ferrow>());
-        LangOffset() = language.offset;
+    const std::pair<const char*, Integer> languages[] = {
+        {"German", 0}, {"English", 10000}, {"French", 20000}};
+    const std::string first = Golden("design") + "\r\n";
+    for (const auto& [name, offset] : languages) {
+        NewDialog();
+        LangOffset() = offset;
         Log().clear();
+        std::vector<std::string> logs;
         world->answer = [&](const FailureView&) {
-            EXPECT_EQ(Log(), Golden(kDesign, 1) + "\r\n") << "the log is written before the window shows";
-            return kLeave;
+            logs.push_back(Log());
+            return logs.size() == 1 ? kRetry : kLeave;
         };
         Fail();
-        Answer({kRetry, kLeave});
-        Fail();
-        EXPECT_EQ(Log(),
-                  Golden(kDesign, 1) + "\r\n" + Golden(language, 2) + "\r\n" + Golden(language, 2) + "\r\n");
+        EXPECT_THAT(logs, ElementsAre(first, first + Golden(name) + "\r\n")) << "before the window shows";
     }
 }
 
@@ -98,142 +71,125 @@ TEST_F(ErrorReportTest, UnknownSystemFamilyTakesItsLineEndAlongAndTheListIsCutAt
     for (int i = 0; i < 25; ++i) entries.PushFront("entry " + std::to_string(i));
     const std::string text =
         ReportText(Ferrow().Controls(), entries, {{}, {6, 12, 0, 4, std::string("SP\0rest", 7)}});
-    EXPECT_THAT(text, testing::HasSubstr("\r\n          Plattform:\t          Version:\t6.12\r\n"
-                                         "          Build:\t0   SP\r\n"));
-    EXPECT_THAT(text, testing::HasSubstr("CALLSTACK:\r\n          entry 24\r\n"));
-    EXPECT_THAT(text, testing::HasSubstr("          entry 5\r\n-----"));
+    EXPECT_THAT(text, HasSubstr("\r\n          Plattform:\t          Version:\t6.12\r\n"
+                                "          Build:\t0   SP\r\n"));
+    EXPECT_THAT(text, HasSubstr("CALLSTACK:\r\n          entry 24\r\n"));
+    EXPECT_THAT(text, HasSubstr("          entry 5\r\n-----"));
 }
 
 TEST_F(ErrorReportTest, PrinterLinesBreakBetweenWordsAfterSeventyThreeCharacters) {
     const std::string ten = "123456789 ";
     const std::string blanks(20, ' ');
-    const auto times = [](int count, const std::string& word) {
-        std::string all;
-        for (int i = 0; i < count; ++i) all += word;
-        return all;
+    const std::string longWord(90, 'x');
+    const std::pair<std::string, std::vector<std::string>> cases[] = {
+        {Times(10, ten), {Times(7, ten), blanks + Times(3, ten) + " "}},
+        {Times(7, ten) + "ab", {Times(7, ten) + "ab "}},  // 73 with its blank
+        {Times(7, ten) + "abc", {Times(7, ten), blanks + "abc "}},
+        {longWord + "\r\n\r\na\tb", {longWord + " ", " ", "a\tb "}},
+        {"a " + longWord + " b", {"a ", blanks + longWord + " ", blanks + "b "}},
+        {Times(36, "ä "), {Times(36, "ä ") + " "}},  // 73 characters, not bytes
     };
-    EXPECT_THAT(PrinterLines(times(10, ten) + "\r\n"),
-                ElementsAre(times(7, ten), blanks + times(3, ten) + " "));
-    EXPECT_THAT(PrinterLines(times(7, ten) + "ab\r\n"), ElementsAre(times(7, ten) + "ab "))
-        << "73 with its blank";
-    EXPECT_THAT(PrinterLines(times(7, ten) + "abc\r\n"), ElementsAre(times(7, ten), blanks + "abc "));
-    EXPECT_THAT(PrinterLines(std::string(90, 'x') + "\r\n\r\na\tb\r\nrest"),
-                ElementsAre(std::string(90, 'x') + " ", " ", "a\tb "))
-        << "a long word, an empty line, a tab, and text without its line end";
-    EXPECT_THAT(PrinterLines("a " + std::string(90, 'x') + " b\r\n"),
-                ElementsAre("a ", blanks + std::string(90, 'x') + " ", blanks + "b "));
-    EXPECT_THAT(PrinterLines(times(36, "ä ") + "\r\n"), ElementsAre(times(36, "ä ") + " "))
-        << "73 characters, not bytes";
+    for (const auto& [text, lines] : cases) EXPECT_EQ(PrinterLines(text + "\r\nno line end"), lines);
 }
 
-TEST_F(ErrorReportTest, FramesAreStackedInTheMiddleOfTheScreenAndTheFirstNoticeLacksTheContact) {
+TEST_F(ErrorReportTest, FramesAreStackedInTheMiddleOfTheScreen) {
     world->screen = {0, 0, 20000, 10001};
-    Fail();
-    EXPECT_EQ(
-        world->failures[0].comment,
-        "Es liegt ein Problem vor, mit dem Sie sich an den technischen Support von   wenden sollten. Bitte "
-        "drucken Sie den Fehlerreport und faxen ihn anoder benutzen Sie die EMail-Funktion. Weitere Hinweise "
-        "sowie Updates finden Sie im Internet (WWW).");
-    const Form& form = Shown();
-    EXPECT_EQ(form.self.box, (Box{(20000 - 7215) / 2, 2016 /* 2015.5 */, 7215, 5970}));
-    Long y = 0;
-    for (const char* name :
-         {"framComment", "framFehler", "framProgInfo", "framProtocol", "framCallStack", "framContinue"}) {
-        EXPECT_EQ(form.At(name).box.left, 0) << name;
-        EXPECT_EQ(form.At(name).box.top, y) << name;
-        y += form.At(name).box.height;
+    for (int showing = 0; showing < 2; ++showing) {
+        Fail();
+        const Form& form = dynamic_cast<Ferrow&>(GlobalErrorDialog()).Controls();
+        EXPECT_EQ(form.self.box, (Box{(20000 - 7215) / 2, 2016 /* 2015.5 */, 7215, 5970}));
+        Long y = 0;
+        for (const char* name :
+             {"framComment", "framFehler", "framProgInfo", "framProtocol", "framCallStack", "framContinue"}) {
+            EXPECT_EQ(form.At(name).box.left, 0) << name;
+            EXPECT_EQ(form.At(name).box.top, y) << name;
+            y += form.At(name).box.height;
+        }
+        EXPECT_EQ(y, 5970);
     }
-    EXPECT_EQ(y, 5970);
-    EXPECT_TRUE(form.At("cmdContinue", 2).visible);
-    EXPECT_FALSE(form.At("cmdContinue", 3).visible);
-    EXPECT_FALSE(form.self.visible);
+}
 
+TEST_F(ErrorReportTest, TheNoticeNamesTheContactThatTheLastActivationFound) {
+    Fail();
     const StringRow company[] = {{1, "ACME"}};
     AddedRows() = company;
     Fail();
     LangOffset() = 20000;
     Fail();
     AddedRows() = {};
-    EXPECT_EQ(form.self.box, (Box{(20000 - 7215) / 2, 2016 /* 2015.5 */, 7215, 5970}));
-    EXPECT_THAT(world->failures[1].comment, testing::Not(testing::HasSubstr("ACME")))
-        << "filled when that window was activated";
-    EXPECT_EQ(
-        world->failures[2].comment,
-        "Il y a un problème logiciel. Veuillez appeler le support technique de ACME . Veuillez imprimer le "
-        "rapport d'erreur et nous le faxer à+49 30 23125 000, ou par E-Mail. Pour plus d'informations et des "
-        "mises à jour, allez sur Internet (www).");
+    EXPECT_THAT(world->failures[0].comment, HasSubstr(" Support von   wenden sollten. "));
+    EXPECT_THAT(world->failures[1].comment, Not(HasSubstr("ACME")));
+    EXPECT_THAT(world->failures[2].comment, HasSubstr(" technique de ACME . Veuillez "));
+    EXPECT_THAT(world->failures[2].comment, HasSubstr(" faxer à+49 30 23125 000, ou "));
     EXPECT_EQ(world->beeps, 3);
 }
 
 TEST_F(ErrorReportTest, PrintWebAndMailHandTheReportOn) {
-    FailAndClick({0, 3});
-    const std::string report = Golden(kLanguages[0], 1);
-    EXPECT_THAT(world->printed, ElementsAre(PrinterLines(report + "\r\n")));
-    EXPECT_EQ(world->clipboard, report);
+    Fail({0, 3});
+    EXPECT_THAT(world->printed, ElementsAre(PrinterLines(Golden("German") + "\r\n")));
+    EXPECT_EQ(world->clipboard, Golden("German"));
     EXPECT_THAT(world->opened, ElementsAre("https://www.example.com/support/de"));
     EXPECT_THAT(world->messages, IsEmpty());
 
+    NewDialog();
     const StringRow mail[] = {{19106, "  help@example.org "}};
     AddedRows() = mail;
     LangOffset() = 10000;
-    FailAndClick({2});
+    Fail({2});
     AddedRows() = {};
-    EXPECT_EQ(world->clipboard, Golden(kLanguages[1], 2));
+    EXPECT_EQ(world->clipboard, Golden("English"));
     EXPECT_EQ(world->opened.back(), "mailto:help@example.org");
     ASSERT_THAT(world->messages, SizeIs(1));
-    EXPECT_EQ(
-        world->messages[0].text,
-        "All error information are copied to the clipboard\r\n.\r\n\r\nPlease insert the content of the "
-        "clipboard to your email\r\nby pressing [Ctrl] [V]. You can also use the command 'Insert' on the "
-        "menu "
-        "'Edit'.\r\n.");
+    EXPECT_EQ(world->messages[0].text,
+              "All error information are copied to the clipboard\r\n.\r\n\r\n"
+              "Please insert the content of the clipboard to your email\r\n"
+              "by pressing [Ctrl] [V]. You can also use the command 'Insert' on the menu 'Edit'.\r\n.");
     EXPECT_EQ(world->messages[0].title, "");
-    EXPECT_THAT(world->eventFailures, IsEmpty());
-}
 
-TEST_F(ErrorReportTest, FrenchMailFailsForItsMissingTextAndNothingFollows) {
-    LangOffset() = 20000;
-    FailAndClick({2});
+    LangOffset() = 20000;  // lacks a text of the message: nothing follows
+    world->clipboard = "before";
+    Fail({2});
     ASSERT_THAT(world->eventFailures, SizeIs(1));
     EXPECT_EQ(world->eventFailures[0].Number(), 326);
     EXPECT_THAT(world->messages, IsEmpty());
-    EXPECT_EQ(world->clipboard, "");
-    EXPECT_THAT(world->opened, IsEmpty());
+    EXPECT_EQ(world->clipboard, "before");
+    EXPECT_THAT(world->opened, SizeIs(2));
 }
 
 TEST_F(ErrorReportTest, SaveAsksBeforeItReplacesAReport) {
-    world->tempFolder = "C:\\Temp\\";
-    const std::string path = "C:\\Temp\\Orvo_Tile.ERR";
-    FailAndClick({1});
-    EXPECT_EQ(world->files[path], Golden(kLanguages[0], 1) + "\r\n");
-    ASSERT_THAT(world->messages, SizeIs(1));
-    EXPECT_EQ(world->messages[0].text,
-              "Das Fehlerprotokoll wurde in die Datei 'C:\\Temp\\Orvo_Tile.ERR' geschrieben !");
-    EXPECT_EQ(world->messages[0].buttons, MessageButtons::OK);
-
+    std::string& saved = world->files["C:\\Temp\\Orvo_Tile.ERR"];
+    const std::string report = Golden("German") + "\r\n";
+    const std::string exists = "'C:\\Temp\\Orvo_Tile.ERR' existiert, überschreiben ?";
+    const std::string written =
+        "Das Fehlerprotokoll wurde in die Datei 'C:\\Temp\\Orvo_Tile.ERR' geschrieben !";
+    const auto texts = [this] {
+        std::vector<std::string> all;
+        for (const auto& message : world->messages) all.push_back(message.text);
+        return all;
+    };
+    saved = "old";
     world->messageAnswer = MessageAnswer::No;
-    FailAndClick({1});
-    EXPECT_EQ(world->files[path], Golden(kLanguages[0], 1) + "\r\n") << "answered no";
-    ASSERT_THAT(world->messages, SizeIs(2));
-    EXPECT_EQ(world->messages[1].text, "'C:\\Temp\\Orvo_Tile.ERR' existiert, überschreiben ?");
-    EXPECT_EQ(world->messages[1].buttons, MessageButtons::YesNo);
+    Fail({1});
+    EXPECT_EQ(saved, "old");
+    EXPECT_THAT(texts(), ElementsAre(exists));
 
+    NewDialog();
+    world->tempFolder = "C:\\Temp\\";
     world->messageAnswer = MessageAnswer::Yes;
-    FailAndClick({1});
-    EXPECT_EQ(world->files[path], Golden(kLanguages[0], 3) + "\r\n");
-    EXPECT_THAT(world->messages, SizeIs(4));
+    Fail({1});
+    EXPECT_EQ(saved, report);
+    EXPECT_THAT(texts(), ElementsAre(exists, written));
 
-    world->lockedFiles = {path};
-    FailAndClick({1, 3});
-    EXPECT_THAT(world->messages, SizeIs(5)) << "asked, but nothing to confirm";
+    world->lockedFiles = {"C:\\Temp\\Orvo_Tile.ERR"};
+    Fail({1, 3});
+    EXPECT_THAT(texts(), ElementsAre(exists));
     ASSERT_THAT(world->eventFailures, SizeIs(1));
     EXPECT_EQ(world->eventFailures[0].Number(), 70);
     EXPECT_THAT(world->opened, SizeIs(1)) << "the dialog goes on";
 }
 
 TEST_F(ErrorReportTest, LogThatCannotBeWrittenIsAFailureOfTheCallAndNothingIsShown) {
-    const std::string missing[] = {"C:\\nowhere", ""};
-    for (const std::string& folder : missing) {
+    for (const std::string folder : {"C:\\nowhere", ""}) {
         world->tempFolder = folder;
         try {
             Fail();
@@ -245,25 +201,14 @@ TEST_F(ErrorReportTest, LogThatCannotBeWrittenIsAFailureOfTheCallAndNothingIsSho
     }
     EXPECT_THAT(world->failures, IsEmpty());
     EXPECT_EQ(world->beeps, 0);
-    world->tempFolder = "C:\\Temp";
-    Fail();
-    EXPECT_THAT(world->failures, SizeIs(1));
 }
 
 TEST_F(ErrorReportTest, FailureWhileOneIsShownReachesTheCallerOfTheSecond) {
-    Long second = 0;
     world->answer = [&](const FailureView&) {
-        try {
-            Fail();
-        } catch (const RuntimeError& failure) {
-            second = failure.Number();
-        }
+        EXPECT_EQ(NumberOf([&] { Fail(); }), 400);
         return kNext;
     };
     Fail();
-    EXPECT_EQ(second, 400);
-    EXPECT_THAT(world->failures, SizeIs(1));
-    world->answer = nullptr;
     Fail();
     EXPECT_THAT(world->failures, SizeIs(2)) << "shown again once the first is closed";
 }

@@ -60,11 +60,6 @@ inline std::vector<QStringList> Table(const std::string& name) {
     return rows;
 }
 
-inline std::string GoldenReport(const std::string& name) {
-    const std::string text = ReadFile(ORVO_QT_TEST_DATA "report-" + name + ".txt");
-    return QString::fromStdString(text).replace("\n", "\r\n").toStdString();
-}
-
 class WindowTest : public testing::Test {
   protected:
     using Step = std::function<void(QDialog& window)>;
@@ -135,10 +130,10 @@ class WindowTest : public testing::Test {
             QTest::qWait(150);  // a button stays down for a moment
         };
     }
-    const std::string& File(const char* name) { return world->files[std::string("C:\\Temp\\") + name]; }
 
     TempFolder programs;
     std::shared_ptr<fake::World> world = fake::World::Make();
+    std::string& log = world->files["C:\\Temp\\Orvo_Tile.EPT"];
     std::shared_ptr<Desktop> desktop;
     bool interrupted = false;
     std::vector<std::string> heard;
