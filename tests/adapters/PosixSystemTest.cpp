@@ -1,12 +1,12 @@
 // The registry file's format, local time and the kernel's release.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <ctime>
 
 #include "platform/posix/Clock.h"
 #include "platform/posix/OperatingSystem.h"
 #include "platform/posix/RegistryFile.h"
+#include "tests/Variable.h"
 #include "tests/adapters/TempFolder.h"
 
 namespace orvo::posix {
@@ -17,29 +17,10 @@ using std::string_literals::operator""s;
 constexpr const char* kShellFolders = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
 constexpr const char* kHeader = "Windows Registry Editor Version 5.00\r\n\r\n";
 
-/// Sets an environment variable for the time of a test.
-class Variable {
-  public:
-    Variable(const char* name, const char* value) : name_(name) {
-        if (const char* old = std::getenv(name)) old_ = old;
-        ::setenv(name, value, 1);
-    }
-    ~Variable() { old_.empty() ? ::unsetenv(name_) : ::setenv(name_, old_.c_str(), 1); }
-    Variable(const Variable&) = delete;
-    Variable& operator=(const Variable&) = delete;
-
-  private:
-    const char* name_;
-    std::string old_;
-};
-
+/// As a file of two-byte units begins and goes on.
 std::string Utf16(const std::u16string& text) {
-    std::string bytes = "\xFF\xFE";
-    for (const char16_t unit : text) {
-        bytes += static_cast<char>(unit & 0xFF);
-        bytes += static_cast<char>(unit >> 8);
-    }
-    return bytes;
+    const std::u16string marked = u'\uFEFF' + text;
+    return {reinterpret_cast<const char*>(marked.data()), 2 * marked.size()};
 }
 
 /// "type:bytes" of a value; "none" where key or value is missing.
@@ -155,14 +136,13 @@ TEST(PosixClock, TellsLocalTime) {
 }
 
 TEST(PosixOperatingSystem, ReadsTheRelease) {
-    const auto numbers = [](const char* release) {
-        const OSVersion v = VersionOfRelease(release);
-        return std::to_string(v.major) + "/" + std::to_string(v.minor) + "/" + std::to_string(v.build);
-    };
-    EXPECT_EQ(numbers("6.1.0-18-amd64"), "6/1/0");
-    EXPECT_EQ(numbers("5.15.146.1-custom"), "5/15/146");
-    EXPECT_EQ(numbers("6.8-rc1"), "6/8/0");
-    EXPECT_EQ(numbers("strange"), "0/0/0");
+    for (const auto& [release, major, minor, build] : {std::tuple("6.1.0-18-amd64", 6, 1, 0),
+                                                       {"5.15.146.1-custom", 5, 15, 146},
+                                                       {"6.8-rc1", 6, 8, 0},
+                                                       {"strange", 0, 0, 0}}) {
+        const OSVersion version = VersionOfRelease(release);
+        EXPECT_EQ(std::tuple(version.major, version.minor, version.build), std::tuple(major, minor, build));
+    }
     const OSVersion own = OperatingSystem().GetVersion();
     EXPECT_EQ(own.platformId, 4);
     EXPECT_GE(own.major, 2);
