@@ -72,19 +72,19 @@ Members MembersOf(ITypeLib* library, REFIID id) {
     library->GetTypeInfoOfGuid(id, &info);
     info->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference);
     info->GetRefTypeInfo(reference, &table);
+    const std::map<int, const wchar_t*> kinds{{INVOKE_FUNC, L"call"},
+                                              {INVOKE_PROPERTYGET, L"get"},
+                                              {INVOKE_PROPERTYPUT, L"put"},
+                                              {INVOKE_PROPERTYPUTREF, L"putref"}};
     Members members;
     FUNCDESC* function = nullptr;
     while (table->GetFuncDesc(static_cast<UINT>(members.size()), &function) == S_OK) {
         const auto place = static_cast<SHORT>((kBefore + members.size()) * sizeof(void*));
-        std::map<int, const wchar_t*> kinds{{INVOKE_FUNC, L"call"},
-                                            {INVOKE_PROPERTYGET, L"get"},
-                                            {INVOKE_PROPERTYPUT, L"put"},
-                                            {INVOKE_PROPERTYPUTREF, L"putref"}};
         _bstr_t name;
         UINT count = 0;
         table->GetNames(function->memid, name.GetAddress(), 1, &count);
         members.push_back(
-            {function->oVft == place ? kinds[function->invkind] : L"misplaced", name.GetBSTR()});
+            {function->oVft == place ? kinds.at(function->invkind) : L"misplaced", name.GetBSTR()});
         table->ReleaseFuncDesc(function);
     }
     return members;
@@ -253,10 +253,11 @@ void TestGrowth() {
 }
 
 void TestUnloading() {
-    Check(Server() != nullptr && MayUnload());
-    Image image = NewImage();
-    Check(!MayUnload());
-    image.Release();
+    Check(MayUnload());
+    {
+        const Image image = NewImage();
+        Check(!MayUnload());
+    }
     CoFreeUnusedLibrariesEx(0, 0);
     Check(Server() == nullptr);
     Check(bool(NewImage()));  // and it comes back

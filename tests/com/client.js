@@ -80,8 +80,7 @@ function testGrid() {
 
 function testImage() {
     var files = new ActiveXObject("Scripting.FileSystemObject");
-    var folder = files.GetAbsolutePathName("jscript");
-    if (!files.FolderExists(folder)) files.CreateFolder(folder);
+    var folder = files.GetAbsolutePathName(".");
     var image = new ActiveXObject("Orvo_Tile.clsTileImage");
     var log = [];
     image.StatusObject = {
@@ -100,9 +99,9 @@ function testImage() {
     image.TileWidth = 4;
     image.TileHeight = -1;
     check("two tiles are cut", image.Tile() === true && image.TileObjectDict.Count === 2);
-    check("the start", log[0] === "Tiling                       source.bmp|6|false");
-    check("a cell", log[1] === "Tiling source.bmp|0|true");
-    check("the end", log[log.length - 1] === "|0|false");
+    check("it is announced", log[0] === "Tiling                       source.bmp|6|false");
+    check("step by step", log[1] === "Tiling source.bmp|0|true");
+    check("to its end", log[log.length - 1] === "|0|false");
     var name = new VBArray(image.TileObjectDict.Keys()).toArray()[1];
     var right = image.TileObjectDict.Item(name);
     check("the right part", right.XMin === 4 && right.XMax === 6 && right.YMin === 0 && right.YMax === 4);

@@ -60,24 +60,20 @@ class Folder {
     }
     Folder(const Folder&) = delete;
     Folder& operator=(const Folder&) = delete;
-    /// Of a file in it, as UTF-8 with "\".
-    std::string File(const std::string& name) const {
-        const std::u8string folder = path_.u8string();
-        return std::string(folder.begin(), folder.end()) + "\\" + name;
-    }
+    /// With "\" between its parts.
     std::string Path() const {
-        const std::u8string folder = path_.u8string();
-        return {folder.begin(), folder.end()};
+        const std::u8string text = path_.u8string();
+        return {text.begin(), text.end()};
     }
-    std::size_t Entries() const {
-        std::size_t count = 0;
-        for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(path_)) ++count;
-        return count;
-    }
+    std::string File(const std::string& name) const { return Path() + "\\" + name; }
+    std::ptrdiff_t Entries() const { return std::distance(std::filesystem::directory_iterator(path_), {}); }
 
   private:
     std::filesystem::path path_;
 };
+
+/// The program that makes the checks.
+std::string Self();
 
 void CheckHostObjects();
 void CheckSystem();

@@ -1,5 +1,4 @@
 // The utility services, and workspaces.
-#include <array>
 #include <fstream>
 
 #include "platform/Vector.h"
@@ -27,9 +26,6 @@ void CheckNames(const platform::Platform& platform, const Folder& folder) {
 }
 
 void CheckConversion(const platform::Platform& platform, const Folder& folder) {
-    std::array<wchar_t, 1024> path{};
-    ::GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    const std::string self = PathText(std::filesystem::path(path.data()));
     windows::Pixels pixels(windows::Pixels::Kind::Bgr, 6, 6);
     pixels.At(4, 3)[2] = 200;
     windows::WriteImage(folder.File("s.png"), windows::ImageFormat::Png, pixels, 0);
@@ -38,14 +34,14 @@ void CheckConversion(const platform::Platform& platform, const Folder& folder) {
     const auto entries = folder.Entries();
     std::string target = tools->GetFreeFileName(folder.Path(), "k", {"tif"});
     const PixelWindow window{3, 2, 2, 2};
-    Check(convert->ConvertExtern(self, folder.File("s.png"), target, 75, &window, true));
+    Check(convert->ConvertExtern(Self(), folder.File("s.png"), target, 75, &window, true));
     Equal(target, folder.File("k_1.tif"));
     windows::ImageSource cut(target);
     Equal(cut.Columns(), 2);
     Equal(static_cast<int>(cut.Read(1, 1, 1, 1).At(0, 0)[2]), 200);
-    Check(!convert->ConvertExtern(self, folder.File("s.png"), target, 75, &window, true), "never replaced");
+    Check(!convert->ConvertExtern(Self(), folder.File("s.png"), target, 75, &window, true), "never replaced");
     target = folder.File("whole.png");
-    Check(convert->ConvertExtern(self, folder.File("s.png"), target, 75, nullptr, true));
+    Check(convert->ConvertExtern(Self(), folder.File("s.png"), target, 75, nullptr, true));
     target = folder.File("t.png");
     Check(!convert->ConvertExtern("no-such-program", folder.File("s.png"), target, 75, &window, true));
     Check(!convert->ConvertExtern("", folder.File("s.png"), target, 75, &window, true));
