@@ -166,22 +166,16 @@ TEST_F(ConsoleDesktopTest, PoliciesAnswerInOneLineAndStillLog) {
 }
 
 TEST_F(ConsoleDesktopTest, PrintsThroughTheSystemsCommandOrSaysWhatToDo) {
-    const struct {
-        std::map<std::string, int> programs;
-        std::vector<std::string> called;
-        const char* shown;
-    } kCases[] = {
-        {{{"lp", 0}, {"lpr", 0}}, {"lp"}, ""},
-        {{{"lpr", 0}}, {"lpr"}, ""},
-        {{{"lp", 1}, {"lpr", 0}}, {"lp"}, "482 (Printer error: lp says: no default destination (lpoptions"},
-        {{}, {}, "482 (Printer error: there is no lp or lpr; install cups-client"},
+    const std::pair<std::map<std::string, int>, const char*> kCases[] = {
+        {{{"lpr", 0}}, ""},
+        {{{"lp", 1}, {"lpr", 0}}, "482 (Printer error: lp says: no default destination (lpoptions"},
+        {{}, "482 (Printer error: there is no lp or lpr; install cups-client"},
     };
-    for (const auto& [exitCodes, called, shown] : kCases) {
+    for (const auto& [exitCodes, failure] : kCases) {
         programs->exitCodes = exitCodes;
         EXPECT_EQ(Answered({"p", "1"}), 0) << "the dialog stays and asks again";
-        EXPECT_EQ(programs->called, called);
-        EXPECT_THAT(Shown(), HasSubstr(shown));
-        EXPECT_EQ(Shown().find("482") == std::string::npos, *shown == '\0');
+        EXPECT_THAT(Shown(), HasSubstr(failure));
+        EXPECT_EQ(Shown().find("482") == std::string::npos, *failure == '\0');
         EXPECT_THAT(programs->document, HasSubstr("          Modul:\tbasApi \n"));
         EXPECT_FALSE(std::filesystem::exists(programs->documentName));
     }
@@ -207,38 +201,20 @@ TEST_F(ConsoleDesktopTest, SavesAfterAskingAndShowsFailures) {
 TEST_F(ConsoleDesktopTest, MailAndWebTakeTheClipboardAndTheUsersProgram) {
     const std::string mail = "mailto:support@example.com";
     const std::string web = "https://www.example.com/support/en";
-    const struct {
-        bool display;
-        Clipboard clipboard;
-        std::map<std::string, int> programs;
-        const char* answer;
-        std::vector<std::string> called;
-        std::vector<std::string> shown;
-    } kCases[] = {
-        {true,
-         Clipboard::None,
-         {{"xdg-open", -1}},
-         "6",
-         {"xdg-open " + mail},
-         {"no clipboard here. The report stands last in /t/log", "Opening " + mail + "\n"}},
-        {true,
-         Clipboard::Tmux,
-         {{"xdg-open", 3}, {"lynx", -1}},
-         "w",
-         {"xdg-open " + web, "lynx -x " + web},
-         {"\033]52;c;", "terminal's clipboard", "Opening " + web + "\n"}},
-        {true, Clipboard::None, {{"lynx", 0}}, "6", {}, {"open this address yourself: " + mail + "\n"}},
-        {false, Clipboard::None, {{"xdg-open", 0}}, "w", {}, {"open this address yourself: " + web + "\n"}},
-    };
-    for (const auto& [display, clipboard, exitCodes, answer, called, shown] : kCases) {
-        options.display = display;
-        options.clipboard = clipboard;
-        programs->exitCodes = exitCodes;
-        Answered({answer, "3"});
-        EXPECT_EQ(programs->called, called);
-        for (const std::string& text : shown) EXPECT_THAT(Shown(), HasSubstr(text));
-        EXPECT_EQ(Shown().find("yourself") != std::string::npos, called.empty());
-    }
+    programs->exitCodes = {{"xdg-open", 3}, {"lynx", -1}};
+    options.clipboard = Clipboard::Tmux;
+    Answered({"w", "3"});
+    EXPECT_THAT(Shown(), HasSubstr("open this address yourself: " + web + "\n")) << "no display";
+    EXPECT_THAT(Shown(), HasSubstr("terminal's clipboard"));
+    EXPECT_THAT(Shown(), HasSubstr("\033]52;c;"));
+
+    options.display = true;
+    options.clipboard = Clipboard::None;
+    Answered({"w", "6", "3"});
+    EXPECT_THAT(programs->called, ElementsAre("xdg-open " + web, "lynx -x " + web, "xdg-open " + mail));
+    EXPECT_THAT(Shown(), HasSubstr("no clipboard here. The report stands last in /t/log"));
+    EXPECT_THAT(Shown(), HasSubstr("open this address yourself: " + mail + "\n")) << "a browser sends none";
+    EXPECT_THAT(Shown(), Not(HasSubstr("yourself: " + web)));
 }
 
 TEST(ConsoleClipboard, SequencesCarryTheText) {

@@ -145,15 +145,6 @@ TEST_F(ErrorReportTest, PrintWebAndMailHandTheReportOn) {
               "Please insert the content of the clipboard to your email\r\n"
               "by pressing [Ctrl] [V]. You can also use the command 'Insert' on the menu 'Edit'.\r\n.");
     EXPECT_EQ(world->messages[0].title, "");
-
-    LangOffset() = 20000;  // lacks a text of the message: nothing follows
-    world->clipboard = "before";
-    Fail({2});
-    ASSERT_THAT(world->eventFailures, SizeIs(1));
-    EXPECT_EQ(world->eventFailures[0].Number(), 326);
-    EXPECT_THAT(world->messages, IsEmpty());
-    EXPECT_EQ(world->clipboard, "before");
-    EXPECT_THAT(world->opened, SizeIs(2));
 }
 
 TEST_F(ErrorReportTest, SaveAsksBeforeItReplacesAReport) {
@@ -179,13 +170,6 @@ TEST_F(ErrorReportTest, SaveAsksBeforeItReplacesAReport) {
     Fail({1});
     EXPECT_EQ(saved, report);
     EXPECT_THAT(texts(), ElementsAre(exists, written));
-
-    world->lockedFiles = {"C:\\Temp\\Orvo_Tile.ERR"};
-    Fail({1, 3});
-    EXPECT_THAT(texts(), ElementsAre(exists));
-    ASSERT_THAT(world->eventFailures, SizeIs(1));
-    EXPECT_EQ(world->eventFailures[0].Number(), 70);
-    EXPECT_THAT(world->opened, SizeIs(1)) << "the dialog goes on";
 }
 
 TEST_F(ErrorReportTest, LogThatCannotBeWrittenIsAFailureOfTheCallAndNothingIsShown) {

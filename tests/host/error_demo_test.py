@@ -15,6 +15,7 @@ import unittest
 
 ORVO_TILE = os.environ["ORVO_TILE"]
 LEAVE = {"de": "Prozedur verlassen", "en": "Exit Procedure", "fr": "Procédure de sortie"}
+PROMPT = "(1-7) > "
 
 
 class ErrorDemoTest(unittest.TestCase):
@@ -24,8 +25,8 @@ class ErrorDemoTest(unittest.TestCase):
         self.folder = os.path.realpath(tempfile.mkdtemp(prefix="orvo demo "))
         self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
         os.mkdir(self.path("bin"))
-        kept = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "BROWSER",
-                                                                  "TMUX", "STY")}
+        foreign = ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "BROWSER", "TMUX", "STY")
+        kept = {name: value for name, value in os.environ.items() if name not in foreign}
         # Only our own programs, so that no printer and no browser of this machine is met.
         self.environment = {**kept, "TEMP": self.folder, "TERM": "xterm", "PATH": self.path("bin"), "LC_ALL": "C.UTF-8"}
 
@@ -36,10 +37,10 @@ class ErrorDemoTest(unittest.TestCase):
         with open(self.path(name), encoding="utf-8", newline="") as file:
             return file.read()
 
-    def write(self, name, text, mode=0o644):
-        with open(self.path(name), "w", encoding="utf-8") as file:
-            file.write(text)
-        os.chmod(self.path(name), mode)
+    def program(self, name, commands):
+        with open(self.path("bin", name), "w", encoding="utf-8") as file:
+            file.write(f"#!/bin/sh\n{commands}\n")
+        os.chmod(file.name, 0o755)
 
     def run_tile(self, *arguments, **environment):
         return subprocess.run([ORVO_TILE, *arguments], capture_output=True, text=True, timeout=60, cwd=self.folder,
@@ -75,13 +76,10 @@ class ErrorDemoTest(unittest.TestCase):
             done = self.run_tile("error-demo", "--language", language)
             self.assertEqual(done.returncode, 0)
             self.assertIn(": 11 (Division by zero", done.stderr)
-            self.assertTrue(done.stderr.endswith(f" -> {leave}\n"))
-            self.assertEqual(done.stderr.count("\n"), 1)
+            self.assertRegex(done.stderr, f"^[^\\n]* -> {leave}\n$")
             self.assertEqual(json.loads(done.stdout), {"shown": 1, "answer": "leave", "saved": None,
                                                        "log": self.path("Orvo_Tile.EPT")})
-            log = self.read("Orvo_Tile.EPT")
-            self.assertEqual(log.count("F E H L E R P R O T O K O L L vom Ferrow\r\n"), count)
-            self.assertEqual(log.count("\tFailOnPurpose\r\n"), count)
+            self.assertEqual(self.read("Orvo_Tile.EPT").count("\tFailOnPurpose\r\n"), count)
         done = self.run_tile("error-demo", "--on-error", "next")
         self.assertEqual(json.loads(done.stdout)["answer"], "next")
         # A display that is none: said once, and the policy of the terminal holds.
@@ -90,28 +88,27 @@ class ErrorDemoTest(unittest.TestCase):
         self.assertEqual(json.loads(done.stdout)["answer"], "leave")
 
     def test_report_actions_at_a_terminal(self):
-        self.write("bin/lp", f'#!/bin/sh\n/bin/cat "$1" > "{self.folder}/printed"\n', 0o755)
-        self.write("bin/xdg-open", f'#!/bin/sh\necho "$1" >> "{self.folder}/opened"\n', 0o755)
-        prompt = "(1-7) > "
-        answer, shown = self.session((prompt, "p\n"), (prompt, "s\n"), (prompt, "s\n"), ("[y/n] > ", "n\n"),
-                                     (prompt, "6\n"), (prompt, "e\n"), (prompt, "w\n"), (prompt, "r\n"),
-                                     (prompt, "3\n"), DISPLAY=":9999")
+        self.program("lp", f'/bin/cat "$1" > "{self.folder}/printed"')
+        self.program("xdg-open", f'echo "$1" >> "{self.folder}/opened"')
+        answers = ("p", "s", "s", "6", "e", "w", "r", "3")
+        turns = [(PROMPT, answer + "\n") for answer in answers]
+        turns.insert(3, ("[y/n] > ", "n\n"))  # the second file would replace the first
+        answer, shown = self.session(*turns, DISPLAY=":9999")
         self.assertEqual(answer, {"shown": 2, "answer": "leave", "log": self.path("Orvo_Tile.EPT"),
                                   "saved": self.path("Orvo_Tile.ERR")})
-        self.assertIn("Error protocol was written into '" + self.path("Orvo_Tile.ERR") + "'!", shown)
-        self.assertIn("Please give the number: 3, 6\n", shown)
-        self.assertIn("technical Support of Example .", shown)  # the second notice is complete
+        for text in ("Error protocol was written into '" + self.path("Orvo_Tile.ERR") + "'!",
+                     "Please give the number: 3, 6\n",
+                     "technical Support of Example ."):  # the second notice is complete
+            self.assertIn(text, shown)
         self.assertEqual(self.read("opened"), "mailto:support@example.com\nhttps://www.example.com/support/en\n")
         copies = [base64.b64decode(text).decode() for text in re.findall("\033]52;c;([^\a]*)\a", shown)]
         self.assertEqual(len(copies), 2)
-        plain = [re.sub(r"\d\d-\d\d-\d{4} / \S+", "NOW", text) for text in (copies[0] + "\r\n", self.read("Orvo_Tile.ERR"))]
-        self.assertEqual(plain[0], plain[1])
-        self.assertIn("Error description:\t11 (Division by zero", plain[0])
+        for text in (*copies, self.read("Orvo_Tile.ERR")):
+            self.assertIn("Error description:\t11 (Division by zero", text)
         self.assertIn("          Modul:\tErrorDemo \n", self.read("printed"))
 
     def test_a_terminal_without_printer_clipboard_and_browser(self):
-        prompt = "(1-7) > "
-        answer, shown = self.session((prompt, "p\n"), (prompt, "6\n"), (prompt, "\x04"), TERM="dumb")
+        answer, shown = self.session((PROMPT, "p\n"), (PROMPT, "6\n"), (PROMPT, "\x04"), TERM="dumb")
         self.assertEqual(answer["answer"], "leave")
         for text in ("482 (Printer error: there is no lp or lpr; install cups-client",
                      "The report stands last in " + self.path("Orvo_Tile.EPT"),
@@ -124,8 +121,9 @@ class ErrorDemoTest(unittest.TestCase):
         self.assertEqual((done.returncode, done.stdout), (1, ""))
         self.assertIn(cannot, done.stderr)
         self.assertIn("What failed: 11 (Division by zero", done.stderr)
-        self.write("map.pgm", "P5 20 10 255\n" + "x" * 200)
-        self.write("bin/away", f'#!/bin/sh\n/bin/rm -r "{self.folder}/out"\nexit 1\n', 0o755)
+        with open(self.path("map.pgm"), "w", encoding="ascii") as image:
+            image.write("P5 20 10 255\n" + "x" * 200)
+        self.program("away", f'/bin/rm -r "{self.folder}/out"; exit 1')
         done = self.run_tile("raster", "map.pgm", "out", "--tile-size", "10", "--format", "tif", "--converter", "away",
                              TEMP="/no/folder")
         self.assertEqual(done.returncode, 1)
