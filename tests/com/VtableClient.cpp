@@ -14,17 +14,8 @@ namespace {
 using Image = Ref<_clsTileImage>;
 using Grid = Ref<_clsTileVector>;
 
-Image NewImage() {
-    Image image;
-    image.CreateInstance(__uuidof(clsTileImage));
-    return image;
-}
-
-Grid NewGrid() {
-    Grid grid;
-    grid.CreateInstance(__uuidof(clsTileVector));
-    return grid;
-}
+const CLSID kImage = __uuidof(clsTileImage);
+const CLSID kGrid = __uuidof(clsTileVector);
 
 HMODULE Server() {
     return GetModuleHandleW(L"Orvo_Tile.dll");
@@ -41,21 +32,21 @@ bool MayUnload() {
 
 void TestFactories() {
     Ref<IClassFactory> factory;
-    Check(CoGetClassObject(__uuidof(clsTileImage), CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
+    Check(CoGetClassObject(kImage, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
                            reinterpret_cast<void**>(&factory)) == S_OK);
     void* made = nullptr;
     Check(factory->CreateInstance(factory, IID_IUnknown, &made) == CLASS_E_NOAGGREGATION);
     Check(factory->CreateInstance(nullptr, IID_IStream, &made) == E_NOINTERFACE && made == nullptr);
     const auto getClass = Entry<HRESULT STDAPICALLTYPE(REFCLSID, REFIID, void**)>("DllGetClassObject");
     Check(getClass(IID_IUnknown, IID_IUnknown, &made) == CLASS_E_CLASSNOTAVAILABLE);
-    Check(getClass(__uuidof(clsTileImage), IID_IStream, &made) == E_NOINTERFACE);
+    Check(getClass(kImage, IID_IStream, &made) == E_NOINTERFACE);
     Check(!MayUnload());
     factory.Release();
     Check(MayUnload());
 }
 
 void TestIdentity() {
-    const Image image = NewImage();
+    const Image image(kImage);
     const Ref<ISupportErrorInfo> errors = Ref<IDispatch>(image);
     Check(Ref<IUnknown>(errors).GetInterfacePtr() == Ref<IUnknown>(image).GetInterfacePtr());
     Check(errors->InterfaceSupportsErrorInfo(__uuidof(_clsTileImage)) == S_OK);
@@ -91,7 +82,7 @@ Members MembersOf(ITypeLib* library, REFIID id) {
 }
 
 void TestTypeLibrary() {
-    const Grid grid = NewGrid();
+    const Grid grid(kGrid);
     Ref<ITypeInfo> info;
     Ref<ITypeLib> library, registered;
     UINT index = 0;
@@ -137,7 +128,7 @@ void TestImage() {
     IStatusDisplay* display = status;
     Ref<IDispatch> dictionary, again, workspace;
     {
-        const Image image = NewImage();
+        const Image image(kImage);
         BSTR format = SysAllocString(L"png"), none = nullptr, path = SysAllocString(TempFolder().c_str());
         short quality = 75;
         VARIANT_BOOL done = VARIANT_TRUE;
@@ -170,7 +161,7 @@ void TestImage() {
 void TestGrid() {
     _variant_t extent = NewEnvelope(1000, 600), half = NewEnvelope(500, 600);
     _variant_t layer = Host({{L"AreaOfInterest", half}});
-    const Grid grid = NewGrid();
+    const Grid grid(kGrid);
     Grid clone;
     Check(grid->putref_LayerExtent(&extent.pdispVal) == S_OK);
     Check(grid->put_TileWidth(250) == S_OK && grid->put_TileHeight(200) == S_OK);
@@ -216,9 +207,9 @@ void TestGrid() {
 void TestLanguage() {
     const auto reportIn = [](const wchar_t* first, const wchar_t* last) {
         SetEnvironmentVariableW(L"ORVO_TILE_LANGUAGE", first);
-        const Image image = NewImage();
+        const Image image(kImage);
         SetEnvironmentVariableW(L"ORVO_TILE_LANGUAGE", last);
-        const Grid grid = NewGrid();
+        const Grid grid(kGrid);
         const std::size_t before = Log().size();
         image->put_TileWidth(1);  // no layer: fails; the first report of a process is older than any window
         image->put_TileWidth(1);
@@ -239,8 +230,8 @@ void TestGrowth() {
     _variant_t extent = NewEnvelope(1000, 600);
     const auto createAndRelease = [&](int times) {
         for (int i = 0; i < times; ++i) {
-            const Image image = NewImage();
-            const Grid grid = NewGrid();
+            const Image image(kImage);
+            const Grid grid(kGrid);
             grid->putref_LayerExtent(&extent.pdispVal);
             grid->InitializeTiles();
         }
@@ -255,12 +246,12 @@ void TestGrowth() {
 void TestUnloading() {
     Check(MayUnload());
     {
-        const Image image = NewImage();
+        const Image image(kImage);
         Check(!MayUnload());
     }
     CoFreeUnusedLibrariesEx(0, 0);
     Check(Server() == nullptr);
-    Check(bool(NewImage()));  // and it comes back
+    Check(bool(Image(kImage)));  // and it comes back
 }
 
 }  // namespace
