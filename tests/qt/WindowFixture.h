@@ -139,7 +139,7 @@ class WindowTest : public testing::Test {
     std::vector<std::string> heard;
     std::deque<Step> steps;
     std::vector<ShownBox> boxes;  ///< message boxes that were shown
-    int boxButton = 0;            ///< its button that the user clicks
+    int boxButton = 0;            ///< their button that the user clicks, if they have as many
 
   private:
     /// Looks at what is in front, and has the user act on it.
@@ -153,7 +153,7 @@ class WindowTest : public testing::Test {
                 for (const auto* button : box->buttons())
                     shown.buttons.push_back(button->text().toStdString());
                 boxes.push_back(shown);
-                box->buttons().at(boxButton)->click();
+                box->buttons().value(boxButton, box->buttons().back())->click();
             } else if (acting_) {
                 return;
             } else if (steps.empty()) {
