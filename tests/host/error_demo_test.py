@@ -6,32 +6,25 @@ import json
 import os
 import pty
 import re
-import shutil
 import subprocess
 import sys
-import tempfile
 import termios
 import unittest
 
-ORVO_TILE = os.environ["ORVO_TILE"]
+from host_run import ORVO_TILE, HostTest
+
 LEAVE = {"de": "Prozedur verlassen", "en": "Exit Procedure", "fr": "Procédure de sortie"}
 PROMPT = "(1-7) > "
 
 
-class ErrorDemoTest(unittest.TestCase):
-    maxDiff = None
-
+class ErrorDemoTest(HostTest):
     def setUp(self):
-        self.folder = os.path.realpath(tempfile.mkdtemp(prefix="orvo demo "))
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        super().setUp()
         os.mkdir(self.path("bin"))
         foreign = ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "BROWSER", "TMUX", "STY")
         kept = {name: value for name, value in os.environ.items() if name not in foreign}
         # Only our own programs, so that no printer and no browser of this machine is met.
         self.environment = {**kept, "TEMP": self.folder, "TERM": "xterm", "PATH": self.path("bin"), "LC_ALL": "C.UTF-8"}
-
-    def path(self, *names):
-        return os.path.join(self.folder, *names)
 
     def read(self, name):
         with open(self.path(name), encoding="utf-8", newline="") as file:
@@ -41,10 +34,6 @@ class ErrorDemoTest(unittest.TestCase):
         with open(self.path("bin", name), "w", encoding="utf-8") as file:
             file.write(f"#!/bin/sh\n{commands}\n")
         os.chmod(file.name, 0o755)
-
-    def run_tile(self, *arguments, **environment):
-        return subprocess.run([ORVO_TILE, *arguments], capture_output=True, text=True, timeout=60, cwd=self.folder,
-                              env={**self.environment, **environment}, stdin=subprocess.DEVNULL)
 
     def session(self, *turns, **environment):
         """A run at a terminal. Each turn is a text to wait for and the answer to it."""
@@ -83,7 +72,7 @@ class ErrorDemoTest(unittest.TestCase):
         done = self.run_tile("error-demo", "--on-error", "next")
         self.assertEqual(json.loads(done.stdout)["answer"], "next")
         # A display that is none: said once, and the policy of the terminal holds.
-        done = self.run_tile("error-demo", DISPLAY=":9999")
+        done = self.run_tile("error-demo", environment={"DISPLAY": ":9999"})
         self.assertEqual((done.returncode, done.stderr.count("orvo-tile: no window: ")), (0, 1))
         self.assertEqual(json.loads(done.stdout)["answer"], "leave")
 
@@ -117,7 +106,7 @@ class ErrorDemoTest(unittest.TestCase):
 
     def test_a_log_that_cannot_be_written_hides_nothing(self):
         cannot = "The error report cannot be logged. Path not found: /no/folder/Orvo_Tile.EPT"
-        done = self.run_tile("error-demo", TEMP="/no/folder")
+        done = self.run_tile("error-demo", environment={"TEMP": "/no/folder"})
         self.assertEqual((done.returncode, done.stdout), (1, ""))
         self.assertIn(cannot, done.stderr)
         self.assertIn("What failed: 11 (Division by zero", done.stderr)
@@ -125,7 +114,7 @@ class ErrorDemoTest(unittest.TestCase):
             image.write("P5 20 10 255\n" + "x" * 200)
         self.program("away", f'/bin/rm -r "{self.folder}/out"; exit 1')
         done = self.run_tile("raster", "map.pgm", "out", "--tile-size", "10", "--format", "tif", "--converter", "away",
-                             TEMP="/no/folder")
+                             environment={"TEMP": "/no/folder"})
         self.assertEqual(done.returncode, 1)
         summary = json.loads(done.stdout)
         self.assertEqual((summary["tiles"]["expected"], summary["tiles"]["written"]), (2, 0))

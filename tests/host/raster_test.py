@@ -13,18 +13,18 @@ import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import termios
 import time
 import unittest
 
 from osgeo import gdal, ogr, osr
 
+from host_run import ORVO_TILE, HostTest
+
 gdal.UseExceptions()
 ogr.UseExceptions()
 gdal.PushErrorHandler("CPLQuietErrorHandler")
 gdal.SetConfigOption("GDAL_PAM_ENABLED", "NO")
-ORVO_TILE = os.environ["ORVO_TILE"]
 CONVERT = ["--converter", "/usr/bin/convert"]
 
 
@@ -58,31 +58,12 @@ def pixels(path, *window):
             for b in range(dataset.RasterCount)]
 
 
-class HostTest(unittest.TestCase):
-    maxDiff = None
-
-    def setUp(self):
-        self.folder = os.path.realpath(tempfile.mkdtemp(prefix="orvo host "))
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
-
-    def path(self, *names):
-        return os.path.join(self.folder, *names)
-
+class RasterTest(HostTest):
     def run_tile(self, *arguments, **options):
-        environment = {**os.environ, "LC_ALL": "C.UTF-8", **options.pop("environment", {})}
-        return subprocess.run([ORVO_TILE, "raster", *map(str, arguments)], capture_output=True, text=True,
-                              timeout=100, cwd=self.folder, env=environment, stdin=subprocess.DEVNULL, **options)
-
-    def cut(self, *arguments, exit_code=0, **options):
-        """A run that prints a summary; its numbers add up, and its index names exactly the tiles on the disk."""
-        done = self.run_tile(*arguments, **options)
-        self.assertEqual(done.returncode, exit_code, done.stderr)
-        summary = json.loads(done.stdout)
-        self.check(summary)
-        summary["stderr"] = done.stderr
-        return summary
+        return super().run_tile("raster", *arguments, **options)
 
     def check(self, summary):
+        """The numbers add up, and the index names exactly the tiles on the disk."""
         tiles = summary["tiles"]
         self.assertEqual(tiles["expected"],
                          tiles["written"] + tiles["failed"] + tiles["outside"] + tiles["not_reached"])
@@ -127,7 +108,7 @@ class HostTest(unittest.TestCase):
         return path
 
 
-class TilesTest(HostTest):
+class TilesTest(RasterTest):
     def test_grid_index_mosaic_and_world_files(self):
         system = osr.SpatialReference()
         system.ImportFromEPSG(25832)
@@ -284,7 +265,7 @@ class TilesTest(HostTest):
         self.assertEqual(sorted((c, r) for c, r, _ in self.index_of(summary).values()), [(0, 0), (1, 0)])
 
 
-class UsageTest(HostTest):
+class UsageTest(RasterTest):
     def refuse(self, source, folder, arguments, code, words):
         """A run that ends before it writes anything."""
         before = sorted(os.listdir(self.folder))
@@ -367,7 +348,7 @@ class UsageTest(HostTest):
         self.assertRegex(version.stdout, r"^orvo-tile \d+\.\d+\.\d+\n$")
 
 
-class FolderTest(HostTest):
+class FolderTest(RasterTest):
     def setUp(self):
         super().setUp()
         write_raster(self.path("map.png"), 20, 20)
@@ -456,7 +437,7 @@ class FolderTest(HostTest):
         self.assertEqual(len(self.names()), 2)
 
 
-class FaultsTest(HostTest):
+class FaultsTest(RasterTest):
     def setUp(self):
         super().setUp()
         self.source = write_raster(self.path("map.tif"), 40, 40)

@@ -5,19 +5,18 @@ import os
 import random
 import re
 import resource
-import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
 
 from osgeo import gdal, ogr, osr
 
+from host_run import ORVO_TILE, HostTest
+
 gdal.UseExceptions()
 ogr.UseExceptions()
-ORVO_TILE = os.environ["ORVO_TILE"]
 
 
 def system(code=25832):
@@ -62,28 +61,9 @@ def blobs(seed, count, size=9):
             .Buffer(rng.uniform(0.5, size), 3).ExportToWkt() for _ in range(count)]
 
 
-class HostTest(unittest.TestCase):
-    maxDiff = None
-
-    def setUp(self):
-        self.folder = os.path.realpath(tempfile.mkdtemp(prefix="orvo vector "))
-        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
-
-    def path(self, *names):
-        return os.path.join(self.folder, *names)
-
-    def run_tile(self, *arguments, **options):
-        return subprocess.run([ORVO_TILE, *map(str, arguments)], capture_output=True, text=True, timeout=100,
-                              cwd=self.folder, env={**os.environ, "LC_ALL": "C.UTF-8"}, stdin=subprocess.DEVNULL,
-                              **options)
-
-    def cut(self, source, out, *arguments, exit_code=0, **options):
-        done = self.run_tile("vector", source, out, *arguments, **options)
-        self.assertEqual(done.returncode, exit_code, done.stderr)
-        summary = json.loads(done.stdout)
-        self.check(summary)
-        summary["stderr"] = done.stderr
-        return summary
+class VectorTest(HostTest):
+    def cut(self, *arguments, **options):
+        return super().cut("vector", *arguments, **options)
 
     def check(self, summary):
         """The numbers add up, and the index names exactly the tiles on the disk."""
@@ -126,7 +106,7 @@ class HostTest(unittest.TestCase):
         return {f["source_fid"]: f["reason"] for f in dataset.GetLayer()}
 
 
-class TilesTest(HostTest):
+class TilesTest(VectorTest):
     def test_formats_hold_everything(self):
         seed = random.randrange(10**6)
         print("seed", seed)
@@ -194,7 +174,7 @@ class TilesTest(HostTest):
             self.assertEqual(summary["features"]["placed"], 150)
 
 
-class TreatmentsTest(HostTest):
+class TreatmentsTest(VectorTest):
     def test_every_kind_has_its_treatment(self):
         shapes = [
             ("POINT (15 5)", {"grp1"}), ("POINT Z (5 5 7)", {"grp0"}),
@@ -301,7 +281,7 @@ class TreatmentsTest(HostTest):
         self.assertIn("border", " ".join(summary["notices"]))
 
 
-class UsageTest(HostTest):
+class UsageTest(VectorTest):
     def test_refused(self):
         source = write_layer(self.path("map.gpkg"), [square(1, 1, 8)])
         write_layer(self.path("none.gpkg"), [])
@@ -378,7 +358,7 @@ class UsageTest(HostTest):
             self.assertNotIn(network, page)
 
 
-class FaultsTest(HostTest):
+class FaultsTest(VectorTest):
     def test_interrupted(self):
         source = write_layer(self.path("map.gpkg"), blobs(4, 400, 3), kind=ogr.wkbPolygon)
         process = subprocess.Popen([ORVO_TILE, "vector", source, "out", "--columns", "40", "--rows", "40", "--format",
