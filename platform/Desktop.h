@@ -28,6 +28,12 @@ class IDialogEvents {
     virtual void cmdProtocol_Click(Integer index) = 0;
 };
 
+/// Tells the dialog which of its buttons was clicked.
+inline void Click(IDialogEvents& dialog, const Control& button) {
+    if (button.name == "cmdContinue") dialog.cmdContinue_Click(button.index);
+    if (button.name == "cmdProtocol") dialog.cmdProtocol_Click(button.index);
+}
+
 /// Every service may fail with a RuntimeError; none waits for what is not there.
 class IDesktop {
   public:

@@ -113,10 +113,7 @@ void FormWindow::Run(const std::function<void()>& handler) {
 }
 
 void FormWindow::Click(const Control& control) {
-    Run([&] {
-        if (control.name == "cmdContinue") events_.cmdContinue_Click(control.index);
-        if (control.name == "cmdProtocol") events_.cmdProtocol_Click(control.index);
-    });
+    Run([&] { orvo::Click(events_, control); });
 }
 
 void FormWindow::Activate() {

@@ -165,10 +165,7 @@ void FormWindow::Run(const std::function<void()>& handler) {
 
 void FormWindow::Click(std::size_t control) {
     const Control& clicked = events_.Controls().controls.at(control);
-    Run([&] {
-        if (clicked.name == "cmdContinue") events_.cmdContinue_Click(clicked.index);
-        if (clicked.name == "cmdProtocol") events_.cmdProtocol_Click(clicked.index);
-    });
+    Run([&] { orvo::Click(events_, clicked); });
 }
 
 void FormWindow::Refresh() {
