@@ -31,6 +31,12 @@ bool FailOnPurpose() {
     });
 }
 
+/// When a file was written; that of a missing one is the earliest there is.
+std::filesystem::file_time_type WriteTime(const std::string& path) {
+    std::error_code missing;
+    return std::filesystem::last_write_time(path, missing);
+}
+
 int RunErrorDemo(const CommonOptions& options) {
     ProgressDisplay progress(std::cerr, ProgressMode::None);
     utility::Settings services;
@@ -38,14 +44,14 @@ int RunErrorDemo(const CommonOptions& options) {
     const auto desktop = InstallPlatform(
         options.OnError(), progress, [](const std::string&) {}, std::move(services));
     const clsTileImage tiler;  // sets the language, and puts its entry into the call-stack list
-    const bool wentOn = FailOnPurpose();
     const std::string saved = SavedReportPath();
-    std::error_code missing;
+    const auto savedBefore = WriteTime(saved);
+    const bool wentOn = FailOnPurpose();
     nlohmann::ordered_json answer{{"shown", desktop->FailuresShown()},
                                   {"answer", wentOn ? "next" : "leave"},
                                   {"log", ErrorLogPath()},
                                   {"saved", nullptr}};
-    if (std::filesystem::exists(saved, missing)) answer["saved"] = saved;
+    if (WriteTime(saved) != savedBefore) answer["saved"] = saved;
     std::cout << answer.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << std::endl;
     if (!std::cout) throw RunError("the answer could not be written to standard output");
     return Interrupted() ? kExitInterrupted : kExitDone;

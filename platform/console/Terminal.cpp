@@ -32,7 +32,9 @@ std::optional<std::string> ReadLine(int descriptor) {
     std::string line;
     char c = 0;
     for (;;) {
-        if (read(descriptor, &c, 1) != 1) return std::nullopt;
+        const ssize_t count = read(descriptor, &c, 1);
+        if (count == 0 && !line.empty()) return line;  // the last line may lack its end
+        if (count != 1) return std::nullopt;
         if (c == '\n') return line;
         line += c;
     }

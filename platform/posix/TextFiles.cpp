@@ -56,9 +56,13 @@ class File {
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    /// Waits for others that write; released by closing. A file system without locks goes without.
+    /// Waits for others that write, up to 5 s: one that was stopped must not hold up everybody's reports.
+    /// Released by closing. A file system without locks goes without.
     void Lock() const {
-        while (::flock(descriptor_, LOCK_EX) != 0 && errno == EINTR) {
+        for (int i = 0; i < 250; ++i) {
+            if (::flock(descriptor_, LOCK_EX | LOCK_NB) == 0) return;
+            if (errno != EWOULDBLOCK && errno != EINTR) return;
+            ::usleep(20000);
         }
     }
     off_t End() const { return ::lseek(descriptor_, 0, SEEK_END); }

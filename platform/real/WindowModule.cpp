@@ -89,7 +89,10 @@ class DesktopOnDemand final : public IDesktop {
     }
     void ShowModal(IDialogEvents& dialog) override { Used().ShowModal(dialog); }
     void Beep() override { Used().Beep(); }
-    void ResetPointer() override { Used().ResetPointer(); }
+    /// Before the first window there is no pointer of ours, and the module need not be loaded for it.
+    void ResetPointer() override {
+        if (used_) used_->ResetPointer();
+    }
     Box Screen() override { return Used().Screen(); }
     void Print(const std::vector<std::string>& lines) override { Used().Print(lines); }
     void CopyToClipboard(const std::string& text) override { Used().CopyToClipboard(text); }
