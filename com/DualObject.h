@@ -84,9 +84,11 @@ class DualObject : public Interface, public ISupportErrorInfo {
     explicit DualObject(const wchar_t* source) : source_(source) {}
     virtual ~DualObject() = default;
 
-    /// A member's body: its failure becomes the call's.
+    /// A member's body: its failure becomes the call's. The object outlives the call, whatever the client's
+    /// own objects let go of meanwhile.
     template <class Body>
-    HRESULT Do(Body&& body) const noexcept {
+    HRESULT Do(Body&& body) noexcept {
+        const Ref<IUnknown> alive(static_cast<Interface*>(this));
         return Call(__uuidof(Interface), source_, body);
     }
 
