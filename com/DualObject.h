@@ -89,6 +89,7 @@ class DualObject : public Interface, public ISupportErrorInfo {
     template <class Body>
     HRESULT Do(Body&& body) noexcept {
         const Ref<IUnknown> alive(static_cast<Interface*>(this));
+        SetErrorInfo(0, nullptr);  // a failure without a text must not show that of an earlier one
         return Call(__uuidof(Interface), source_, body);
     }
 
