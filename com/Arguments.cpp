@@ -28,40 +28,69 @@ bool IsSame(const VARIANT& one, const VARIANT& other, VARTYPE type) {
     }
 }
 
+/// The bytes of a variable of a fixed type; 0 where values cannot be put into such a variable.
+std::size_t SizeOf(VARTYPE type) {
+    switch (type) {
+        case VT_I1:
+        case VT_UI1:
+            return 1;
+        case VT_I2:
+        case VT_UI2:
+        case VT_BOOL:
+            return 2;
+        case VT_I4:
+        case VT_UI4:
+        case VT_INT:
+        case VT_UINT:
+        case VT_R4:
+            return 4;
+        case VT_I8:
+        case VT_UI8:
+        case VT_R8:
+        case VT_CY:
+        case VT_DATE:
+            return 8;
+        case VT_DECIMAL:
+            return sizeof(DECIMAL);
+        case VT_BSTR:
+        case VT_DISPATCH:
+        case VT_UNKNOWN:
+            return sizeof(void*);
+        default:
+            return 0;
+    }
+}
+
+/// The argument that names the client's variable; one that is itself handed on stands a level deeper.
+const VARIANT& Followed(const VARIANT& given) {
+    const bool handedOn = given.vt == (VT_BYREF | VT_VARIANT) && (given.pvarVal->vt & VT_BYREF) != 0;
+    return handedOn ? *given.pvarVal : given;
+}
+
+/// Whether a changed value finds a place; values and whole variants always do.
+bool IsStorable(const VARIANT& given) {
+    const VARIANT& variable = Followed(given);
+    if ((variable.vt & VT_BYREF) == 0 || variable.vt == (VT_BYREF | VT_VARIANT)) return true;
+    return SizeOf(static_cast<VARTYPE>(variable.vt & ~VT_BYREF)) != 0;
+}
+
 /// Puts a value into a client's variable of a fixed type.
 HRESULT StoreAs(VARTYPE type, void* variable, VARIANT& value, LCID locale) {
     VARIANT converted;
     VariantInit(&converted);
     const HRESULT code = VariantChangeTypeEx(&converted, &value, locale, 0, type);
     if (FAILED(code)) return code;
-    std::size_t size = 0;
-    switch (type) {
-        case VT_UI1:
-            size = 1;
-            break;
-        case VT_I2:
-        case VT_BOOL:
-            size = 2;
-            break;
-        case VT_I4:
-        case VT_R4:
-            size = 4;
-            break;
-        case VT_R8:
-        case VT_CY:
-        case VT_DATE:
-            size = 8;
-            break;
-        case VT_BSTR:
-            SysFreeString(*static_cast<BSTR*>(variable));
-            size = sizeof(BSTR);
-            break;
-        default:
-            VariantClear(&converted);
-            return DISP_E_TYPEMISMATCH;
+    if (type == VT_DECIMAL) {  // fills the whole variant, and may lie in one of the client's: its type stays
+        converted.decVal.wReserved = static_cast<DECIMAL*>(variable)->wReserved;
+        std::memcpy(variable, &converted.decVal, sizeof(DECIMAL));
+        return S_OK;
     }
-    std::memcpy(variable, StorageOf(converted), size);
-    return S_OK;
+    VARIANT old;  // whose text or object the new one replaces
+    VariantInit(&old);
+    std::memcpy(StorageOf(old), variable, SizeOf(type));
+    old.vt = type;
+    std::memcpy(variable, StorageOf(converted), SizeOf(type));
+    return VariantClear(&old);
 }
 
 }  // namespace
@@ -118,6 +147,8 @@ HRESULT Arguments::Convert(std::size_t index) {
         if (FAILED(code)) return code;
         if (IsLeftOut(given)) {
             slot.source = nullptr;
+        } else if (parameter.byReference && !IsStorable(*slot.source)) {
+            code = DISP_E_TYPEMISMATCH;
         } else {
             code = parameter.type == VT_DISPATCH
                        ? ConvertObject(given, slot.value)
@@ -153,11 +184,11 @@ HRESULT Arguments::ConvertObject(const VARIANT& given, VARIANT& value) const {
 }
 
 HRESULT Arguments::StoreChange(Slot& slot, const Parameter& parameter) const {
-    if (!parameter.byReference || slot.source == nullptr || (slot.source->vt & VT_BYREF) == 0) return S_OK;
-    if (IsSame(slot.value, slot.before, parameter.type)) return S_OK;
-    if (slot.source->vt == (VT_BYREF | VT_VARIANT)) return VariantCopy(slot.source->pvarVal, &slot.value);
-    const auto type = static_cast<VARTYPE>(slot.source->vt & ~VT_BYREF);
-    return StoreAs(type, slot.source->byref, slot.value, locale_);
+    if (!parameter.byReference || slot.source == nullptr) return S_OK;
+    const VARIANT& target = Followed(*slot.source);
+    if ((target.vt & VT_BYREF) == 0 || IsSame(slot.value, slot.before, parameter.type)) return S_OK;
+    if (target.vt == (VT_BYREF | VT_VARIANT)) return VariantCopy(target.pvarVal, &slot.value);
+    return StoreAs(static_cast<VARTYPE>(target.vt & ~VT_BYREF), target.byref, slot.value, locale_);
 }
 
 HRESULT Arguments::GiveBack(VARIANT* result) {

@@ -1,4 +1,6 @@
 // A client that knows names only: it makes the calls that interpreters make.
+#include <cstdint>
+
 #include "Client.h"
 #include "Members.h"
 
@@ -71,9 +73,19 @@ void TestWritingBack(IDispatch* grid) {
     Check(inside(To(VT_R8, &real), To(VT_BSTR, &text), To(VT_DISPATCH, &point.pdispVal)));
     Check(real == 3 && std::wstring(text) == L"2");
     Check(inside(To(VT_VARIANT, &any), -1, point) && any == _variant_t(3L));
+    std::int64_t wide = -1;
+    unsigned int count = 0;
+    signed char small = -1;
+    DECIMAL decimal{};
+    _variant_t handedOn = To(VT_I4, &number);
+    number = -1;
+    Check(inside(To(VT_I8, &wide), To(VT_UINT, &count), point) && wide == 3 && count == 2);
+    Check(inside(To(VT_DECIMAL, &decimal), To(VT_I1, &small), point) && small == 2);
+    Check(decimal.Lo64 == 3 && decimal.scale == 0 && decimal.sign == 0);
+    Check(inside(To(VT_VARIANT, &handedOn), -1, point) && number == 3);
     // A number that is not changed leaves the variable's own type alone.
     Check(inside(To(VT_VARIANT, &same), 2, point) && same == _variant_t(L"3"));
-    Check(asked == 4 && References(point) == 1);
+    Check(asked == 7 && References(point) == 1);
     SysFreeString(text);
 }
 
