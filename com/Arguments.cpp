@@ -193,18 +193,19 @@ HRESULT Arguments::StoreChange(Slot& slot, const Parameter& parameter) const {
 
 HRESULT Arguments::GiveBack(VARIANT* result) {
     if (result != nullptr) VariantInit(result);
+    HRESULT first = S_OK;
     for (std::size_t i = 0; i < slots_.size(); ++i) {
         Slot& slot = slots_[i];
         const Parameter& parameter = member_.parameters[i];
         if (!parameter.isResult) {
             const HRESULT code = StoreChange(slot, parameter);
-            if (FAILED(code)) return code;
-        } else if (result != nullptr) {
+            if (SUCCEEDED(first)) first = code;
+        } else if (result != nullptr && SUCCEEDED(first)) {
             *result = slot.value;
             VariantInit(&slot.value);
         }
     }
-    return S_OK;
+    return first;
 }
 
 }  // namespace orvo::com

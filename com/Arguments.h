@@ -24,7 +24,8 @@ class Arguments {
     VARIANTARG** Values() { return values_.data(); }
 
     /// Stores what the member changed in the client's variables, and moves its result into `result`, which
-    /// may be null.
+    /// may be null. A variable that cannot take its value does not keep the others from theirs; the first
+    /// such failure is the call's.
     HRESULT GiveBack(VARIANT* result);
 
   private:

@@ -122,6 +122,7 @@ HRESULT Dispatch::Invoke(void* object, DISPID id, LCID locale, WORD flags, const
     if (FAILED(code)) return code;
     if (FAILED(returned.scode)) {
         if (exception != nullptr) FillException(*exception, returned.scode);
+        converted.GiveBack(nullptr);  // what it changed before; its own failure is the one that counts
         return DISP_E_EXCEPTION;
     }
     return converted.GiveBack(result);

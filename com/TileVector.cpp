@@ -96,11 +96,10 @@ STDMETHODIMP TileVector::Clip(LONG lngX, LONG lngY, IDispatch** objInGeometry, I
 STDMETHODIMP TileVector::IsInside(LONG* lngX, LONG* lngY, IDispatch** objGeometry, VARIANT_BOOL* result) {
     return Do([&] {
         Target(result) = VARIANT_FALSE;
-        Long column = Target(lngX);
-        Long row = Target(lngY);
-        const bool inside = grid_->IsInside(column, row, windows::GeometryOf(ValueOf(objGeometry)));
-        *lngX = column;
-        *lngY = row;
+        Number column(Target(lngX));
+        Number row(Target(lngY));
+        const bool inside =
+            grid_->IsInside(column.value, row.value, windows::GeometryOf(ValueOf(objGeometry)));
         *result = inside ? VARIANT_TRUE : VARIANT_FALSE;
     });
 }
