@@ -112,6 +112,17 @@ bool HasValues(HKEY root, const std::wstring& key) {
     return count != 0;
 }
 
+/// Whether the DLL of the other bitness is registered too: classes and interfaces have a view of the registry
+/// for each, ProgIDs and type libraries are shared. On a system of one bitness there is one view.
+bool HasOtherView(HKEY root, const std::wstring& key) {
+    constexpr REGSAM other = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+    HKEY opened = nullptr;
+    if (RegOpenKeyExW(root, (kClasses + key).c_str(), 0, KEY_READ | other, &opened) != ERROR_SUCCESS)
+        return false;
+    RegCloseKey(opened);
+    return true;
+}
+
 LSTATUS RemoveFrom(HKEY root) {
     LSTATUS first = ERROR_SUCCESS;
     const auto remove = [&](const std::wstring& key) {
@@ -119,16 +130,15 @@ LSTATUS RemoveFrom(HKEY root) {
         if (first == ERROR_SUCCESS) first = status;
     };
     for (const CreatableClass& made : CreatableClasses()) {
-        remove(L"CLSID\\" + TextOf(made.id));
-        remove(made.progId);
+        const std::wstring key = L"CLSID\\" + TextOf(made.id);
+        remove(key);
+        if (!HasOtherView(root, key)) remove(made.progId);
     }
+    for (const NamedInterface& each : Interfaces()) remove(L"Interface\\" + TextOf(each.id));
     // The 32-bit and the 64-bit DLL share the library's key: the last one takes it along.
     const std::wstring files = LibraryKey() + L"\\" + kLibraryVersion + L"\\0";
     remove(files + L"\\" + kPlatformName);
-    if (DeleteLeaf(root, files)) {
-        remove(LibraryKey());
-        for (const NamedInterface& each : Interfaces()) remove(L"Interface\\" + TextOf(each.id));
-    }
+    if (DeleteLeaf(root, files)) remove(LibraryKey());
     // Keys of the system that registration may have made.
     for (const wchar_t* parent : {L"CLSID", L"TypeLib", L"Interface"})
         if (!HasValues(root, parent)) DeleteLeaf(root, parent);

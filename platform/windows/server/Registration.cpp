@@ -49,14 +49,45 @@ LSTATUS WriteClass(HKEY root, const CreatableClass& made, const std::wstring& pa
     return status;
 }
 
+/// Opens a key below Software\Classes for reading; null where there is none.
+/// @param view 0 for that of this DLL's bitness
+HKEY Opened(HKEY root, const std::wstring& key, REGSAM view) {
+    HKEY opened = nullptr;
+    ::RegOpenKeyExW(root, (kClasses + key).c_str(), 0, KEY_READ | view, &opened);
+    return opened;
+}
+
+/// Whether the DLL of the other bitness is registered too: classes have a view of the registry for each,
+/// ProgIDs are shared. On a system of one bitness there is one view.
+bool HasOtherView(HKEY root, const std::wstring& key) {
+    HKEY opened = Opened(root, key, sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY);
+    if (opened != nullptr) ::RegCloseKey(opened);
+    return opened != nullptr;
+}
+
+/// The key of all classes, which registration may have made.
+void RemoveEmptyParent(HKEY root) {
+    HKEY opened = Opened(root, L"CLSID", 0);
+    if (opened == nullptr) return;
+    DWORD values = 1;
+    ::RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &values, nullptr,
+                       nullptr, nullptr, nullptr);
+    ::RegCloseKey(opened);
+    if (values == 0) ::RegDeleteKeyW(root, L"Software\\Classes\\CLSID");  // fails where keys are below it
+}
+
 LSTATUS RemoveFrom(HKEY root) {
     LSTATUS first = ERROR_SUCCESS;
+    const auto remove = [&](const std::wstring& key) {
+        const LSTATUS status = ::RegDeleteTreeW(root, (kClasses + key).c_str());
+        if (status != ERROR_FILE_NOT_FOUND && first == ERROR_SUCCESS) first = status;
+    };
     for (const CreatableClass& made : CreatableClasses()) {
-        for (const std::wstring& key : {L"CLSID\\" + TextOf(made.id), std::wstring(made.progId)}) {
-            const LSTATUS status = ::RegDeleteTreeW(root, (kClasses + key).c_str());
-            if (status != ERROR_FILE_NOT_FOUND && first == ERROR_SUCCESS) first = status;
-        }
+        const std::wstring key = L"CLSID\\" + TextOf(made.id);
+        remove(key);
+        if (!HasOtherView(root, key)) remove(made.progId);
     }
+    RemoveEmptyParent(root);
     return first;
 }
 
@@ -83,7 +114,10 @@ HRESULT Register() {
 HRESULT Unregister() {
     const std::wstring scope = Environment(kScopeVariable);
     LSTATUS status = scope == L"machine" ? ERROR_SUCCESS : RemoveFrom(HKEY_CURRENT_USER);
-    if (scope != L"user" && status == ERROR_SUCCESS) status = RemoveFrom(HKEY_LOCAL_MACHINE);
+    if (scope != L"user") {
+        const LSTATUS machine = RemoveFrom(HKEY_LOCAL_MACHINE);
+        if (status == ERROR_SUCCESS) status = machine;
+    }
     return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
 }
 
