@@ -79,8 +79,10 @@ struct Cache {
     std::vector<std::pair<IID, std::shared_ptr<const Dispatch>>> interfaces;
 };
 
+/// Never destroyed: when a process ends, the system's libraries that own the entries may be gone already. A
+/// DLL that is unloaded before calls ForgetDispatch.
 Cache& TheCache() {
-    static Cache cache;
+    static Cache& cache = *new Cache;
     return cache;
 }
 
@@ -122,7 +124,7 @@ HRESULT Dispatch::Invoke(void* object, DISPID id, LCID locale, WORD flags, const
     if (FAILED(code)) return code;
     if (FAILED(returned.scode)) {
         if (exception != nullptr) FillException(*exception, returned.scode);
-        converted.GiveBack(nullptr);  // what it changed before; its own failure is the one that counts
+        converted.GiveBack(nullptr);  // what it changed before; the member's failure is the one that counts
         return DISP_E_EXCEPTION;
     }
     return converted.GiveBack(result);
