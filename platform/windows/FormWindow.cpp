@@ -42,8 +42,12 @@ class OthersDisabled {
 
   private:
     static BOOL CALLBACK Disable(HWND window, LPARAM self) {
-        if (::IsWindowVisible(window) != 0 && ::EnableWindow(window, FALSE) == 0)
+        if (::IsWindowVisible(window) == 0 || ::EnableWindow(window, FALSE) != 0) return TRUE;
+        try {
             reinterpret_cast<OthersDisabled*>(self)->windows_.push_back(window);
+        } catch (const std::bad_alloc&) {  // what cannot be remembered stays enabled
+            ::EnableWindow(window, TRUE);
+        }
         return TRUE;
     }
     HWND active_ = ::GetActiveWindow();
@@ -79,6 +83,8 @@ RuntimeError CurrentFailure() {
         return RuntimeError(Fault::OutOfMemory);
     } catch (const std::exception& failure) {
         return {static_cast<Long>(Fault::AutomationError), failure.what()};
+    } catch (...) {
+        return RuntimeError(Fault::AutomationError);
     }
 }
 
@@ -112,6 +118,7 @@ bool FormWindow::Wait() {
     const INT_PTR done = ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), &dialog.head, nullptr,
                                                    Procedure, reinterpret_cast<LPARAM>(this));
     front_ = nullptr;
+    if (failure_) std::rethrow_exception(failure_);
     return done > 0;
 }
 
@@ -121,7 +128,14 @@ INT_PTR FormWindow::Procedure(HWND window, UINT message, WPARAM first, LPARAM se
         reinterpret_cast<FormWindow*>(second)->window_ = window;
     }
     auto* const self = reinterpret_cast<FormWindow*>(::GetWindowLongPtrW(window, DWLP_USER));
-    return self == nullptr ? FALSE : self->Handle(message, first, second);
+    if (self == nullptr) return FALSE;
+    try {
+        return self->Handle(message, first, second);
+    } catch (...) {
+        if (!self->failure_) self->failure_ = std::current_exception();
+        ::EndDialog(window, TRUE);
+        return TRUE;
+    }
 }
 
 INT_PTR FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {

@@ -1,6 +1,7 @@
 // A dialog's window, drawn from its form.
 #pragma once
 
+#include <exception>
 #include <functional>
 #include <map>
 #include <vector>
@@ -25,6 +26,7 @@ class FormWindow {
     FormWindow& operator=(const FormWindow&) = delete;
 
     /// Shows the dialog until its form is invisible or the user has closed it; false where no window can be.
+    /// What fails meanwhile and cannot be told closes the window and is thrown from here.
     bool Wait();
 
   private:
@@ -56,7 +58,8 @@ class FormWindow {
     TellFailure tell_;
     double twips_;
     HWND window_ = nullptr;
-    HWND focus_ = nullptr;  ///< the control that had the focus while the window was active last
+    std::exception_ptr failure_;  ///< kept while the system's own functions are on the stack
+    HWND focus_ = nullptr;        ///< the control that had the focus while the window was active last
     struct Child {
         HWND window = nullptr;
         const wchar_t* kind = nullptr;
