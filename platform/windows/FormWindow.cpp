@@ -29,31 +29,6 @@ struct EmptyDialog {
     WORD menuClassAndTitle[3] = {0, 0, 0};
 };
 
-/// The thread's other windows take no input while this lives.
-class OthersDisabled {
-  public:
-    OthersDisabled() { ::EnumThreadWindows(::GetCurrentThreadId(), Disable, reinterpret_cast<LPARAM>(this)); }
-    ~OthersDisabled() {
-        for (const HWND window : windows_) ::EnableWindow(window, TRUE);
-        if (active_ != nullptr) ::SetActiveWindow(active_);
-    }
-    OthersDisabled(const OthersDisabled&) = delete;
-    OthersDisabled& operator=(const OthersDisabled&) = delete;
-
-  private:
-    static BOOL CALLBACK Disable(HWND window, LPARAM self) {
-        if (::IsWindowVisible(window) == 0 || ::EnableWindow(window, FALSE) != 0) return TRUE;
-        try {
-            reinterpret_cast<OthersDisabled*>(self)->windows_.push_back(window);
-        } catch (const std::bad_alloc&) {  // what cannot be remembered stays enabled
-            ::EnableWindow(window, TRUE);
-        }
-        return TRUE;
-    }
-    HWND active_ = ::GetActiveWindow();
-    std::vector<HWND> windows_;
-};
-
 /// Measures texts in a font.
 class Canvas {
   public:
@@ -101,6 +76,35 @@ void SetFont(HWND window, HFONT font) {
 
 }  // namespace
 
+/// The thread's other windows take no input while this lives, or until they are enabled.
+class FormWindow::OthersDisabled {
+  public:
+    OthersDisabled() { ::EnumThreadWindows(::GetCurrentThreadId(), Disable, reinterpret_cast<LPARAM>(this)); }
+    ~OthersDisabled() {
+        Enable();
+        if (active_ != nullptr) ::SetActiveWindow(active_);
+    }
+    OthersDisabled(const OthersDisabled&) = delete;
+    OthersDisabled& operator=(const OthersDisabled&) = delete;
+    void Enable() {
+        for (const HWND window : windows_) ::EnableWindow(window, TRUE);
+        windows_.clear();
+    }
+
+  private:
+    static BOOL CALLBACK Disable(HWND window, LPARAM self) {
+        if (::IsWindowVisible(window) == 0 || ::EnableWindow(window, FALSE) != 0) return TRUE;
+        try {
+            reinterpret_cast<OthersDisabled*>(self)->windows_.push_back(window);
+        } catch (const std::bad_alloc&) {  // what cannot be remembered stays enabled
+            ::EnableWindow(window, TRUE);
+        }
+        return TRUE;
+    }
+    HWND active_ = ::GetActiveWindow();
+    std::vector<HWND> windows_;
+};
+
 FormWindow::FormWindow(IDialogEvents& events, HWND& front, TellFailure tell)
     : events_(events),
       front_(front),
@@ -113,10 +117,12 @@ FormWindow::~FormWindow() {
 }
 
 bool FormWindow::Wait() {
-    const OthersDisabled others;
+    OthersDisabled others;
+    others_ = &others;
     const EmptyDialog dialog;
     const INT_PTR done = ::DialogBoxIndirectParamW(::GetModuleHandleW(nullptr), &dialog.head, nullptr,
                                                    Procedure, reinterpret_cast<LPARAM>(this));
+    others_ = nullptr;
     front_ = nullptr;
     if (failure_) std::rethrow_exception(failure_);
     return done > 0;
@@ -133,7 +139,7 @@ INT_PTR FormWindow::Procedure(HWND window, UINT message, WPARAM first, LPARAM se
         return self->Handle(message, first, second);
     } catch (...) {
         if (!self->failure_) self->failure_ = std::current_exception();
-        ::EndDialog(window, TRUE);
+        self->Close();
         return TRUE;
     }
 }
@@ -154,7 +160,7 @@ INT_PTR FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
             return TRUE;
         case WM_COMMAND: {
             const int id = LOWORD(first);
-            if (id == IDCANCEL) ::EndDialog(window_, TRUE);
+            if (id == IDCANCEL) Close();
             if (id >= kFirstId && HIWORD(first) == BN_CLICKED) Click(static_cast<std::size_t>(id - kFirstId));
             return TRUE;
         }
@@ -167,6 +173,11 @@ INT_PTR FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
     }
 }
 
+void FormWindow::Close() {
+    others_->Enable();
+    ::EndDialog(window_, TRUE);
+}
+
 void FormWindow::Run(const std::function<void()>& handler) {
     try {
         handler();
@@ -174,7 +185,7 @@ void FormWindow::Run(const std::function<void()>& handler) {
         tell_(CurrentFailure());
     }
     Refresh();
-    if (!events_.Controls().self.visible) ::EndDialog(window_, TRUE);
+    if (!events_.Controls().self.visible) Close();
 }
 
 void FormWindow::Click(std::size_t control) {

@@ -32,6 +32,9 @@ class FormWindow {
   private:
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM first, LPARAM second);
     INT_PTR Handle(UINT message, WPARAM first, LPARAM second);
+    /// The thread's windows take input again before this one goes: else another program's would become
+    /// active.
+    void Close();
     void Run(const std::function<void()>& handler);
     void Click(std::size_t control);
 
@@ -57,6 +60,8 @@ class FormWindow {
     HWND& front_;
     TellFailure tell_;
     double twips_;
+    class OthersDisabled;
+    OthersDisabled* others_ = nullptr;  ///< while the window is open
     HWND window_ = nullptr;
     std::exception_ptr failure_;  ///< kept while the system's own functions are on the stack
     HWND focus_ = nullptr;        ///< the control that had the focus while the window was active last
