@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 #include <memory>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -60,6 +61,18 @@ void Require(HRESULT result, const std::string& about);
 
 /// The number of a failed call: that of the runtime where the code holds one, else the code itself.
 Long NumberOf(HRESULT result);
+
+/// Runs what a function that COM calls does: nothing may be thrown out of one.
+template <class Work>
+HRESULT Guarded(const Work& work) noexcept {
+    try {
+        return work();
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
+    } catch (...) {
+        return E_UNEXPECTED;
+    }
+}
 
 /// An owned value of an automation call.
 class Value {

@@ -25,6 +25,18 @@ HRESULT Tell(EXCEPINFO* exception, Long number, const std::string& text) {
     return DISP_E_EXCEPTION;
 }
 
+HRESULT Answer(const Member& member, WORD kind, const DISPPARAMS& parameters, VARIANT* result) {
+    const Arguments arguments(parameters);
+    if ((kind & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {
+        if (!member.put) return DISP_E_MEMBERNOTFOUND;
+        member.put(arguments.At(0));
+        return S_OK;
+    }
+    Value value = member.call(arguments);
+    if (result != nullptr) *result = value.Detach();
+    return S_OK;
+}
+
 }  // namespace
 
 long LiveObjects() {
@@ -121,23 +133,17 @@ HRESULT ScriptObject::Invoke(DISPID id, REFIID /*reserved*/, LCID /*locale*/, WO
     const Member* const member = Find(id);
     if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
     const Ref<ScriptObject> alive(this);
-    try {
-        const Arguments arguments(*parameters);
-        if ((kind & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {
-            if (!member->put) return DISP_E_MEMBERNOTFOUND;
-            member->put(arguments.At(0));
-            return S_OK;
+    return Guarded([&] {
+        try {
+            return Answer(*member, kind, *parameters, result);
+        } catch (const RuntimeError& error) {
+            return Tell(exception, error.Number(), error.Description());
+        } catch (const std::bad_alloc&) {
+            return E_OUTOFMEMORY;
+        } catch (const std::exception& error) {
+            return Tell(exception, static_cast<Long>(Fault::AutomationError), error.what());
         }
-        Value value = member->call(arguments);
-        if (result != nullptr) *result = value.Detach();
-        return S_OK;
-    } catch (const RuntimeError& error) {
-        return Tell(exception, error.Number(), error.Description());
-    } catch (const std::bad_alloc&) {
-        return E_OUTOFMEMORY;
-    } catch (const std::exception& error) {
-        return Tell(exception, static_cast<Long>(Fault::AutomationError), error.what());
-    }
+    });
 }
 
 }  // namespace orvo::windows

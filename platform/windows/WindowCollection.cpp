@@ -44,8 +44,11 @@ class Enumerator final : public IEnumVARIANT {  // NOLINT(cppcoreguidelines-virt
     }
     HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** copy) override {
         if (copy == nullptr) return E_POINTER;
-        *copy = new Enumerator(numbers_, next_, owner_.Get());
-        return S_OK;
+        *copy = nullptr;
+        return Guarded([&] {
+            *copy = new Enumerator(numbers_, next_, owner_.Get());
+            return S_OK;
+        });
     }
 
   private:

@@ -29,14 +29,10 @@ class Factory final : public IClassFactory {  // NOLINT(cppcoreguidelines-virtua
         if (object == nullptr) return E_POINTER;
         *object = nullptr;
         if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-        try {
+        return Guarded([&] {
             const Value made = Value::Adopt(made_.create());
             return made.Raw().pdispVal->QueryInterface(id, object);
-        } catch (const std::bad_alloc&) {
-            return E_OUTOFMEMORY;
-        } catch (const std::exception&) {
-            return E_FAIL;
-        }
+        });
     }
     HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
         locks += lock != FALSE ? 1 : -1;

@@ -1,4 +1,5 @@
 // The four functions that the DLL exports.
+#include "platform/windows/Automation.h"
 #include "platform/windows/HostObjects.h"
 #include "platform/windows/server/Classes.h"
 #include "platform/windows/server/Registration.h"
@@ -6,17 +7,18 @@
 namespace windows = orvo::windows;
 
 STDAPI DllGetClassObject(REFCLSID classId, REFIID interfaceId, void** object) {
-    return windows::GetClassObject(classId, interfaceId, object);
+    return windows::Guarded([&] { return windows::GetClassObject(classId, interfaceId, object); });
 }
 
 STDAPI DllCanUnloadNow() {
-    return windows::LiveObjects() == 0 && !windows::IsLocked() ? S_OK : S_FALSE;
+    return windows::Guarded(
+        [] { return windows::LiveObjects() == 0 && !windows::IsLocked() ? S_OK : S_FALSE; });
 }
 
 STDAPI DllRegisterServer() {
-    return windows::Register();
+    return windows::Guarded([] { return windows::Register(); });
 }
 
 STDAPI DllUnregisterServer() {
-    return windows::Unregister();
+    return windows::Guarded([] { return windows::Unregister(); });
 }
