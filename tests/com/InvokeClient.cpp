@@ -74,12 +74,14 @@ void TestWritingBack(IDispatch* grid) {
     Check(real == 3 && std::wstring(text) == L"2");
     Check(inside(To(VT_VARIANT, &any), -1, point) && any == _variant_t(3L));
     std::int64_t wide = -1;
-    unsigned int count = 0;
+    int plain = -1;
     signed char small = -1;
-    DECIMAL decimal{};
+    DECIMAL decimal{};  // -1
+    decimal.sign = DECIMAL_NEG;
+    decimal.Lo64 = 1;
     _variant_t handedOn = To(VT_I4, &number);
     number = -1;
-    Check(inside(To(VT_I8, &wide), To(VT_UINT, &count), point) && wide == 3 && count == 2);
+    Check(inside(To(VT_I8, &wide), To(VT_INT, &plain), point) && wide == 3 && plain == 2);
     Check(inside(To(VT_DECIMAL, &decimal), To(VT_I1, &small), point) && small == 2);
     Check(decimal.Lo64 == 3 && decimal.scale == 0 && decimal.sign == 0);
     Check(inside(To(VT_VARIANT, &handedOn), -1, point) && number == 3);
