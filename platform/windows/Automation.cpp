@@ -124,6 +124,12 @@ Long NumberOf(HRESULT result) {
 }
 
 void Require(HRESULT result, const std::string& about) {
+    if (FAILED(result)) Fail(result, about);
+}
+
+void RequireCall(const std::function<HRESULT()>& call, const std::string& about) {
+    ::SetErrorInfo(0, nullptr);  // what is found there afterwards is of this call
+    const HRESULT result = call();
     if (SUCCEEDED(result)) return;
     Ref<IErrorInfo> said;
     if (::GetErrorInfo(0, said.Out()) == S_OK && said) {

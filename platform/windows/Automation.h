@@ -1,6 +1,7 @@
 // Calls on automation objects by name, with failures as runtime errors.
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <new>
@@ -56,8 +57,11 @@ Ref<Interface> Query(IUnknown* object, const IID& id) {
     return found;
 }
 
-/// Fails with the number and text that a failing call left behind.
+/// Fails where a call of the system has failed.
 void Require(HRESULT result, const std::string& about);
+
+/// Makes a call on an automation object's table of functions; fails with what the object says of its failure.
+void RequireCall(const std::function<HRESULT()>& call, const std::string& about);
 
 /// The number of a failed call: that of the runtime where the code holds one, else the code itself.
 Long NumberOf(HRESULT result);

@@ -233,12 +233,13 @@ class BoundStatus final : public IStatusDisplay {
     explicit BoundStatus(Ref<StatusTable> object) : object_(std::move(object)) {}
     void ShowMessage(const std::string& text) override {
         const Value argument(text);
-        Require(object_->ShowMessage(argument.Raw().bstrVal), "ShowMessage");
+        RequireCall([&] { return object_->ShowMessage(argument.Raw().bstrVal); }, "ShowMessage");
     }
     void ShowProgress(const std::string& text, Long maxValue, bool step) override {
         const Value argument(text);
-        Require(object_->ShowProgress(argument.Raw().bstrVal, maxValue, step ? VARIANT_TRUE : VARIANT_FALSE),
-                "ShowProgress");
+        const VARIANT_BOOL further = step ? VARIANT_TRUE : VARIANT_FALSE;
+        RequireCall([&] { return object_->ShowProgress(argument.Raw().bstrVal, maxValue, further); },
+                    "ShowProgress");
     }
 
   private:
