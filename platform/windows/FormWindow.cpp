@@ -23,8 +23,8 @@ constexpr const wchar_t* kStatic = L"STATIC";
 constexpr const wchar_t* kButton = L"BUTTON";
 constexpr const wchar_t* kListBox = L"LISTBOX";
 
-/// A dialog without controls: they are made from the form.
-struct EmptyDialog {
+/// A dialog without controls: they are made from the form. The system wants it on a boundary of four bytes.
+struct alignas(4) EmptyDialog {
     DLGTEMPLATE head{kWindowStyle, 0, 0, 0, 0, 0, 0};
     WORD menuClassAndTitle[3] = {0, 0, 0};
 };

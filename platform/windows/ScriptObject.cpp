@@ -111,8 +111,9 @@ HRESULT ScriptObject::GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT c
                                     DISPID* ids) {
     if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
     std::fill(ids, ids + count, DISPID_UNKNOWN);
-    const auto found = std::ranges::find_if(
-        members_, [&](const Member& member) { return ::lstrcmpiW(member.name, names[0]) == 0; });
+    const auto found = std::ranges::find_if(members_, [&](const Member& member) {
+        return ::CompareStringOrdinal(member.name, -1, names[0], -1, TRUE) == CSTR_EQUAL;
+    });
     if (found == members_.end()) return DISP_E_UNKNOWNNAME;
     ids[0] = found->id == DISPID_UNKNOWN ? static_cast<DISPID>(found - members_.begin()) + 1 : found->id;
     return count == 1 ? S_OK : DISP_E_UNKNOWNNAME;  // arguments have no names
