@@ -45,10 +45,6 @@ class Document {
         TEXTMETRICW metrics{};
         ::GetTextMetricsW(printer_, &metrics);
         line_ = metrics.tmHeight + metrics.tmExternalLeading;
-        DOCINFOW document{};
-        document.cbSize = sizeof document;
-        document.lpszDocName = L"Orvo_Tile";
-        started_ = ::StartDocW(printer_, &document) > 0;
     }
     ~Document() {
         if (started_) ::AbortDoc(printer_);
@@ -58,6 +54,13 @@ class Document {
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
 
+    void Start() {
+        DOCINFOW document{};
+        document.cbSize = sizeof document;
+        document.lpszDocName = L"Orvo_Tile";
+        started_ = ::StartDocW(printer_, &document) > 0;
+        Check(started_);
+    }
     void Print(const std::wstring& text) {
         if (y_ + line_ > ::GetDeviceCaps(printer_, VERTRES) - margin_) EndPage();
         if (!pageOpen_) {
@@ -83,8 +86,8 @@ class Document {
         pageOpen_ = false;
         y_ = margin_;
     }
-    void Check(bool done) const {
-        if (!started_ || !done) Fail(SystemText(::GetLastError()));
+    static void Check(bool done) {
+        if (!done) Fail(SystemText(::GetLastError()));
     }
 
     HDC printer_;
@@ -100,6 +103,7 @@ class Document {
 
 void PrintOnDefaultPrinter(const std::vector<std::string>& lines) {
     Document document(DefaultPrinter());
+    document.Start();
     for (const std::string& line : lines) document.Print(Wide(line));
     document.End();
 }
