@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 
@@ -120,11 +121,13 @@ bool RasterIO::CutWindow(const std::string& sourceFile, PixelWindow& window, con
                          std::string& reason) {
     try {
         ImageSource& source = Source(sourceFile);
-        const Long right = std::min<Long>(window.column + window.width, source.Columns());
-        const Long bottom = std::min<Long>(window.row + window.height, source.Rows());
+        const auto right =
+            std::min<std::int64_t>(std::int64_t{window.column} + window.width, source.Columns());
+        const auto bottom = std::min<std::int64_t>(std::int64_t{window.row} + window.height, source.Rows());
         const Long column = std::max<Long>(window.column, 0);
         const Long row = std::max<Long>(window.row, 0);
-        window = {column, row, right - column, bottom - row};
+        window = {column, row, static_cast<Long>(std::max<std::int64_t>(right - column, 0)),
+                  static_cast<Long>(std::max<std::int64_t>(bottom - row, 0))};
         if (window.width <= 0 || window.height <= 0)
             throw RuntimeError(Fault::InvalidProcedureCall, "the window misses the raster");
         WriteImage(tiffFile, ImageFormat::Tiff, source.Read(column, row, window.width, window.height), 0);
