@@ -62,6 +62,15 @@ std::string AnsiOf(const std::wstring& wide) {
     return ansi;
 }
 
+/// Prepares a dialog that nobody sees: what fails then does not stand in the way of its choice.
+void Activate(IDialogEvents& dialog) {
+    try {
+        dialog.Form_Activate();
+    } catch (...) {
+        ::OutputDebugStringW(L"Orvo_Tile: a dialog could not be prepared\n");
+    }
+}
+
 }  // namespace
 
 Policy CurrentPolicy() {
@@ -97,9 +106,8 @@ void Desktop::ShowModal(IDialogEvents& dialog) {
                        MessageIcon::Critical, MessageButtons::OK);
         });
         if (window.Wait()) return;
-    } else {
-        dialog.Form_Activate();
     }
+    Activate(dialog);
     dialog.cmdContinue_Click(policy == Policy::Next ? kNextStatement : kLeave);
 }
 

@@ -11,7 +11,10 @@ class Dialog final : public IDialogEvents {
   public:
     std::string heard;
     const Form& Controls() const override { return form_; }
-    void Form_Activate() override { heard += "a"; }
+    void Form_Activate() override {
+        heard += "a";
+        throw RuntimeError(Fault::DeviceIOError);  // must not keep the choice from being made
+    }
     void cmdContinue_Click(Integer index) override { heard += std::to_string(index); }
     void cmdProtocol_Click(Integer) override { heard += "p"; }
 
@@ -32,7 +35,7 @@ void CheckPolicy(windows::Desktop& desktop) {
     ::SetEnvironmentVariableW(windows::kOnErrorVariable, L"ask");
     Dialog unseen;  // there is no screen here
     desktop.ShowModal(unseen);
-    Equal(unseen.heard, "2");
+    Equal(unseen.heard, "a2");
 }
 
 void CheckClipboard(windows::Desktop& desktop) {
