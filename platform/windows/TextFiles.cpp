@@ -34,13 +34,14 @@ Fault FaultOf(DWORD reason) {
     throw RuntimeError(FaultOf(reason), path + " (" + SystemText(reason) + ")");
 }
 
-/// A file open for writing; others may read and write it meanwhile.
+constexpr DWORD kShared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// A file open for writing; what others may do with it meanwhile is its sharing.
 class File {
   public:
-    File(const std::string& path, DWORD disposition)
+    File(const std::string& path, DWORD disposition, DWORD sharing = kShared)
         : path_(path),
-          handle_(::CreateFileW(Wide(path).c_str(), GENERIC_WRITE,
-                                FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, disposition,
+          handle_(::CreateFileW(Wide(path).c_str(), GENERIC_WRITE, sharing, nullptr, disposition,
                                 FILE_ATTRIBUTE_NORMAL, nullptr)) {
         if (handle_ == INVALID_HANDLE_VALUE) Fail(path_, ::GetLastError());
     }
@@ -69,6 +70,11 @@ class File {
         if (::SetFilePointerEx(handle_, start_, nullptr, FILE_BEGIN) != 0) ::SetEndOfFile(handle_);
         return reason;
     }
+    /// Writes the text instead of all that is there.
+    DWORD Overwrite(std::string_view text) const {
+        const DWORD reason = Write(text);
+        return reason != ERROR_SUCCESS || ::SetEndOfFile(handle_) != 0 ? reason : ::GetLastError();
+    }
 
   private:
     std::string path_;
@@ -76,10 +82,17 @@ class File {
     LARGE_INTEGER start_{};
 };
 
+/// A name beside a file that no other thread of any process writes.
+std::string PartOf(const std::string& path) {
+    return path + "." + std::to_string(::GetCurrentProcessId()) + "-" +
+           std::to_string(::GetCurrentThreadId()) + ".part";
+}
+
 }  // namespace
 
 bool TextFiles::Exists(const std::string& path) {
-    return ::GetFileAttributesW(Wide(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+    const DWORD attributes = ::GetFileAttributesW(Wide(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
 void TextFiles::Append(const std::string& path, const std::string& text) {
@@ -91,14 +104,20 @@ void TextFiles::Append(const std::string& path, const std::string& text) {
 }
 
 void TextFiles::Replace(const std::string& path, const std::string& text) {
-    const std::string part = path + ".part";
-    DWORD reason = File(part, CREATE_ALWAYS).Write(text);
+    const std::string part = PartOf(path);
+    ::DeleteFileW(Wide(part).c_str());  // of a process that was ended and had the same number
+    DWORD reason = File(part, CREATE_NEW, 0).Write(text);
     if (reason == ERROR_SUCCESS &&
         ::MoveFileExW(Wide(part).c_str(), Wide(path).c_str(), MOVEFILE_REPLACE_EXISTING) == 0)
         reason = ::GetLastError();
     if (reason == ERROR_SUCCESS) return;
     ::DeleteFileW(Wide(part).c_str());
-    Fail(path, reason);
+    if (reason == ERROR_SHARING_VIOLATION || reason == ERROR_ACCESS_DENIED) {
+        const File held(path, OPEN_ALWAYS);  // others have it open: they keep its name, not what it holds
+        held.Lock();
+        reason = held.Overwrite(text);
+    }
+    if (reason != ERROR_SUCCESS) Fail(path, reason);
 }
 
 }  // namespace orvo::windows

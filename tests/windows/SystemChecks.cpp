@@ -62,10 +62,16 @@ void CheckFiles(ITextFiles& files, IFileSystemObject& objects) {
     files.Append(file, "zwei\r\n");
     Equal(ContentOf(file), "Grüße\r\nzwei\r\n");
     files.Replace(file, "neu\r\n");
-    Equal(ContentOf(file), "neu\r\n");
+    const std::string replaced = ContentOf(file);
+    {
+        const std::ifstream held(DiskPath(file));  // its reader does not let it be renamed or removed
+        files.Replace(file, "x");
+    }
+    Equal(replaced + ContentOf(file), "neu\r\nx");
     Fails(76, "nowhere", [&] { files.Append(folder.File("nowhere\\x"), "t"); });
     Equal(folder.Entries(), 1);
-    Check(objects.FileExists(file) && !objects.FileExists(folder.Path()));
+    Check(objects.FileExists(file) && !objects.FileExists(folder.Path()) && files.Exists(file) &&
+          !files.Exists(folder.Path()));
     Equal(objects.GetBaseName(file) + "|" + objects.GetExtensionName(file), "log ☕|EPT");
     Equal(objects.GetParentFolderName(file), folder.Path());
     Equal(objects.GetAbsolutePathName("C:\\a\\..\\b.tif"), "C:\\b.tif");
