@@ -94,14 +94,15 @@ void Ferrow::ArrangeFrames() {
 
 void Ferrow::ShowModal() {
     if (form_.self.visible) throw RuntimeError(400, "Form already displayed; can't show modally");
-    const struct Showing {
-        explicit Showing(bool& visible) : visible_(visible) { visible_ = true; }
-        ~Showing() { visible_ = false; }
-        Showing(const Showing&) = delete;
-        Showing& operator=(const Showing&) = delete;
-        bool& visible_;
-    } showing(form_.self.visible);
-    Desktop().ShowModal(*this);
+    bool& visible = form_.self.visible;
+    visible = true;
+    try {
+        Desktop().ShowModal(*this);
+    } catch (...) {
+        visible = false;
+        throw;
+    }
+    visible = false;
 }
 
 void Ferrow::Form_Activate() {

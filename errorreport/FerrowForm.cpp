@@ -4,12 +4,12 @@ namespace orvo {
 namespace {
 
 struct Design {
-    const char* kind;
-    const char* name;
-    Integer index;  ///< −1 for a control on its own
-    const char* container;
-    const char* caption;
-    const char* tag;  ///< string id of the caption; empty where the design caption stays
+    const char* kind = "";
+    const char* name = "";
+    Integer index = -1;  ///< −1 for a control on its own
+    const char* container = "";
+    const char* caption = nullptr;  ///< null where the kind has none
+    const char* tag = "";           ///< string id of the caption; empty where the design caption stays
     Box box;
 };
 
@@ -60,7 +60,7 @@ constexpr Long kDesignHeight = 6480;
 
 Control Made(const Design& design) {
     Control::Properties properties{{"Tag", design.tag}, {"ToolTipText", ""}};
-    if (design.caption != nullptr) properties["Caption"] = design.caption;  // a list has none
+    if (design.caption != nullptr) properties["Caption"] = design.caption;
     Control control(design.kind, std::move(properties));
     control.name = design.name;
     control.index = design.index;

@@ -1,6 +1,7 @@
 #include "errorreport/Report.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 
 #include "support/Text.h"
@@ -26,9 +27,10 @@ std::string Row(const std::string& title, const std::string& text) {
 
 /// "mm-dd-yyyy / hh:mm:ss", whatever the user's locale.
 std::string TimeText(const LocalTime& time) {
-    char date[48];
-    std::snprintf(date, sizeof date, "%02d-%02d-%04d", time.month, time.day, time.year);
-    return std::string(date) + " / " + ClockText(time);
+    std::array<char, 48> date{};
+    static_cast<void>(
+        std::snprintf(date.data(), date.size(), "%02d-%02d-%04d", time.month, time.day, time.year));
+    return std::string(date.data()) + " / " + ClockText(time);
 }
 
 std::string FailureRows(const Form& dialog) {
