@@ -7,6 +7,7 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/FailureInFlight.h"
 #include "platform/qt/Controls.h"
 #include "platform/qt/Fit.h"
 #include "platform/qt/Texts.h"
@@ -18,21 +19,6 @@ namespace {
 constexpr double kTwipsPerInch = 1440;
 constexpr Integer kLeave = 2;
 constexpr int kWatchPause = 100;  // ms
-
-/// The failure that is being handled, as the runtime would number it.
-RuntimeError CurrentFailure() {
-    try {
-        throw;
-    } catch (const RuntimeError& failure) {
-        return failure;
-    } catch (const std::bad_alloc&) {
-        return RuntimeError(Fault::OutOfMemory);
-    } catch (const std::exception& failure) {
-        return {static_cast<Long>(Fault::AutomationError), failure.what()};
-    } catch (...) {
-        return RuntimeError(Fault::AutomationError);
-    }
-}
 
 }  // namespace
 
@@ -106,7 +92,7 @@ void FormWindow::Run(const std::function<void()>& handler) {
     try {
         handler();
     } catch (...) {
-        tell_(CurrentFailure());
+        tell_(FailureInFlight());
     }
     Refresh();
     if (!events_.Controls().self.visible) done(Accepted);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/FailureInFlight.h"
 #include "platform/windows/Desktop.h"
 #include "platform/windows/WideText.h"
 #include "support/LabelRoom.h"
@@ -47,21 +48,6 @@ class Canvas {
     HDC device_;
     HGDIOBJ before_;
 };
-
-/// The failure that is being handled, as the runtime would number it.
-RuntimeError CurrentFailure() {
-    try {
-        throw;
-    } catch (const RuntimeError& failure) {
-        return failure;
-    } catch (const std::bad_alloc&) {
-        return RuntimeError(Fault::OutOfMemory);
-    } catch (const std::exception& failure) {
-        return {static_cast<Long>(Fault::AutomationError), failure.what()};
-    } catch (...) {
-        return RuntimeError(Fault::AutomationError);
-    }
-}
 
 void SetText(HWND window, const std::wstring& text) {
     std::wstring shown(static_cast<std::size_t>(::GetWindowTextLengthW(window)) + 1, L'\0');
@@ -182,7 +168,7 @@ void FormWindow::Run(const std::function<void()>& handler) {
     try {
         handler();
     } catch (...) {
-        tell_(CurrentFailure());
+        tell_(FailureInFlight());
     }
     Refresh();
     if (!events_.Controls().self.visible) Close();
