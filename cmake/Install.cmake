@@ -3,7 +3,11 @@ include(CMakePackageConfigHelpers)
 
 get_property(rooms GLOBAL PROPERTY ORVO_ROOMS)
 install(TARGETS ${rooms} EXPORT Orvo_TileTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-foreach(room support errorreport tileimage tilevector platform)
+set(rooms_with_headers support errorreport tileimage tilevector platform)
+if(ORVO_LINUX)
+    list(APPEND rooms_with_headers tiling)
+endif()
+foreach(room IN LISTS rooms_with_headers)
     install(DIRECTORY ${room}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo_tile/${room}
         FILES_MATCHING PATTERN "*.h"
         REGEX "/qt/[^M][^/]*$" EXCLUDE)  # the window is a module: its door alone is used

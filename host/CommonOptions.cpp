@@ -5,8 +5,8 @@
 #include <CLI/CLI.hpp>
 #include <map>
 
-#include "host/Errors.h"
 #include "host/Values.h"
+#include "tiling/Errors.h"
 
 namespace orvo::host {
 

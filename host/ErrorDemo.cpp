@@ -9,10 +9,10 @@
 #include "host/Commands.h"
 #include "host/CommonOptions.h"
 #include "host/ErrorLog.h"
-#include "host/Errors.h"
 #include "host/Interrupt.h"
 #include "host/Session.h"
 #include "tileimage/clsTileImage.h"
+#include "tiling/Errors.h"
 
 namespace orvo::host {
 namespace {

@@ -5,9 +5,9 @@
 
 #include "host/Commands.h"
 #include "host/CommonOptions.h"
-#include "host/Errors.h"
-#include "host/RasterJob.h"
 #include "host/Values.h"
+#include "tiling/Errors.h"
+#include "tiling/raster/RasterJob.h"
 
 namespace orvo::host {
 namespace {

@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "host/ErrorLog.h"
-#include "host/Errors.h"
 #include "host/Interrupt.h"
+#include "platform/linux/Platform.h"
+#include "platform/linux/WindowModule.h"
 #include "platform/posix/ProcessRunner.h"
-#include "platform/real/Platform.h"
-#include "platform/real/WindowModule.h"
 #include "support/Strings.h"
+#include "tiling/Errors.h"
 
 namespace orvo::host {
 namespace {
@@ -45,15 +45,15 @@ std::shared_ptr<IDesktop> ChooseDesktop(const FailureHandling& handling) {
     const bool ask = handling.policy == console::Policy::Ask;
     if (ask && handling.place == DialogPlace::Window) {
         std::string whyNot;
-        if (auto window = real::LoadWindowDesktop(WindowSettings(), whyNot)) return window;
+        if (auto window = linux_platform::LoadWindowDesktop(WindowSettings(), whyNot)) return window;
         throw UsageError("--dialog window: " + whyNot);
     }
     auto terminal = TerminalDesktop(handling.policy);
-    if (!ask || handling.place == DialogPlace::Terminal || HasTerminal() || !real::DisplayNamed())
+    if (!ask || handling.place == DialogPlace::Terminal || HasTerminal() || !linux_platform::DisplayNamed())
         return terminal;
-    return real::WindowOnDemand(WindowSettings(), std::move(terminal), [](const std::string& whyNot) {
-        std::cerr << kProgram << ": no window: " << whyNot << '\n';
-    });
+    return linux_platform::WindowOnDemand(
+        WindowSettings(), std::move(terminal),
+        [](const std::string& whyNot) { std::cerr << kProgram << ": no window: " << whyNot << '\n'; });
 }
 
 }  // namespace
@@ -64,11 +64,11 @@ std::shared_ptr<WatchedDesktop> InstallPlatform(const FailureHandling& handling,
     auto desktop = std::make_shared<WatchedDesktop>(
         ChooseDesktop(handling),
         WatchedDesktop::Watch{[&progress] { progress.MakeRoom(); }, std::move(onFailure), Interrupted});
-    real::Options options;
+    linux_platform::Options options;
     options.desktop = desktop;
     options.services = std::move(services);
     options.services.interrupted = Interrupted;
-    platform::Platform made = real::MakePlatform(std::move(options));
+    platform::Platform made = linux_platform::MakePlatform(std::move(options));
     TellOfLog(made);
     platform::Install(std::move(made));
     return desktop;

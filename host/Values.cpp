@@ -12,8 +12,8 @@
 #include <sstream>
 #include <string_view>
 
-#include "host/Errors.h"
 #include "support/Text.h"
+#include "tiling/Errors.h"
 
 namespace orvo::host {
 namespace {

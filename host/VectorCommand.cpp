@@ -4,9 +4,9 @@
 
 #include "host/Commands.h"
 #include "host/CommonOptions.h"
-#include "host/Errors.h"
 #include "host/Values.h"
-#include "host/VectorJob.h"
+#include "tiling/Errors.h"
+#include "tiling/vector/VectorJob.h"
 
 namespace orvo::host {
 namespace {

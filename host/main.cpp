@@ -7,8 +7,8 @@
 
 #include "errorreport/Version.h"
 #include "host/Commands.h"
-#include "host/Errors.h"
 #include "host/Interrupt.h"
+#include "tiling/Errors.h"
 
 namespace orvo::host {
 namespace {

@@ -4,7 +4,7 @@
 #include <iostream>
 
 #include "platform/gdal/RasterLayer.h"
-#include "platform/real/Platform.h"
+#include "platform/linux/Platform.h"
 #include "tileimage/clsTileImage.h"
 
 int main(int argc, char** argv) {
@@ -13,7 +13,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        orvo::platform::Install(orvo::real::MakePlatform());
+        orvo::platform::Install(orvo::linux_platform::MakePlatform());
         orvo::clsTileImage tiler;
         tiler.SavePath(argv[2]);
         tiler.GraphicFormat("png");

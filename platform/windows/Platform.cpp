@@ -1,14 +1,14 @@
 #include "platform/windows/Platform.h"
 
-#include "platform/windows/Automation.h"
-#include "platform/windows/Desktop.h"
-#include "platform/windows/EnvelopeObject.h"
-#include "platform/windows/HostObjects.h"
-#include "platform/windows/Scripting.h"
-#include "platform/windows/System.h"
-#include "platform/windows/Utility.h"
-#include "platform/windows/WideText.h"
-#include "platform/windows/Workspace.h"
+#include "platform/windows/automation/Automation.h"
+#include "platform/windows/automation/EnvelopeObject.h"
+#include "platform/windows/automation/HostObjects.h"
+#include "platform/windows/automation/Scripting.h"
+#include "platform/windows/automation/Utility.h"
+#include "platform/windows/automation/Workspace.h"
+#include "platform/windows/desktop/Desktop.h"
+#include "platform/windows/system/System.h"
+#include "platform/windows/system/WideText.h"
 
 namespace orvo::windows {
 namespace {

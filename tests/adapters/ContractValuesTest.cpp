@@ -6,14 +6,14 @@
 
 #include "platform/fake/World.h"
 #include "platform/gdal/RasterLayer.h"
-#include "platform/real/Platform.h"
+#include "platform/linux/Platform.h"
 #include "tests/adapters/GdalRasters.h"
 
 namespace orvo {
 namespace {
 
 platform::Platform MakeReal() {
-    return real::MakePlatform();
+    return linux_platform::MakePlatform();
 }
 platform::Platform MakeFake() {
     return fake::World::Make()->MakePlatform();

@@ -8,7 +8,7 @@
 #include <random>
 #include <vector>
 
-#include "tests/adapters/GeosShapes.h"
+#include "tests/tiling/GeosShapes.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 

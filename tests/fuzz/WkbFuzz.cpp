@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <span>
 
-#include "platform/geos/Geometry.h"
-#include "platform/geos/Split.h"
 #include "platform/memory/Envelope.h"
+#include "tiling/vector/geometry/Geometry.h"
+#include "tiling/vector/geometry/Split.h"
 
 namespace {
 

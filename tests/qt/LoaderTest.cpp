@@ -5,12 +5,12 @@
 #include <clocale>
 
 #include "platform/fake/World.h"
-#include "platform/real/WindowModule.h"
+#include "platform/linux/WindowModule.h"
 #include "tests/Failure.h"
 #include "tests/Variable.h"
 #include "tests/adapters/TempFolder.h"
 
-namespace orvo::real {
+namespace orvo::linux_platform {
 namespace {
 
 using testing::HasSubstr;
@@ -72,4 +72,4 @@ TEST(WindowModule, OpensBesideTheProgramAndLeavesTheLocaleAlone) {
 }
 
 }  // namespace
-}  // namespace orvo::real
+}  // namespace orvo::linux_platform

@@ -1,7 +1,7 @@
 // The desktop where nobody looks at it: clipboard, printer, answers by policy.
-#include "platform/windows/Desktop.h"
 #include "platform/windows/Platform.h"
-#include "platform/windows/WideText.h"
+#include "platform/windows/desktop/Desktop.h"
+#include "platform/windows/system/WideText.h"
 #include "tests/windows/Checks.h"
 
 namespace orvo::checks {

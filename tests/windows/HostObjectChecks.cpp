@@ -1,10 +1,10 @@
 // Automation objects as the component's interfaces, and the way back.
 #include <cmath>
 
-#include "platform/windows/EnvelopeObject.h"
-#include "platform/windows/HostObjects.h"
 #include "platform/windows/Platform.h"
-#include "platform/windows/WideText.h"
+#include "platform/windows/automation/EnvelopeObject.h"
+#include "platform/windows/automation/HostObjects.h"
+#include "platform/windows/system/WideText.h"
 #include "tests/windows/Checks.h"
 
 namespace orvo::checks {

@@ -2,10 +2,10 @@
 #include <cmath>
 #include <fstream>
 
-#include "platform/windows/EnvelopeObject.h"
-#include "platform/windows/Image.h"
-#include "platform/windows/RasterFile.h"
-#include "platform/windows/RasterIO.h"
+#include "platform/windows/automation/EnvelopeObject.h"
+#include "platform/windows/imaging/Image.h"
+#include "platform/windows/imaging/RasterFile.h"
+#include "platform/windows/imaging/RasterIO.h"
 #include "support/SystemPath.h"
 #include "tests/windows/Checks.h"
 

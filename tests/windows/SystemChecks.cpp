@@ -4,8 +4,8 @@
 #include <thread>
 
 #include "platform/windows/Platform.h"
-#include "platform/windows/ProcessRunner.h"
-#include "platform/windows/Win32.h"
+#include "platform/windows/system/ProcessRunner.h"
+#include "platform/windows/system/Win32.h"
 #include "support/SystemPath.h"
 #include "tests/windows/Checks.h"
 

@@ -2,9 +2,9 @@
 #include <fstream>
 
 #include "platform/Vector.h"
-#include "platform/windows/Image.h"
 #include "platform/windows/Platform.h"
-#include "platform/windows/Win32.h"
+#include "platform/windows/imaging/Image.h"
+#include "platform/windows/system/Win32.h"
 #include "support/SystemPath.h"
 #include "tests/windows/Checks.h"
 

@@ -1,0 +1,36 @@
+// What a person sees and uses on Windows.
+#pragma once
+
+#include "platform/Desktop.h"
+#include "platform/windows/system/Win32.h"
+
+namespace orvo::windows {
+
+/// Who answers failures: the user, or "next statement" or "leave the procedure" for every one.
+enum class Policy { Ask, Next, Leave };
+
+/// The policy that the environment names now.
+Policy CurrentPolicy();
+
+/// Without a screen, and under a policy other than Ask, nothing is shown: failures are answered by the
+/// policy, questions with No.
+class Desktop final : public IDesktop {
+  public:
+    MessageAnswer MessageBox(const std::string& text, const std::string& title, MessageIcon icon,
+                             MessageButtons buttons) override;
+    void ShowModal(IDialogEvents& dialog) override;
+    void Beep() override;
+    void ResetPointer() override;
+    Box Screen() override;
+    void Print(const std::vector<std::string>& lines) override;
+    void CopyToClipboard(const std::string& text) override;
+    void Open(const std::string& address) override;
+
+  private:
+    HWND front_ = nullptr;  ///< the error dialog while it is open; it owns what is shown meanwhile
+};
+
+/// Twips of one pixel of the screen.
+double TwipsPerPixel();
+
+}  // namespace orvo::windows

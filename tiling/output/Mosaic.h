@@ -1,0 +1,20 @@
+// One virtual raster over all tiles.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tiling/output/PlacedTile.h"
+
+namespace orvo::host {
+
+/// The text of a VRT that lies in the tiles' folder and names them relatively. Palettes, which differ from
+/// tile to tile, are resolved into colours; a grey tile among colours stays grey; a tile without alpha is
+/// opaque.
+/// @param system the coordinate system as WKT; may be empty
+/// @param cellWidth, cellHeight of the layer in map units
+/// Fails with RunError where a tile cannot be read.
+std::string MosaicText(const std::string& folder, const std::vector<PlacedTile>& tiles,
+                       const std::string& system, double cellWidth, double cellHeight);
+
+}  // namespace orvo::host

@@ -1,0 +1,149 @@
+#include "tiling/output/OutputFolder.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <set>
+#include <system_error>
+
+#include "host/Values.h"
+#include "tiling/Errors.h"
+#include "tiling/output/TileIndex.h"
+
+namespace fs = std::filesystem;
+
+namespace orvo::host {
+namespace {
+
+std::string Quoted(const std::string& path) {
+    return "\"" + path + "\"";
+}
+
+/// A folder that is open; names in it are looked up without following links.
+class OpenFolder {
+  public:
+    explicit OpenFolder(const std::string& path)
+        : number_(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        if (number_ < 0)
+            throw RunError("cannot open the folder " + Quoted(path) + ": " + std::strerror(errno));
+    }
+    ~OpenFolder() { close(number_); }
+    OpenFolder(const OpenFolder&) = delete;
+    OpenFolder& operator=(const OpenFolder&) = delete;
+
+    bool IsRegularFile(const std::string& name) const {
+        struct stat status {};
+        return fstatat(number_, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(status.st_mode);
+    }
+    /// Removes a regular file; anything else stays.
+    void Remove(const std::string& name) const {
+        if (IsRegularFile(name) && unlinkat(number_, name.c_str(), 0) != 0 && errno != ENOENT) {
+            throw RunError("cannot remove " + Quoted(name) + " of an earlier run: " + std::strerror(errno));
+        }
+    }
+
+  private:
+    int number_;
+};
+
+bool SameFile(const fs::path& a, const fs::path& b) {
+    std::error_code missing;
+    return fs::equivalent(a, b, missing) && !missing;
+}
+
+std::string Resolved(const std::string& path) {
+    if (path.empty()) throw UsageError("OUTDIR is empty; name a folder");
+    std::error_code failed;
+    std::string text = fs::weakly_canonical(fs::absolute(path), failed).string();
+    if (failed) throw UsageError("OUTDIR " + Quoted(path) + " cannot be used: " + failed.message());
+    while (text.size() > 1 && text.ends_with('/')) text.pop_back();
+    return text;
+}
+
+}  // namespace
+
+OutputFolder::OutputFolder(const std::string& path) : path_(Resolved(path)) {
+    RefuseBackslash("OUTDIR", path_);
+    std::error_code ignored;
+    if (fs::exists(path_, ignored) && !fs::is_directory(path_, ignored)) {
+        throw UsageError("OUTDIR " + Quoted(path) + " is a file; name a folder");
+    }
+}
+
+void OutputFolder::CheckEarlier(bool overwrite, const std::vector<std::string>& keep) {
+    const std::vector<std::string> indexes = FindIndexes(path_);
+    if (indexes.empty()) return;
+    if (!overwrite) {
+        throw UsageError("OUTDIR " + Quoted(path_) + " holds tiles already (" + indexes.front() +
+                         "); use --overwrite to replace them, or name another folder");
+    }
+    std::set<std::string> files;
+    for (const std::string& index : indexes) {
+        for (const std::string& name : FilesOfIndex(path_, index)) files.insert(name);
+    }
+    for (const std::string& name : files) {
+        for (const std::string& source : keep) {
+            if (SameFile(fs::path(path_) / name, source)) {
+                throw UsageError("--overwrite would remove " + Quoted(source) +
+                                 ", which is the source; name another "
+                                 "OUTDIR");
+            }
+        }
+    }
+    earlier_.assign(files.begin(), files.end());
+    earlier_.insert(earlier_.end(), indexes.begin(), indexes.end());
+}
+
+void OutputFolder::Prepare() {
+    Make();
+    TryToWrite();
+    RemoveEarlier();
+}
+
+void OutputFolder::Make() {
+    std::vector<fs::path> missing;
+    std::error_code ignored;
+    for (fs::path folder = path_; !fs::exists(folder, ignored) && folder.has_relative_path();
+         folder = folder.parent_path()) {
+        missing.insert(missing.begin(), folder);
+    }
+    for (const fs::path& folder : missing) {
+        std::error_code failed;
+        if (fs::create_directory(folder, failed)) {
+            made_.push_back(folder);
+        } else if (failed) {
+            RemoveIfUnused();
+            throw UsageError("OUTDIR " + Quoted(path_) + " cannot be made: " + failed.message());
+        }
+    }
+}
+
+void OutputFolder::TryToWrite() const {
+    std::string name = path_ + "/.orvo-tile-XXXXXX";
+    const int file = mkostemp(name.data(), O_CLOEXEC);
+    if (file < 0) {
+        throw UsageError("OUTDIR " + Quoted(path_) + " cannot be written to: " + std::strerror(errno));
+    }
+    close(file);
+    unlink(name.c_str());
+}
+
+void OutputFolder::RemoveEarlier() {
+    if (earlier_.empty()) return;
+    const OpenFolder folder(path_);
+    for (const std::string& name : earlier_) folder.Remove(name);
+    earlier_.clear();
+}
+
+void OutputFolder::RemoveIfUnused() noexcept {
+    for (; !made_.empty(); made_.pop_back()) {
+        if (rmdir(made_.back().c_str()) != 0) break;
+    }
+    made_.clear();
+}
+
+}  // namespace orvo::host

@@ -1,0 +1,17 @@
+// World files: where an image lies, as six numbers beside it.
+#pragma once
+
+#include <string>
+
+#include "tiling/output/PlacedTile.h"
+
+namespace orvo::host {
+
+/// The world file's name by convention: .pgw for .png, .tfw for .tif; first and last letter and "w"
+/// otherwise.
+std::string WorldFileName(const std::string& image);
+
+/// Six lines with 17 significant digits; the place is the centre of the upper left pixel.
+std::string WorldFileText(const PlacedTile& tile);
+
+}  // namespace orvo::host

@@ -1,0 +1,29 @@
+// The files that a run adds to its tiles.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/gdal/RasterLayer.h"
+#include "tiling/output/PlacedTile.h"
+#include "tiling/raster/RasterJob.h"
+
+namespace orvo::host {
+
+/// Full paths; empty for what was not asked for or failed.
+struct Products {
+    std::string index;
+    std::string vrt;
+    std::string preview;
+    std::vector<std::string> notices;
+    std::vector<std::string> errors;
+};
+
+/// Writes world files, mosaic, page and index. Index, mosaic and page get their usual names, or the same
+/// number in all three where one of them is taken. Nothing is written where there are neither tiles nor
+/// leftovers.
+/// @param leftovers names of other files in the folder that go when the index goes
+Products WriteProducts(const RasterJob& job, gdal::RasterLayer& layer, const std::string& folder,
+                       const std::vector<PlacedTile>& tiles, const std::vector<std::string>& leftovers);
+
+}  // namespace orvo::host

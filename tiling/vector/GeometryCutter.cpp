@@ -1,0 +1,54 @@
+#include "tiling/vector/GeometryCutter.h"
+
+#include <algorithm>
+
+#include "tiling/vector/EdgeStretches.h"
+
+namespace orvo::host {
+
+std::size_t GeometryCutter::Cut(const std::shared_ptr<geos::Geometry>& geometry) {
+    placed_.clear();
+    if (geometry->GeometryType() == GeometryType::Point) {
+        const TileNumbers tile = grid_.Locate(geometry);
+        if (tile.column > 0) Give(tile.column, tile.row, *geometry);
+        return placed_.size();
+    }
+    geos::ForEachTile(
+        geometry, grid_.Edges(),
+        [&](std::size_t column, std::size_t row, const std::shared_ptr<geos::Geometry>& around) {
+            CutAtTile(static_cast<Long>(column) + 1, static_cast<Long>(row) + 1, around);
+        });
+    if (geometry->GeometryType() == GeometryType::Polyline) AddStretches(geometry->Coordinates());
+    return placed_.size();
+}
+
+void GeometryCutter::CutAtTile(Long column, Long row, const std::shared_ptr<geos::Geometry>& around) {
+    const auto piece = std::dynamic_pointer_cast<geos::Geometry>(grid_.Tiles().Clip(column, row, around));
+    if (piece) return Give(column, row, *piece);
+    if (around->GeometryType() != GeometryType::Polygon || !around->Covers(grid_.BoundsOf(column, row)))
+        return;
+    if (strict_) {
+        ++coveredLeftOut_;
+        return;
+    }
+    const auto covered = std::dynamic_pointer_cast<geos::Geometry>(around->Clone());
+    covered->Clip(grid_.TileAt(column, row));
+    if (!covered->IsEmpty()) Give(column, row, *covered);
+}
+
+void GeometryCutter::AddStretches(const geos::Shape& line) {
+    std::ranges::sort(placed_);
+    const auto holds = [&, count = placed_.size()](Long column, Long row) {
+        return std::binary_search(placed_.begin(), placed_.begin() + static_cast<std::ptrdiff_t>(count),
+                                  Numbers{column, row});
+    };
+    for (auto& [tile, shape] : EdgeStretches(line, grid_.Edges(), holds))
+        Give(tile.first, tile.second, *geos::Geometry::Make(std::move(shape)));
+}
+
+void GeometryCutter::Give(Long column, Long row, const geos::Geometry& piece) {
+    placed_.emplace_back(column, row);
+    sink_(column, row, piece);
+}
+
+}  // namespace orvo::host

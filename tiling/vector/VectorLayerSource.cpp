@@ -1,0 +1,17 @@
+#include "tiling/vector/VectorLayerSource.h"
+
+#include "platform/RuntimeError.h"
+#include "tiling/Errors.h"
+
+namespace orvo::host {
+
+std::shared_ptr<gdal::VectorLayer> OpenLayer(const VectorJob& job) {
+    try {
+        return gdal::OpenVectorLayer(job.input, job.layer);
+    } catch (const RuntimeError& error) {
+        if (error.Number() == static_cast<Long>(Fault::InvalidProcedureCall)) throw UsageError(error.what());
+        throw;
+    }
+}
+
+}  // namespace orvo::host

@@ -1,0 +1,15 @@
+// The layer that a vector command works on.
+#pragma once
+
+#include <memory>
+
+#include "platform/gdal/VectorLayer.h"
+#include "tiling/vector/VectorJob.h"
+
+namespace orvo::host {
+
+/// Fails with UsageError where the source holds several layers and the right one is not named; else with the
+/// layer's own error. Needs the platform.
+std::shared_ptr<gdal::VectorLayer> OpenLayer(const VectorJob& job);
+
+}  // namespace orvo::host

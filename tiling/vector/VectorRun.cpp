@@ -1,0 +1,234 @@
+// orvo-tile vector: the run from the opened layer to the summary.
+#include <ogr_feature.h>
+
+#include <iostream>
+#include <memory>
+
+#include "host/Interrupt.h"
+#include "host/ProgressDisplay.h"
+#include "host/Session.h"
+#include "platform/gdal/Attributes.h"
+#include "tiling/Errors.h"
+#include "tiling/output/OutputFolder.h"
+#include "tiling/output/Publish.h"
+#include "tiling/output/ReferenceSystem.h"
+#include "tiling/output/TileIndex.h"
+#include "tiling/output/VectorPage.h"
+#include "tiling/output/WorkFolder.h"
+#include "tiling/vector/FeatureIntake.h"
+#include "tiling/vector/VectorJob.h"
+#include "tiling/vector/VectorLayerSource.h"
+
+namespace orvo::host {
+namespace {
+
+constexpr std::size_t kSpoolMemory = std::size_t{128} << 20U;
+constexpr std::size_t kMostDrawn = 150000;  ///< vertices in the preview
+
+/// Progress in hundredths: the first half is reading, the second writing.
+class Halves {
+  public:
+    explicit Halves(ProgressDisplay& display) : display_(display) { display_.Start(100); }
+    void Reach(int half, std::int64_t done, std::int64_t of) {
+        const std::int64_t target =
+            std::int64_t{50} * half + (of > 0 ? std::min<std::int64_t>(50 * done / of, 50) : 0);
+        for (; shown_ < target; ++shown_) display_.Cell();
+    }
+    ~Halves() { display_.End(); }
+    Halves(const Halves&) = delete;
+    Halves& operator=(const Halves&) = delete;
+
+  private:
+    ProgressDisplay& display_;
+    std::int64_t shown_ = 0;
+};
+
+class VectorRun {
+  public:
+    explicit VectorRun(const VectorJob& job) : job_(job), progress_(std::cerr, job.progress) {}
+
+    int Run() {
+        utility::Settings services;
+        services.languageOffset = job_.languageOffset;
+        const auto hear = [this](const std::string& failure) {
+            if (intake_) intake_->Hear(failure);
+        };
+        desktop_ = InstallPlatform(job_.onError, progress_, hear, std::move(services));
+        layer_ = OpenLayer(job_);
+        OutputFolder folder(job_.outdir);
+        folder.CheckEarlier(job_.overwrite, {job_.input});
+        grid_ = std::make_unique<VectorGrid>(layer_, job_.sizes, job_.prefix);
+        PrepareWriter();
+        folder.Prepare();
+        try {
+            Cut(folder.Path());
+            AddProducts(folder.Path());
+        } catch (...) {
+            folder.RemoveIfUnused();
+            throw;
+        }
+        folder.RemoveIfUnused();
+        return Finish(folder.Path());
+    }
+
+  private:
+    void PrepareWriter() {
+        const ReferenceSystem system = NameReferenceSystem(layer_->SpatialReference());
+        if (!system.notice.empty()) summary_.notices.push_back(system.notice);
+        system_ = system.name;
+        const auto free = [&](const char* name) {
+            std::string found = gdal::FreeFieldName(layer_->Definition(), name);
+            if (found != name)
+                summary_.notices.push_back("the layer has a field \"" + std::string(name) +
+                                           "\": ours is called \"" + found + "\"");
+            return found;
+        };
+        added_ = {free("source_fid"), free("tile"), free("reason")};
+        writer_ = MakePieceWriter(job_.format, *layer_, added_, system_);
+        if (layer_->Definition().GetGeomFieldCount() > 1)
+            summary_.notices.emplace_back(
+                "the layer has several columns of geometries: the first one is cut");
+        const GridPlan& plan = grid_->Plan();
+        if (plan.emptyColumns > 0 || plan.emptyRows > 0) {
+            summary_.notices.push_back("beyond the layer lie columns: " + std::to_string(plan.emptyColumns) +
+                                       ", rows: " + std::to_string(plan.emptyRows) +
+                                       "; a tile's size goes up to whole map units");
+        }
+    }
+
+    void Cut(const std::string& folder) {
+        const WorkFolder work(folder);
+        spool_ = std::make_unique<TileSpool>(work.Path(), kSpoolMemory);
+        if (job_.preview) sketch_ = std::make_unique<VectorSketch>(grid_->Whole(), kMostDrawn);
+        intake_ = std::make_unique<FeatureIntake>(*layer_, *grid_, job_.strict, added_,
+                                                  FeatureIntake::Targets{*writer_, *spool_, sketch_.get()});
+        const GridPlan& plan = grid_->Plan();
+        if (!job_.quiet) {
+            std::cerr << "orvo-tile: cutting the layer " << layer_->Name() << " into " << plan.columns
+                      << " x " << plan.rows << " tiles of " << plan.width << " x " << plan.height
+                      << " map units\n";
+        }
+        Halves halves(progress_);
+        ReadFeatures(halves);
+        writer_->CheckRecords();
+        WriteTiles(work, folder, halves);
+        for (std::string& notice : writer_->Notices()) summary_.notices.push_back(std::move(notice));
+    }
+
+    void ReadFeatures(Halves& halves) {
+        const std::int64_t count = layer_->FeatureCount();
+        intake_->Read([&](std::int64_t done) { halves.Reach(0, done, count); });
+        intake_->Report(summary_);
+    }
+
+    void WriteTiles(const WorkFolder& work, const std::string& folder, Halves& halves) {
+        const auto counts = spool_->Counts();
+        std::int64_t done = 0;
+        for (const auto& [number, pieces] : counts) {
+            if (number == kSkippedRecords) continue;
+            ++summary_.occupied;
+            if (Interrupted()) continue;
+            WriteTile(work, folder, number, pieces);
+            halves.Reach(1, ++done, static_cast<std::int64_t>(counts.size()));
+        }
+    }
+
+    void WriteTile(const WorkFolder& work, const std::string& folder, std::int64_t number,
+                   std::int64_t pieces) {
+        const Long column = static_cast<Long>(number % grid_->Plan().columns) + 1;
+        const Long row = static_cast<Long>(number / grid_->Plan().columns) + 1;
+        const std::string id = grid_->NameOf(column, row);
+        const std::string name = id + "." + writer_->Extension();
+        try {
+            writer_->Write(work.Path() + "/" + name, id,
+                           [&](const auto& take) { spool_->Read(number, take); });
+            for (std::string& companion : work.Publish(name, folder, writer_->WritesSideFiles()))
+                companions_.push_back(std::move(companion));
+        } catch (const std::exception& error) {
+            work.Clear();
+            summary_.failures.push_back({id, work.WithoutPath(error.what())});
+            return;
+        }
+        ++summary_.written;
+        summary_.pieces += pieces;
+        const geos::Bounds b = grid_->BoundsOf(column, row);
+        const Rectangle place{b.xMin, b.yMin, b.xMax, b.yMax};
+        tiles_.push_back({name, column, row, place, place, 0, 0, id});
+    }
+
+    template <class Step>
+    void Try(Step&& step) {
+        try {
+            step();
+        } catch (const std::exception& error) {
+            summary_.errors.emplace_back(error.what());
+        }
+    }
+
+    void AddProducts(const std::string& folder) {
+        if (tiles_.empty() && summary_.Skipped() == 0) return;
+        drafts_ = std::make_unique<DraftSet>(folder);
+        Try([&] { AddSkipped(folder); });
+        Try([&] { AddPage(); });
+        Try([&] {
+            summary_.index =
+                drafts_->Publish("tiles", ".geojson", [&](const std::vector<std::string>& names) {
+                    std::vector<std::string> companions = companions_;
+                    companions.insert(companions.end(), names.begin(), names.end());
+                    return IndexText(tiles_, system_, companions);
+                });
+        });
+        summary_.skippedFile = drafts_->PathOf("skipped");
+        summary_.preview = drafts_->PathOf("index");
+    }
+
+    void AddSkipped(const std::string& folder) {
+        if (summary_.Skipped() == 0) return;
+        auto draft = std::make_unique<DraftFile>(folder, ".geojson");
+        WriteFeatures(draft->Path(), "skipped", system_,
+                      [&](const auto& take) { spool_->Read(kSkippedRecords, take); });
+        drafts_->Add("skipped", ".geojson", std::move(draft));
+    }
+
+    void AddPage() {
+        if (!sketch_ || tiles_.empty()) return;
+        drafts_->Add("index", ".html", VectorPage(layer_->Name(), tiles_, *sketch_));
+    }
+
+    int Finish(const std::string& folder) {
+        summary_.input = job_.input;
+        summary_.layer = layer_->Name();
+        summary_.outdir = folder;
+        summary_.grid = grid_->Plan();
+        summary_.shown = desktop_->FailuresShown() + desktop_->MessagesShown();
+        summary_.interrupted = Interrupted();
+        summary_.Narrate(std::cerr, job_.quiet);
+        std::cout << summary_.Text() << std::flush;
+        if (!std::cout) throw RunError("the summary could not be written to standard output");
+        return summary_.ExitCode();
+    }
+
+    const VectorJob& job_;
+    ProgressDisplay progress_;
+    std::shared_ptr<WatchedDesktop> desktop_;
+    std::shared_ptr<gdal::VectorLayer> layer_;
+    std::unique_ptr<VectorGrid> grid_;
+    AddedFields added_;
+    std::string system_;
+    std::unique_ptr<PieceWriter> writer_;
+    std::unique_ptr<TileSpool> spool_;
+    std::unique_ptr<DraftSet> drafts_;
+    std::vector<PlacedTile> tiles_;
+    std::vector<std::string> companions_;
+    VectorSummary summary_;
+    std::unique_ptr<VectorSketch> sketch_;
+    std::unique_ptr<FeatureIntake> intake_;
+};
+
+}  // namespace
+
+int RunVector(const VectorJob& job) {
+    return VectorRun(job).Run();
+}
+
+}  // namespace orvo::host

@@ -1,0 +1,18 @@
+// Shapes cut to a rectangle, whatever their kind and however they lie.
+#pragma once
+
+#include "tiling/vector/geometry/Shape.h"
+
+namespace orvo::geos {
+
+/// What the closed rectangle holds of the shape, in the shape's own dimension: of an area no lines or points,
+/// of a line no points.
+///
+/// The result is valid, lies in the rectangle, keeps its kind, and keeps heights: a cut gets the height of
+/// the segment there, a corner of the rectangle one between its neighbours along the ring. Areas are cut
+/// quickly and checked; where that leaves a doubt, by the library's overlay; an area that is not valid is
+/// repaired on the way (even-odd rule). What the rectangle holds as a whole stays as it is, valid or not.
+/// Fails with number 440 where the library does.
+Shape Clip(const Shape& shape, const Bounds& rectangle);
+
+}  // namespace orvo::geos

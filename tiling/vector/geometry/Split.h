@@ -1,0 +1,36 @@
+// One geometry against many tiles.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "tiling/vector/geometry/Geometry.h"
+
+namespace orvo::geos {
+
+/// The tiles' edges along one axis, in rising order; neighbours may differ by rounding.
+struct Interval {
+    double low;
+    double high;
+};
+
+/// A grid of tiles: column by column from the west, row by row from the south.
+struct TileGrid {
+    std::vector<Interval> columns;
+    std::vector<Interval> rows;
+};
+
+/// Column and row count from 0.
+///
+/// `around` is the geometry thinned out around the tile: relating it to the tile and cutting it to the tile
+/// gives what the whole geometry gives, bit for bit.
+using TileVisit =
+    std::function<void(std::size_t column, std::size_t row, const std::shared_ptr<Geometry>& around)>;
+
+/// Calls `visit` once for each tile that the geometry reaches into or covers, and perhaps for some that it
+/// only touches or just misses; leaves out the tiles that it is nowhere near. The grid is halved again and
+/// again, so that no tile walks all vertices. Geometries of type `Other` visit no tile.
+void ForEachTile(const std::shared_ptr<Geometry>& geometry, const TileGrid& grid, const TileVisit& visit);
+
+}  // namespace orvo::geos
