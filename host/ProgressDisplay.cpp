@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <iomanip>
-#include <nlohmann/json.hpp>
 #include <ostream>
+
+#include "tiling/output/JsonText.h"
 
 namespace orvo::host {
 namespace {
@@ -11,13 +12,13 @@ constexpr int kBarWidth = 40;
 constexpr std::chrono::milliseconds kRedraw{100};
 }  // namespace
 
-void ProgressDisplay::Start(Long cells) {
-    cells_ = std::max<Long>(cells, 1);
+void ProgressDisplay::Start(std::int64_t steps) {
+    steps_ = std::max<std::int64_t>(steps, 1);
     begun_ = 0;
     Event("start");
 }
 
-void ProgressDisplay::Cell() {
+void ProgressDisplay::Step() {
     ++begun_;
     Event("cell");
     const auto now = std::chrono::steady_clock::now();
@@ -42,19 +43,19 @@ void ProgressDisplay::MakeRoom() {
 }
 
 void ProgressDisplay::Draw() {
-    const Long done = std::min(begun_ - 1, cells_);
-    const int filled = static_cast<int>(static_cast<double>(done) / cells_ * kBarWidth);
+    const std::int64_t done = std::min(begun_ - 1, steps_);
+    const int filled = static_cast<int>(done * kBarWidth / steps_);
     out_ << "\r[" << std::string(static_cast<std::size_t>(filled), '#')
-         << std::string(static_cast<std::size_t>(kBarWidth - filled), '.') << "] " << done << " of " << cells_
+         << std::string(static_cast<std::size_t>(kBarWidth - filled), '.') << "] " << done << " of " << steps_
          << "\033[K" << std::flush;
     drawn_ = true;
 }
 
 void ProgressDisplay::Event(const char* name, const std::string& text) {
     if (mode_ != ProgressMode::Json) return;
-    nlohmann::ordered_json event{{"event", name}, {"cell", begun_}, {"of", cells_}};
+    tiling::Json event{{"event", name}, {"cell", begun_}, {"of", steps_}};
     if (!text.empty()) event["text"] = text;
-    out_ << event.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << std::endl;
+    out_ << tiling::TextOf(event) << std::endl;
 }
 
 }  // namespace orvo::host

@@ -2,24 +2,25 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <iosfwd>
 #include <string>
 
-#include "host/CommonOptions.h"
+#include "tiling/Callbacks.h"
 
 namespace orvo::host {
 
-class ProgressDisplay {
+enum class ProgressMode { Auto, Bar, Json, None };
+
+class ProgressDisplay final : public tiling::IProgress {
   public:
     ProgressDisplay(std::ostream& out, ProgressMode mode) : out_(out), mode_(mode) {}
 
-    void Start(Long cells);
-    /// The next cell has begun.
-    void Cell();
-    /// Something about the current cell.
-    void Note(const std::string& text);
-    void End();
-    /// Takes the bar away, so that something else can be written; it comes back with the next cell.
+    void Start(std::int64_t steps) override;
+    void Step() override;
+    void Note(const std::string& text) override;
+    void End() override;
+    /// Takes the bar away, so that something else can be written; it comes back with the next step.
     void MakeRoom();
 
   private:
@@ -28,8 +29,8 @@ class ProgressDisplay {
 
     std::ostream& out_;
     ProgressMode mode_;
-    Long cells_ = 0;
-    Long begun_ = 0;
+    std::int64_t steps_ = 0;
+    std::int64_t begun_ = 0;
     bool drawn_ = false;
     std::chrono::steady_clock::time_point last_{};  ///< when the bar was drawn
 };

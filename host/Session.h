@@ -1,4 +1,4 @@
-// The platform of a run.
+// A command's run: the platform, the progress, and how the result is told.
 #pragma once
 
 #include <functional>
@@ -6,17 +6,48 @@
 #include <string>
 
 #include "host/ProgressDisplay.h"
-#include "host/WatchedDesktop.h"
-#include "platform/utility/Settings.h"
+#include "platform/Types.h"
+#include "platform/console/Desktop.h"
+#include "tiling/Callbacks.h"
+#include "tiling/Summary.h"
 
 namespace orvo::host {
 
-/// Installs the real platform: failures are shown and answered as `handling` says; the bar makes room for
-/// them; Ctrl-C ends the run. Fails with UsageError where a window is demanded and none can be had.
-/// @param onFailure hears each failure that is shown
-/// @param services language and who hears the services; their interruption is set here
-std::shared_ptr<WatchedDesktop> InstallPlatform(const FailureHandling& handling, ProgressDisplay& progress,
-                                                std::function<void(const std::string&)> onFailure,
-                                                utility::Settings services);
+enum ExitCode : int { kExitDone = 0, kExitIncomplete = 1, kExitUsage = 2, kExitInterrupted = 130 };
+
+/// Of the string table; `Locale` is one of the others.
+enum class Language : Integer { German = 0, English = 10000, French = 20000, Locale = -1 };
+
+/// Where failures are shown: the window where there is a display and no terminal, or always one of the two.
+enum class DialogPlace { Auto, Window, Terminal };
+
+struct SessionOptions {
+    Language language = Language::Locale;
+    console::Policy policy = console::Policy::Ask;
+    DialogPlace place = DialogPlace::Auto;
+    ProgressMode progress = ProgressMode::None;
+    bool quiet = false;
+};
+
+class Session {
+  public:
+    /// Installs the Linux platform: failures are shown and answered as the options say, the bar makes room
+    /// for them, Ctrl-C ends the run. Fails with UsageError where a window is demanded and none can be had.
+    explicit Session(const SessionOptions& options);
+
+    /// For the engine; valid as long as the session lives.
+    tiling::Callbacks Callbacks();
+    /// Says on standard error what the run came to, prints the summary on standard output and gives the exit
+    /// code. Fails with RunError where it cannot be printed.
+    int Finish(const tiling::Summary& summary) const;
+
+  private:
+    bool quiet_;
+    ProgressDisplay progress_;
+};
+
+/// Writes a text to standard output, all of it. Fails with RunError. @param what it is, for the failure's
+/// text
+void Print(const std::string& text, const std::string& what);
 
 }  // namespace orvo::host

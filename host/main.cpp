@@ -8,6 +8,7 @@
 #include "errorreport/Version.h"
 #include "host/Commands.h"
 #include "host/Interrupt.h"
+#include "host/Session.h"
 #include "tiling/Errors.h"
 
 namespace orvo::host {
@@ -27,9 +28,9 @@ int Fail(ExitCode code, const std::string& text) {
     return code;
 }
 
-/// The arguments in reverse order, as the parser takes them. A number such as -.5 gets its zero: it would be
+/// As the parser takes them. A number such as -.5 gets its zero: it would be
 /// read as an option.
-std::vector<std::string> Arguments(int count, char** values) {
+std::vector<std::string> ArgumentsInReverse(int count, char** values) {
     std::vector<std::string> arguments;
     for (int i = count - 1; i > 0; --i) {
         std::string value = values[i];
@@ -46,7 +47,7 @@ int Run(const std::vector<Command>& commands) {
             if (command.app->parsed()) return command.run();
         }
         return kExitUsage;
-    } catch (const UsageError& error) {
+    } catch (const tiling::UsageError& error) {
         return Fail(kExitUsage, error.what());
     } catch (const std::exception& error) {
         return Interrupted() ? kExitInterrupted : Fail(kExitIncomplete, error.what());
@@ -63,9 +64,11 @@ int Main(int count, char** values) {
                                         AddLocate(application), AddErrorDemo(application)};
     for (const Command& command : commands) command.app->footer(kFooter);
     try {
-        application.parse(Arguments(count, values));
+        application.parse(ArgumentsInReverse(count, values));
     } catch (const CLI::Success& wish) {
         return application.exit(wish, std::cout, std::cerr) == 0 ? kExitDone : kExitUsage;
+    } catch (const tiling::UsageError& error) {
+        return Fail(kExitUsage, error.what());
     } catch (const CLI::ParseError& error) {
         return Fail(kExitUsage,
                     std::string(error.what()) + " (orvo-tile --help and orvo-tile COMMAND --help explain)");

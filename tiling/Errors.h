@@ -1,11 +1,9 @@
-// How a command ends.
+// How a request to the engine fails as a whole.
 #pragma once
 
 #include <stdexcept>
 
-namespace orvo::host {
-
-enum ExitCode : int { kExitDone = 0, kExitIncomplete = 1, kExitUsage = 2, kExitInterrupted = 130 };
+namespace orvo::tiling {
 
 /// What was asked for cannot be done as it was asked for. The text names the option or file and the remedy.
 class UsageError : public std::runtime_error {
@@ -17,4 +15,4 @@ class RunError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

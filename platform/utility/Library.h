@@ -17,8 +17,7 @@ namespace orvo::utility {
 /// Held by every service object, so it ends with the last of them.
 struct Library {
     Reservations reservations;
-    std::map<std::string, WrittenImage::Extent>
-        exported;  ///< TIFFs that may be converted, by path on the disk
+    std::map<std::string, ImageExtent> exported;  ///< TIFFs that may be converted, by path on the disk
 };
 
 /// Makers of service objects that share a library while any of them lives.

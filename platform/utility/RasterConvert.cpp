@@ -107,20 +107,21 @@ std::string RasterConvert::ExportRasterWindow(const std::shared_ptr<IRasterLayer
                                               Long height) {
     StopIfInterrupted();
     const IEnvelope& part = Object(envelope);
+    const ImageExtent extent{part.XMin(), part.YMin(), part.XMax(), part.YMax(), width, height};
+    const Request asked{targetFile, std::nullopt, extent};
     std::string reason = Occupied(targetFile);
     std::string path;
     if (reason.empty()) {
         path = rasters_->ExportRasterWindow(Object(layer), targetFile, quality, part, width, height, reason);
     }
     if (path.empty()) {
-        settings_.onFailure(targetFile, reason);
+        settings_.onFailure(asked, reason);
         return path;
     }
-    const WrittenImage::Extent extent{part.XMin(), part.YMin(), part.XMax(), part.YMax(), width, height};
     const std::string name = SystemPath(path);
     if (LCase(ExtensionOf(DiskPath(name))).starts_with("tif"))
         library_->exported.insert_or_assign(name, extent);
-    Written({path, std::nullopt, extent});
+    Written({path, asked, std::nullopt, extent});
     return path;
 }
 
@@ -134,10 +135,13 @@ bool RasterConvert::ConvertExtern(const std::string& program, const std::string&
     if (window != nullptr) job.image.window = *window;
     const auto extension = library_->reservations.OnlyExtension(targetFile);
     if (extension && !extension->empty()) job.image.path += "." + *extension;
+    const auto exported = library_->exported.find(SystemPath(sourceFile));
+    if (window == nullptr && exported != library_->exported.end()) job.image.extent = exported->second;
+    job.image.asked = {job.image.path, job.image.window, job.image.extent};
     std::string reason = Occupied(job.image.path);
     if (reason.empty()) reason = Convert(job);
     if (!reason.empty()) {
-        settings_.onFailure(job.image.path, reason);
+        settings_.onFailure(job.image.asked, reason);
         return false;
     }
     Written(job.image);
@@ -182,8 +186,6 @@ std::string RasterConvert::ProvideSource(Job& job, const std::string& folder, st
     file = extension.empty() || !IsPlain(extension) ? "source" : "source." + extension;
     fs::create_symlink(fs::absolute(image, failed), DiskPath(folder) / file, failed);
     if (failed) fs::copy_file(image, DiskPath(folder) / file, failed);
-    const auto exported = library_->exported.find(source);
-    if (exported != library_->exported.end()) job.image.extent = exported->second;
     return failed ? failed.message() : std::string();
 }
 

@@ -26,8 +26,8 @@ using Strings = std::vector<std::string>;
 class UtilityConvert : public testing::Test {
   protected:
     UtilityConvert() {
-        settings.onFailure = [this](const std::string& target, const std::string& reason) {
-            failures.push_back(target + " | " + reason);
+        settings.onFailure = [this](const Request& asked, const std::string& reason) {
+            failures.push_back(asked.target + " | " + reason);
         };
         settings.onWritten = [this](const WrittenImage& image) { written.push_back(image); };
         settings.interrupted = [this] { return interrupted && interrupted(); };

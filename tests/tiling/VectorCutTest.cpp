@@ -12,7 +12,7 @@
 #include "tiling/vector/TileSpool.h"
 #include "tiling/vector/geometry/Library.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 using geos::Bounds;
@@ -211,4 +211,4 @@ TEST(TileSpoolTest, KeepsTheOrderWhateverTheMemory) {
 }
 
 }  // namespace
-}  // namespace orvo::host
+}  // namespace orvo::tiling

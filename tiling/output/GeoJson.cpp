@@ -1,5 +1,7 @@
 #include "tiling/output/GeoJson.h"
 
+#include <ogr_feature.h>
+
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -9,7 +11,7 @@
 #include "platform/gdal/Attributes.h"
 #include "tiling/Errors.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 using geos::Coordinate;
@@ -88,6 +90,12 @@ class Output {
 
 }  // namespace
 
+std::string FeatureHead(const OGRFeature& feature, const std::string& idField) {
+    std::string head = ",\n{\"type\":\"Feature\",\"properties\":{" + gdal::JsonMembers(feature);
+    if (feature.GetFieldCount() > 0) head += ',';
+    return head + gdal::JsonText(idField) + ':' + std::to_string(feature.GetFID()) + ',';
+}
+
 void AppendGeometry(std::string& text, const Shape& shape) {
     const auto points = shape.Points();
     switch (shape.type) {
@@ -121,4 +129,4 @@ void WriteFeatures(const std::string& path, const std::string& name, const std::
     output.Close();
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -7,7 +7,13 @@
 
 #include "tiling/vector/geometry/Shape.h"
 
-namespace orvo::host {
+class OGRFeature;
+
+namespace orvo::tiling {
+
+/// The beginning of a record: the feature's own properties and its id, with the comma that the next property
+/// needs.
+std::string FeatureHead(const OGRFeature& feature, const std::string& idField);
 
 /// A geometry object. Coordinates in their shortest form that reads back the same, with heights where there
 /// are.
@@ -21,4 +27,4 @@ using RecordSource = std::function<void(const std::function<void(std::string_vie
 void WriteFeatures(const std::string& path, const std::string& name, const std::string& system,
                    const RecordSource& records);
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -13,7 +13,7 @@
 
 #include "tiling/Errors.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 /// What a tile offers to the mosaic.
@@ -191,4 +191,4 @@ std::string MosaicText(const std::string& folder, const std::vector<PlacedTile>&
     return Mosaic(folder, tiles, cellWidth, cellHeight).Text(system);
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

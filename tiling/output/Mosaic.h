@@ -6,7 +6,7 @@
 
 #include "tiling/output/PlacedTile.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// The text of a VRT that lies in the tiles' folder and names them relatively. Palettes, which differ from
 /// tile to tile, are resolved into colours; a grey tile among colours stays grey; a tile without alpha is
@@ -17,4 +17,4 @@ namespace orvo::host {
 std::string MosaicText(const std::string& folder, const std::vector<PlacedTile>& tiles,
                        const std::string& system, double cellWidth, double cellHeight);
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

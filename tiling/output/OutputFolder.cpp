@@ -10,13 +10,13 @@
 #include <set>
 #include <system_error>
 
-#include "host/Values.h"
 #include "tiling/Errors.h"
+#include "tiling/Paths.h"
 #include "tiling/output/TileIndex.h"
 
 namespace fs = std::filesystem;
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 std::string Quoted(const std::string& path) {
@@ -146,4 +146,4 @@ void OutputFolder::RemoveIfUnused() noexcept {
     made_.clear();
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

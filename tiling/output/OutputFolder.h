@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 class OutputFolder {
   public:
@@ -36,4 +36,4 @@ class OutputFolder {
     std::vector<std::string> earlier_;         ///< file names, the indexes last
 };
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

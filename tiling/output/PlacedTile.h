@@ -5,7 +5,7 @@
 
 #include "platform/Types.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// Edges in map units.
 struct Rectangle {
@@ -26,4 +26,4 @@ struct PlacedTile {
     std::string id{};  ///< the tile's name in the index; empty for none
 };
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

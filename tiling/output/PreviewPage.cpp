@@ -8,7 +8,7 @@
 
 using Json = nlohmann::ordered_json;
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 constexpr const char* kDataMark = "__TILES__";
@@ -49,4 +49,4 @@ std::string FilledPage(const char* page, const std::string& json) {
     return filled.replace(filled.find(kDataMark), std::string(kDataMark).size(), text);
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -11,7 +11,7 @@
 
 #include "tiling/Errors.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 [[noreturn]] void Fail(const std::string& path) {
@@ -127,4 +127,4 @@ std::string NumberedName(const std::string& stem, int number, const std::string&
     return number == 1 ? stem + extension : stem + "_" + std::to_string(number) + extension;
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// A file under a hidden name of its own in a folder, until it is published. Removed with this object.
 class DraftFile {
@@ -72,4 +72,4 @@ bool MoveNew(const std::string& from, const std::string& to);
 /// name.ext for 1, name_2.ext for 2 and so on.
 std::string NumberedName(const std::string& stem, int number, const std::string& extension);
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

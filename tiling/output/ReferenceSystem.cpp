@@ -4,7 +4,7 @@
 #include <cpl_error.h>
 #include <ogr_spatialref.h>
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 constexpr const char* kUnknown =
@@ -50,4 +50,4 @@ ReferenceSystem NameReferenceSystem(const OGRSpatialReference* system) {
             "the coordinate system of the source cannot be kept whole in the index; compare it before use"};
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -5,7 +5,7 @@
 
 class OGRSpatialReference;
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 struct ReferenceSystem {
     std::string name;    ///< an EPSG urn, or WKT where there is no code; GDAL and QGIS read both
@@ -16,4 +16,4 @@ struct ReferenceSystem {
 /// would take longitudes and latitudes for granted
 ReferenceSystem NameReferenceSystem(const OGRSpatialReference* system);
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -3,15 +3,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "tiling/Errors.h"
+#include "tiling/output/JsonText.h"
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 constexpr const char* kGenerator = "orvo-tile";
@@ -135,4 +134,4 @@ std::vector<std::string> FilesOfIndex(const std::string& folder, const std::stri
     }
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

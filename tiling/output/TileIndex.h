@@ -6,7 +6,7 @@
 
 #include "tiling/output/PlacedTile.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// The index as a text: one rectangle per tile, counter-clockwise, with `location`, `column` and `row`.
 /// @param crs the name of the coordinate system, see ReferenceSystem.h
@@ -22,4 +22,4 @@ std::vector<std::string> FindIndexes(const std::string& folder);
 /// names anything that a run does not write into its own folder.
 std::vector<std::string> FilesOfIndex(const std::string& folder, const std::string& index);
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

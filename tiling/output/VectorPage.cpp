@@ -4,7 +4,7 @@
 #include "tiling/output/PreviewPage.h"
 #include "tiling/output/PreviewTemplate.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 void AppendNumbers(std::string& text, std::initializer_list<double> numbers) {
@@ -37,4 +37,4 @@ std::string VectorPage(const std::string& title, const std::vector<PlacedTile>& 
     return FilledPage(kVectorPreviewTemplate, data + "]}");
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -10,7 +10,7 @@
 
 namespace fs = std::filesystem;
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 WorkFolder::WorkFolder(const std::string& outdir) : path_(outdir + "/.orvo-tile-XXXXXX") {
     if (mkdtemp(path_.data()) == nullptr)
@@ -57,4 +57,4 @@ std::string WorkFolder::WithoutPath(std::string text) const {
     return text;
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

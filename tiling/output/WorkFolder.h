@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// A hidden folder of its own inside OUTDIR; goes with this object, and all that is in it.
 class WorkFolder {
@@ -29,4 +29,4 @@ class WorkFolder {
     std::string path_;
 };
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

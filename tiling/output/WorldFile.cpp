@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdio>
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 std::string Line(double value) {
@@ -28,4 +28,4 @@ std::string WorldFileText(const PlacedTile& tile) {
            Line(place.yMax - cellHeight / 2);
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -5,7 +5,7 @@
 
 #include "tiling/output/PlacedTile.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// The world file's name by convention: .pgw for .png, .tfw for .tif; first and last letter and "w"
 /// otherwise.
@@ -14,4 +14,4 @@ std::string WorldFileName(const std::string& image);
 /// Six lines with 17 significant digits; the place is the centre of the upper left pixel.
 std::string WorldFileText(const PlacedTile& tile);
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

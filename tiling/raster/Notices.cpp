@@ -7,9 +7,9 @@
 #include "platform/gdal/BandPlan.h"
 #include "support/Text.h"
 #include "tiling/Errors.h"
-#include "tiling/raster/TileLedger.h"
+#include "tiling/Paths.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 /// The format that the tiles get: some sources keep their own.
@@ -72,4 +72,4 @@ std::vector<std::string> FormatNotices(gdal::RasterLayer& layer, const RasterJob
     return notices;
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -7,7 +7,7 @@
 #include "platform/gdal/RasterLayer.h"
 #include "tiling/raster/RasterJob.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// The extension, in lower case, that decides whether the run cuts the source file itself; empty inside a
 /// container.
@@ -19,4 +19,4 @@ void CheckFormat(const std::string& sourceExtension, const RasterJob& job);
 /// Whatever the tiles will not keep of the source, and a format that is not the one asked for.
 std::vector<std::string> FormatNotices(gdal::RasterLayer& layer, const RasterJob& job);
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -7,15 +7,15 @@
 
 #include "support/FileReplace.h"
 #include "tiling/Errors.h"
+#include "tiling/Paths.h"
 #include "tiling/output/Mosaic.h"
 #include "tiling/output/PreviewPage.h"
 #include "tiling/output/Publish.h"
 #include "tiling/output/ReferenceSystem.h"
 #include "tiling/output/TileIndex.h"
 #include "tiling/output/WorldFile.h"
-#include "tiling/raster/TileLedger.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 class Writer {
@@ -102,4 +102,4 @@ Products WriteProducts(const RasterJob& job, gdal::RasterLayer& layer, const std
     return Writer(job, layer, folder, tiles, leftovers).Write();
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

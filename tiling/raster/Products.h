@@ -8,7 +8,7 @@
 #include "tiling/output/PlacedTile.h"
 #include "tiling/raster/RasterJob.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// Full paths; empty for what was not asked for or failed.
 struct Products {
@@ -26,4 +26,4 @@ struct Products {
 Products WriteProducts(const RasterJob& job, gdal::RasterLayer& layer, const std::string& folder,
                        const std::vector<PlacedTile>& tiles, const std::vector<std::string>& leftovers);
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -1,68 +1,91 @@
 #include "tiling/raster/TileLedger.h"
 
-namespace orvo::host {
+#include <utility>
+
+namespace orvo::tiling {
 namespace {
+
 constexpr Long kStepsPerTile = 3;
-constexpr std::size_t kStartTextLength = 29;  // "Tiling", padded; the image's name follows
-constexpr const char* kChangeText = "Tiling: Change to ";
+
+bool IsFor(const CellPlan::Cell& cell, const utility::Request& asked) {
+    if (asked.window) return *asked.window == cell.window;
+    if (!asked.extent) return false;
+    const Rectangle& e = cell.extent;
+    return asked.extent->xMin == e.xMin && asked.extent->yMin == e.yMin && asked.extent->xMax == e.xMax &&
+           asked.extent->yMax == e.yMax;
+}
+
 }  // namespace
 
-std::string FileNameOf(const std::string& path) {
-    return path.substr(path.find_last_of("/\\") + 1);
+void TileLedger::AddEnvelope() {
+    if (!running_) return;
+    CollectEntries();
+    note_.clear();
+    cells_.emplace_back();
+    if (progress_ != nullptr) progress_->Step();
+}
+
+/// The walk goes on in one direction: what is asked for lies in its present cell, or in one that it came to
+/// without asking for an envelope.
+CellRecord& TileLedger::CellOf(const utility::Request& asked) {
+    if (cells_.empty()) cells_.emplace_back();
+    const auto at = static_cast<std::int64_t>(cells_.size()) - 1;
+    std::int64_t cell = at;
+    while (cell < plan_.Count() && !IsFor(plan_.At(cell), asked)) ++cell;
+    if (cell < plan_.Count() && cell > at) {
+        CollectEntries();
+        cells_.resize(static_cast<std::size_t>(cell) + 1);
+    }
+    return cells_.back();
+}
+
+void TileLedger::AddFailure(const utility::Request& asked, const std::string& reason) {
+    CellOf(asked).reasons.push_back(reason);
+}
+
+void TileLedger::AddImage(const utility::WrittenImage& image) {
+    CellOf(image.asked).images.push_back(image);
 }
 
 void TileLedger::AddReason(const std::string& reason) {
     (cells_.empty() ? early_ : cells_.back().reasons).push_back(reason);
 }
 
-void TileLedger::AddImage(const utility::WrittenImage& image) {
-    if (!cells_.empty()) cells_.back().images.push_back(image);
+void TileLedger::CollectEntries() {
+    if (cells_.empty() || !dictionary_ || dictionary_->Count() == collected_) return;
+    collected_ = dictionary_->Count();
+    CellRecord& cell = cells_.back();
+    cell.tile = dictionary_->Keys().back();
+    cell.envelope = dictionary_->Item(cell.tile);
+}
+
+void TileLedger::Finish() {
+    CollectEntries();
+    if (std::exchange(running_, false) && progress_ != nullptr) {
+        PassNote();
+        progress_->End();
+    }
+}
+
+void TileLedger::ShowMessage(const std::string& text) {
+    if (progress_ != nullptr) progress_->Note(text);
 }
 
 void TileLedger::ShowProgress(const std::string& text, Long maxValue, bool step) {
     if (!step && maxValue > 0) {
-        cellText_ = "Tiling " + text.substr(std::min(text.size(), kStartTextLength));
         running_ = true;
-        display_.Start(maxValue / kStepsPerTile);
+        if (progress_ != nullptr) progress_->Start(maxValue / kStepsPerTile);
     } else if (!step) {
         Finish();
-    } else if (text == cellText_) {
-        BeginCell();
-    } else if (!cells_.empty()) {
-        // An image named "extern" makes the first stage look like the next cell: it is taken back.
-        if (cellText_ == "Tiling extern" && text.starts_with(kChangeText) && cells_.size() > 1)
-            cells_.pop_back();
-        cells_.back().inside = true;
-        display_.Note(text);
+    } else {
+        PassNote();
+        note_ = text;
     }
 }
 
-void TileLedger::BeginCell() {
-    Settle();
-    CellRecord cell;
-    const auto index = static_cast<Long>(cells_.size());
-    cell.column = index % columns_;
-    cell.row = index / columns_;
-    cells_.push_back(std::move(cell));
-    display_.Cell();
+void TileLedger::PassNote() {
+    if (!note_.empty() && progress_ != nullptr) progress_->Note(note_);
+    note_.clear();
 }
 
-/// Gives the entries that have come since the last cell to the current one.
-void TileLedger::Settle() {
-    if (cells_.empty() || !dictionary_ || dictionary_->Count() == counted_) return;
-    const auto keys = dictionary_->Keys();
-    counted_ = dictionary_->Count();
-    CellRecord& cell = cells_.back();
-    cell.tile = keys.back();
-    cell.envelope = dictionary_->Item(cell.tile);
-    cell.inside = true;
-}
-
-void TileLedger::Finish() {
-    if (!running_) return;
-    running_ = false;
-    Settle();
-    display_.End();
-}
-
-}  // namespace orvo::host
+}  // namespace orvo::tiling

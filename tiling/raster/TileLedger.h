@@ -1,63 +1,65 @@
-// What became of each cell of the grid, told by the run's progress texts and the growth of its dictionary.
+// What became of each cell of the grid, as the services tell it.
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "host/ProgressDisplay.h"
 #include "platform/Scripting.h"
 #include "platform/Utility.h"
 #include "platform/utility/Settings.h"
+#include "tiling/Callbacks.h"
+#include "tiling/raster/CellPlan.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 struct CellRecord {
-    Long column = 0;  ///< counted from 0
-    Long row = 0;
-    bool inside = false;  ///< it meets the clip area, or there is none
-    std::string tile;     ///< file name; empty where none was recorded
+    std::string tile;  ///< file name; empty where none was recorded
     std::shared_ptr<IEnvelope> envelope;
-    std::vector<std::string>
-        reasons;  ///< what went wrong, in order; also where the tile was written in the end
+    std::vector<std::string> reasons;  ///< what went wrong, in order; also where the tile is there in the end
     std::vector<utility::WrittenImage> images;
 };
 
-/// The status object of a run. Give it the dictionary before the run, and hear the services through it.
+/// Give it the dictionary before the run, and let it hear the services. As the run's status object it passes
+/// texts on to the progress, and reads nothing from them.
 class TileLedger final : public IStatusDisplay {
   public:
-    /// @param columns of the grid
-    TileLedger(ProgressDisplay& display, Long columns) : display_(display), columns_(columns) {}
+    /// Both must outlive the ledger. @param progress null for none
+    TileLedger(const CellPlan& plan, IProgress* progress) : plan_(plan), progress_(progress) {}
 
     void Watch(std::shared_ptr<IDictionary> dictionary) { dictionary_ = std::move(dictionary); }
-    void AddReason(const std::string& reason);
+    /// An envelope is made: while the walk goes on, for its next cell.
+    void AddEnvelope();
+    /// A service has not written what it was asked for.
+    void AddFailure(const utility::Request& asked, const std::string& reason);
     void AddImage(const utility::WrittenImage& image);
-
-    void ShowMessage(const std::string& text) override { display_.Note(text); }
-    void ShowProgress(const std::string& text, Long maxValue, bool step) override;
-    /// Settles the last cell; also needed where the run did not come to its end.
+    /// A failure that no service told of: it belongs to the cell that the walk is at, or to the whole run
+    /// before the first.
+    void AddReason(const std::string& reason);
+    /// The run is at its end, however it came to it.
     void Finish();
 
+    void ShowMessage(const std::string& text) override;
+    void ShowProgress(const std::string& text, Long maxValue, bool step) override;
+
+    /// Of the cells that the walk came to, row by row from the top left.
     const std::vector<CellRecord>& Cells() const { return cells_; }
     /// Reasons that came up before the first cell.
     const std::vector<std::string>& EarlyReasons() const { return early_; }
 
   private:
-    void BeginCell();
-    void Settle();
+    CellRecord& CellOf(const utility::Request& asked);
+    void CollectEntries();
+    void PassNote();
 
-    ProgressDisplay& display_;
-    Long columns_;
+    const CellPlan& plan_;
+    IProgress* progress_;
     std::shared_ptr<IDictionary> dictionary_;
-    std::string cellText_;  ///< the text that begins a cell
-    Long counted_ = 0;      ///< entries of the dictionary that belong to cells before
+    Long collected_ = 0;  ///< entries of the dictionary that cells have got
     std::vector<CellRecord> cells_;
     std::vector<std::string> early_;
-    bool running_ = false;
+    std::string note_;      ///< the last text; the one that a cell begins with is no note
+    bool running_ = false;  ///< the walk has announced itself, and not its end
 };
 
-/// The part of a path behind its last separator of either kind.
-std::string FileNameOf(const std::string& path);
-
-}  // namespace orvo::host
+}  // namespace orvo::tiling

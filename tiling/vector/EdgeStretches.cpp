@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 using geos::Coordinate;
@@ -101,4 +101,4 @@ std::map<TilePair, geos::Shape> EdgeStretches(const geos::Shape& line, const geo
     return stretches;
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -7,7 +7,7 @@
 
 #include "tiling/vector/geometry/Split.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// Column and row, counted from 1.
 using TilePair = std::pair<Long, Long>;
@@ -18,4 +18,4 @@ using TilePair = std::pair<Long, Long>;
 std::map<TilePair, geos::Shape> EdgeStretches(const geos::Shape& line, const geos::TileGrid& edges,
                                               const std::function<bool(Long column, Long row)>& holds);
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -2,12 +2,11 @@
 
 #include <ogr_feature.h>
 
-#include "host/Interrupt.h"
 #include "platform/RuntimeError.h"
 #include "platform/gdal/Attributes.h"
 #include "platform/gdal/FeatureParts.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 const char* const kCoveredOnly = "it covers whole tiles only, which --strict leaves out";
@@ -27,10 +26,11 @@ FeatureIntake::FeatureIntake(gdal::VectorLayer& layer, VectorGrid& grid, bool st
           to_.spool.Add(number, to_.writer.Record(grid_.NameOf(column, row), piece));
       }) {}
 
-void FeatureIntake::Read(const std::function<void(std::int64_t features)>& tick) {
+void FeatureIntake::Read(const std::function<bool()>& interrupted,
+                         const std::function<void(std::int64_t features)>& tick) {
     layer_.Rewind();
     try {
-        while (!Interrupted()) {
+        while (!interrupted()) {
             const auto feature = layer_.Next();
             if (!feature) break;
             ++in_;
@@ -60,7 +60,7 @@ void FeatureIntake::Place(const OGRFeature& feature) {
     reason_ = parts.reason;
     last_.reset();
     for (const auto& wkb : parts.wkb) CutPart(wkb);
-    Settle(feature);
+    CountFeature(feature);
 }
 
 void FeatureIntake::CutPart(const std::vector<unsigned char>& wkb) {
@@ -87,7 +87,7 @@ void FeatureIntake::CutPart(const std::vector<unsigned char>& wkb) {
     if (to_.sketch != nullptr) to_.sketch->Add(last_->Coordinates());
 }
 
-void FeatureIntake::Settle(const OGRFeature& feature) {
+void FeatureIntake::CountFeature(const OGRFeature& feature) {
     if (!failure_.empty()) reason_ = failure_;
     if (pieces_ > 0) {
         ++placed_;
@@ -102,10 +102,8 @@ void FeatureIntake::Settle(const OGRFeature& feature) {
 void FeatureIntake::Skip(const OGRFeature& feature, const std::string& reason,
                          const geos::Geometry* geometry) {
     ++skipped_[reason];
-    std::string record = ",\n{\"type\":\"Feature\",\"properties\":{" + gdal::JsonMembers(feature);
-    if (feature.GetFieldCount() > 0) record += ',';
-    record += gdal::JsonText(added_.id) + ':' + std::to_string(feature.GetFID()) + ',' +
-              gdal::JsonText(added_.reason) + ':' + gdal::JsonText(reason) + "},\"geometry\":";
+    std::string record = FeatureHead(feature, added_.id) + gdal::JsonText(added_.reason) + ':' +
+                         gdal::JsonText(reason) + "},\"geometry\":";
     if (geometry != nullptr)
         AppendGeometry(record, geometry->Coordinates());
     else
@@ -143,4 +141,4 @@ void FeatureIntake::Report(VectorSummary& summary) const {
     if (partly_ > 0) summary.errors.push_back(features(partly_, "placed, but not with all parts"));
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

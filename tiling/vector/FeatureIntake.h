@@ -10,7 +10,7 @@
 #include "tiling/vector/VectorSketch.h"
 #include "tiling/vector/VectorSummary.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// The number under which skipped features stand in the spool, as GeoJSON.
 constexpr std::int64_t kSkippedRecords = -1;
@@ -26,20 +26,21 @@ class FeatureIntake {
     FeatureIntake(gdal::VectorLayer& layer, VectorGrid& grid, bool strict, const AddedFields& added,
                   Targets targets);
 
-    /// Reads all features, or as many as there are until the source breaks off or the user interrupts. Where
-    /// one reaches out of the grid, because the source states too small an extent, the tiles along the border
-    /// take it in.
+    /// Reads all features, or as many as there are until the source breaks off or the run is interrupted.
+    /// Where one reaches out of the grid, because the source states too small an extent, the tiles along the
+    /// border take it in.
     /// @param tick called after each feature
-    void Read(const std::function<void(std::int64_t features)>& tick);
-    /// Hears a failure that was shown while a feature was placed.
-    void Hear(const std::string& failure) { failure_ = failure; }
+    void Read(const std::function<bool()>& interrupted,
+              const std::function<void(std::int64_t features)>& tick);
+    /// A failure was shown while a feature was placed.
+    void AddFailure(const std::string& failure) { failure_ = failure; }
     /// Adds what has been counted.
     void Report(VectorSummary& summary) const;
 
   private:
     void Place(const OGRFeature& feature);
     void CutPart(const std::vector<unsigned char>& wkb);
-    void Settle(const OGRFeature& feature);
+    void CountFeature(const OGRFeature& feature);
     void Skip(const OGRFeature& feature, const std::string& reason, const geos::Geometry* geometry);
 
     gdal::VectorLayer& layer_;
@@ -61,4 +62,4 @@ class FeatureIntake {
     std::string brokenOff_;
 };
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -4,7 +4,7 @@
 
 #include "tiling/vector/EdgeStretches.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 std::size_t GeometryCutter::Cut(const std::shared_ptr<geos::Geometry>& geometry) {
     placed_.clear();
@@ -51,4 +51,4 @@ void GeometryCutter::Give(Long column, Long row, const geos::Geometry& piece) {
     sink_(column, row, piece);
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -10,7 +10,7 @@
 #include "tiling/vector/VectorGrid.h"
 #include "tiling/vector/geometry/Geometry.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// Column and row from 1.
 using PieceSink = std::function<void(Long column, Long row, const geos::Geometry& piece)>;
@@ -46,4 +46,4 @@ class GeometryCutter {
     std::int64_t coveredLeftOut_ = 0;
 };
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -9,7 +9,7 @@
 #include "platform/gdal/TileDataset.h"
 #include "tiling/Errors.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 /// Without the middle of a long one.
@@ -27,17 +27,13 @@ std::string Shortened(const std::string& text) {
 class GeoJsonWriter final : public PieceWriter {
   public:
     GeoJsonWriter(const AddedFields& added, std::string system)
-        : idKey_(gdal::JsonText(added.id)),
-          tileKey_(gdal::JsonText(added.tile)),
-          system_(std::move(system)) {}
+        : idField_(added.id), tileKey_(gdal::JsonText(added.tile)), system_(std::move(system)) {}
 
     std::string Extension() const override { return "geojson"; }
     bool WritesSideFiles() const override { return false; }
 
     void Begin(const OGRFeature& feature) override {
-        head_ = ",\n{\"type\":\"Feature\",\"properties\":{" + gdal::JsonMembers(feature);
-        if (feature.GetFieldCount() > 0) head_ += ',';
-        head_ += idKey_ + ':' + std::to_string(feature.GetFID()) + ',' + tileKey_ + ':';
+        head_ = FeatureHead(feature, idField_) + tileKey_ + ':';
     }
 
     const std::string& Record(const std::string& tile, const geos::Geometry& piece) override {
@@ -54,7 +50,7 @@ class GeoJsonWriter final : public PieceWriter {
     }
 
   private:
-    std::string idKey_, tileKey_, system_;
+    std::string idField_, tileKey_, system_;
     std::string head_;  ///< of the current feature's records
     std::string record_;
 };
@@ -169,4 +165,4 @@ std::unique_ptr<PieceWriter> MakePieceWriter(const std::string& format, const gd
     return std::make_unique<LibraryWriter>(std::move(found), layer, added);
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -10,7 +10,7 @@
 #include "tiling/output/GeoJson.h"
 #include "tiling/vector/geometry/Geometry.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 class PieceWriter {
   public:
@@ -44,4 +44,4 @@ struct AddedFields {
 std::unique_ptr<PieceWriter> MakePieceWriter(const std::string& format, const gdal::VectorLayer& layer,
                                              const AddedFields& added, const std::string& system);
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -9,7 +9,7 @@
 
 #include "tiling/Errors.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 20U;  ///< bytes written at a time
@@ -88,4 +88,4 @@ void TileSpool::Read(std::int64_t tile, const std::function<void(std::string_vie
     if (!bucket.held.empty()) take(bucket.held);
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 class TileSpool {
   public:
@@ -48,4 +48,4 @@ class TileSpool {
     std::int64_t end_ = 0;
 };
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

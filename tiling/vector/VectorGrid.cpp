@@ -7,7 +7,7 @@
 #include "support/Arithmetic.h"
 #include "tiling/Errors.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 /// About 1.3 kB each by the end of a run: 13 GB, of which 1.4 GB are the grid's own records and envelopes.
@@ -186,4 +186,4 @@ TileNumbers VectorGrid::Locate(const std::shared_ptr<geos::Geometry>& point) {
     return found;
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

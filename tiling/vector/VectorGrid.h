@@ -9,22 +9,11 @@
 #include "platform/Vector.h"
 #include "tilevector/clsTileVector.h"
 #include "tiling/output/PlacedTile.h"
+#include "tiling/vector/GridPlan.h"
 #include "tiling/vector/VectorJob.h"
 #include "tiling/vector/geometry/Split.h"
 
-namespace orvo::host {
-
-/// What a grid will be, known before it is built.
-struct GridPlan {
-    Long width = 0;  ///< of a tile, whole map units
-    Long height = 0;
-    std::int64_t columns = 0;
-    std::int64_t rows = 0;
-    std::int64_t emptyColumns = 0;  ///< at the east, beyond the layer, where counts were asked for
-    std::int64_t emptyRows = 0;     ///< at the north
-    double east = 0;                ///< where the layer ends
-    double north = 0;
-};
+namespace orvo::tiling {
 
 /// A tile by its numbers, counted from 1: columns from the west, rows from the south.
 struct TileNumbers {
@@ -72,4 +61,4 @@ class VectorGrid {
 /// The interval with the place, edges counting to the one above; the last one also holds its upper edge.
 std::size_t IntervalOf(const std::vector<geos::Interval>& intervals, double place);
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -1,11 +1,13 @@
-// What the vector commands are asked to do.
+// Cutting a vector layer into one file per tile, and finding the tile of a point.
 #pragma once
 
 #include <string>
 
-#include "host/CommonOptions.h"
+#include "platform/Types.h"
+#include "tiling/Callbacks.h"
+#include "tiling/vector/VectorSummary.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// Either sizes or counts, for both axes; 0 for what was not given.
 struct TileSizes {
@@ -15,26 +17,42 @@ struct TileSizes {
     Long rows = 0;
 };
 
-struct VectorJob {
-    std::string input;
+/// The tiles that are laid over a layer.
+struct VectorGridJob {
+    std::string input;  ///< vector file, or any source that GDAL opens
     std::string layer;  ///< empty for the only one
-    std::string outdir;
     TileSizes sizes;
     std::string prefix;  ///< before the tiles' identifiers
-    std::string format;  ///< name or extension
-    bool strict = false;
-    bool preview = false;
-    bool overwrite = false;
-    bool quiet = false;
-    Integer languageOffset = 0;
-    FailureHandling onError;
-    ProgressMode progress = ProgressMode::None;
 };
 
-/// Cuts the layer and prints the summary. Gives the exit code; errors as in Command::run.
-int RunVector(const VectorJob& job);
+struct VectorJob : VectorGridJob {
+    std::string outdir;              ///< made where it is missing
+    std::string format = "GeoJSON";  ///< name or extension
+    bool strict = false;             ///< tiles that an area covers whole get nothing from it
+    bool preview = false;            ///< writes a page that shows the features and tiles
+    bool overwrite = false;          ///< removes the files of earlier runs from `outdir` first
+};
 
-/// Prints the tile of a point as one line of JSON. Gives the exit code; errors as in Command::run.
-int RunLocate(const VectorJob& job, double x, double y);
+/// Cuts the layer, writes the index and what else the job asks for, and accounts for each feature. Failures
+/// are shown by the installed platform's desktop. Not for use from several threads: the component has one
+/// dialog and no locks.
+///
+/// Fails with UsageError where the job cannot be done as it stands, with RunError or RuntimeError where the
+/// source cannot be read; nothing is written then.
+VectorSummary CutVector(const VectorJob& job, const Callbacks& callbacks = {});
 
-}  // namespace orvo::host
+/// Where a point lies in a layer's grid.
+struct LocatedTile {
+    Long column = 0;  ///< from the west, counted from 1
+    Long row = 0;     ///< from the south, counted from 1
+    std::string id;
+    std::string name;     ///< prefix and identifier
+    bool onEdge = false;  ///< the point stands on an edge of the tile
+    int shown = 0;        ///< failures that were shown on the way
+};
+
+/// @param x, y in the layer's coordinate system
+/// Fails as CutVector does, and with RunError where no tile holds the point.
+LocatedTile LocatePoint(const VectorGridJob& job, double x, double y, const Callbacks& callbacks = {});
+
+}  // namespace orvo::tiling

@@ -2,10 +2,12 @@
 
 #include "platform/RuntimeError.h"
 #include "tiling/Errors.h"
+#include "tiling/Paths.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
-std::shared_ptr<gdal::VectorLayer> OpenLayer(const VectorJob& job) {
+std::shared_ptr<gdal::VectorLayer> OpenLayer(const VectorGridJob& job) {
+    RefuseBackslash("INPUT", job.input);
     try {
         return gdal::OpenVectorLayer(job.input, job.layer);
     } catch (const RuntimeError& error) {
@@ -14,4 +16,4 @@ std::shared_ptr<gdal::VectorLayer> OpenLayer(const VectorJob& job) {
     }
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 constexpr int kCoarsest = 512;
@@ -116,4 +116,4 @@ std::string VectorSketch::Json() const {
     return text + "]";
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -9,7 +9,7 @@
 
 #include "tiling/vector/geometry/Shape.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 /// Vertices fall on a raster over the area, which gets coarser when they become too many: a drawing never
 /// holds more than a fixed number of them, however many features there are.
@@ -54,4 +54,4 @@ class VectorSketch {
     std::unordered_set<std::uint64_t> dots_;  ///< cells that hold a shape of one spot
 };
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

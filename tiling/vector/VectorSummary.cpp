@@ -1,60 +1,44 @@
 #include "tiling/vector/VectorSummary.h"
 
-#include <nlohmann/json.hpp>
-#include <ostream>
+#include <numeric>
 
-#include "tiling/Errors.h"
+#include "tiling/output/JsonText.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
-
 constexpr std::size_t kFailuresToSay = 5;
-
-using Json = nlohmann::ordered_json;
-
-Json OrNull(const std::string& text) {
-    return text.empty() ? Json(nullptr) : Json(text);
 }
-
-std::string Count(std::int64_t count, const char* thing) {
-    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
-
-}  // namespace
 
 std::int64_t VectorSummary::Skipped() const {
-    std::int64_t sum = 0;
-    for (const auto& [reason, count] : skipped) sum += count;
-    return sum;
+    return std::accumulate(skipped.begin(), skipped.end(), std::int64_t{0},
+                           [](std::int64_t sum, const auto& reason) { return sum + reason.second; });
 }
 
-int VectorSummary::ExitCode() const {
-    if (interrupted) return kExitInterrupted;
-    const bool complete =
-        errors.empty() && failures.empty() && lost == 0 && shown == 0 && written == occupied;
-    return complete ? kExitDone : kExitIncomplete;
-}
-
-void VectorSummary::Narrate(std::ostream& out, bool quiet) const {
-    for (const std::string& error : errors) out << "orvo-tile: " << error << '\n';
+std::vector<std::string> VectorSummary::FailureLines() const {
+    std::vector<std::string> lines;
     for (std::size_t i = 0; i < failures.size() && i < kFailuresToSay; ++i)
-        out << "orvo-tile: tile " << failures[i].tile << " failed: " << failures[i].reason << '\n';
+        lines.push_back("tile " + failures[i].tile + " failed: " + failures[i].reason);
     if (failures.size() > kFailuresToSay)
-        out << "orvo-tile: " << failures.size() - kFailuresToSay
-            << " more tiles failed; the summary names them\n";
-    if (interrupted) out << "orvo-tile: interrupted\n";
-    if (quiet && lost == 0) return;
-    for (const auto& [reason, count] : skipped)
-        out << "orvo-tile: " << Count(count, "feature") << " skipped: " << reason << '\n';
-    if (quiet) return;
-    for (const std::string& notice : notices) out << "orvo-tile: note: " << notice << '\n';
-    out << "orvo-tile: " << placed << " of " << Count(featuresIn, "feature") << " placed, as "
-        << Count(pieces, "piece") << " in " << Count(written, "tile") << " of " << grid.columns << " x "
-        << grid.rows << ", written to " << outdir << '\n'
-        << std::flush;
+        lines.push_back(std::to_string(failures.size() - kFailuresToSay) +
+                        " more tiles failed; the summary names them");
+    return lines;
 }
 
-std::string VectorSummary::Text() const {
+std::vector<std::string> VectorSummary::SkippedLines(bool quiet) const {
+    std::vector<std::string> lines;
+    if (quiet && lost == 0) return lines;
+    for (const auto& [reason, count] : skipped)
+        lines.push_back(Counted(count, "feature") + " skipped: " + reason);
+    return lines;
+}
+
+std::string VectorSummary::ResultLine() const {
+    return std::to_string(placed) + " of " + Counted(featuresIn, "feature") + " placed, as " +
+           Counted(pieces, "piece") + " in " + Counted(written, "tile") + " of " +
+           std::to_string(grid.columns) + " x " + std::to_string(grid.rows) + ", written to " + outdir;
+}
+
+std::string VectorSummary::AsJson() const {
     Json reasons = Json::array();
     for (const auto& [reason, count] : skipped) reasons.push_back({{"reason", reason}, {"features", count}});
     Json failed = Json::array();
@@ -87,7 +71,7 @@ std::string VectorSummary::Text() const {
                        {"notices", notices},
                        {"errors", errors},
                        {"interrupted", interrupted}};
-    return summary.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return TextOf(summary, 2) + "\n";
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -2,23 +2,24 @@
 #pragma once
 
 #include <cstdint>
-#include <iosfwd>
 #include <map>
 #include <string>
 #include <vector>
 
-#include "tiling/vector/VectorGrid.h"
+#include "tiling/Summary.h"
+#include "tiling/vector/GridPlan.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
-struct VectorSummary {
+class VectorSummary final : public Summary {
+  public:
     struct TileFailure {
         std::string tile;
         std::string reason;
     };
 
-    std::string input, layer, outdir;
-    std::string index, skippedFile, preview;  ///< full paths; empty for none
+    std::string layer;
+    std::string skippedFile;  ///< full path; empty for none
     GridPlan grid;
     std::int64_t featuresIn = 0;
     std::int64_t placed = 0;
@@ -29,16 +30,15 @@ struct VectorSummary {
     std::int64_t written = 0;
     std::int64_t occupied = 0;  ///< tiles that some piece lies in
     std::vector<TileFailure> failures;
-    std::vector<std::string> notices, errors;
-    int shown = 0;  ///< failures and messages that were shown during the run
-    bool interrupted = false;
 
     std::int64_t Skipped() const;
-    int ExitCode() const;
-    /// Errors always; the rest unless `quiet`.
-    void Narrate(std::ostream& out, bool quiet) const;
-    /// As JSON.
-    std::string Text() const;
+    std::string AsJson() const override;
+
+  private:
+    bool HasAllTiles() const override { return failures.empty() && lost == 0 && written == occupied; }
+    std::vector<std::string> FailureLines() const override;
+    std::vector<std::string> SkippedLines(bool quiet) const override;
+    std::string ResultLine() const override;
 };
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

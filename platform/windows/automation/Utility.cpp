@@ -89,8 +89,8 @@ platform::Maker<Interface> HostOr(const wchar_t* progId, const platform::Maker<I
 }
 
 /// What failed stands in a debugger's window: the component itself hears only that nothing was written.
-void TellDebugger(const std::string& target, const std::string& reason) {
-    ::OutputDebugStringW(Wide("Orvo_Tile: " + target + ": " + reason + "\n").c_str());
+void TellDebugger(const utility::Request& asked, const std::string& reason) {
+    ::OutputDebugStringW(Wide("Orvo_Tile: " + asked.target + ": " + reason + "\n").c_str());
 }
 
 }  // namespace

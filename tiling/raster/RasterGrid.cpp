@@ -1,4 +1,4 @@
-#include "tiling/raster/Grid.h"
+#include "tiling/raster/RasterGrid.h"
 
 #include <limits>
 #include <string>
@@ -7,7 +7,7 @@
 #include "support/Arithmetic.h"
 #include "tiling/Errors.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 Long TilePixels(Long size, Long pixels, double cell) {
@@ -58,4 +58,4 @@ Long SmallestTileSize(IRaster& raster) {
     return low;
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -1,21 +1,18 @@
-// The desktop of a run: what is shown is counted, heard and ended by Ctrl-C.
+// The desktop of a run: what is shown is counted, heard and ended by an interruption.
 #pragma once
 
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
+#include <utility>
 
-#include "platform/Desktop.h"
+#include "platform/dialog/ForwardingDesktop.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
-/// Passes everything on to the desktop that shows it.
-class WatchedDesktop final : public IDesktop {
+class WatchedDesktop final : public dialog::ForwardingDesktop {
   public:
     struct Watch {
-        /// Before something is shown, so that a progress bar can make room.
-        std::function<void()> makeRoom;
         /// Hears each failure that is shown, as "number (description)".
         std::function<void(const std::string& failure)> onFailure;
         /// Once it holds, every failure is answered with "leave" without a word: the failure is the
@@ -23,7 +20,8 @@ class WatchedDesktop final : public IDesktop {
         std::function<bool()> interrupted;
     };
 
-    WatchedDesktop(std::shared_ptr<IDesktop> shown, Watch watch);
+    WatchedDesktop(std::shared_ptr<IDesktop> shown, Watch watch)
+        : ForwardingDesktop(std::move(shown)), watch_(std::move(watch)) {}
 
     MessageAnswer MessageBox(const std::string& text, const std::string& title, MessageIcon icon,
                              MessageButtons buttons) override;
@@ -31,18 +29,14 @@ class WatchedDesktop final : public IDesktop {
     void Beep() override;
     void ResetPointer() override;
     Box Screen() override;
-    void Print(const std::vector<std::string>& lines) override { shown_->Print(lines); }
-    void CopyToClipboard(const std::string& text) override { shown_->CopyToClipboard(text); }
-    void Open(const std::string& address) override { shown_->Open(address); }
 
     int FailuresShown() const { return failuresShown_; }
     int MessagesShown() const { return messagesShown_; }
 
   private:
-    std::shared_ptr<IDesktop> shown_;
     Watch watch_;
     int failuresShown_ = 0;
     int messagesShown_ = 0;
 };
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -5,7 +5,7 @@
 
 #include "platform/Raster.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 
 constexpr std::int64_t kMostTiles = 999;
 
@@ -25,4 +25,4 @@ Grid PlanGrid(IRaster& raster, Long width, Long height);
 /// raster does.
 Long SmallestTileSize(IRaster& raster);
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

@@ -1,14 +1,11 @@
-// orvo-tile vector: the run from the opened layer to the summary.
+// A vector run, from the opened layer to the summary.
 #include <ogr_feature.h>
 
-#include <iostream>
 #include <memory>
 
-#include "host/Interrupt.h"
-#include "host/ProgressDisplay.h"
-#include "host/Session.h"
 #include "platform/gdal/Attributes.h"
 #include "tiling/Errors.h"
+#include "tiling/WatchedPlatform.h"
 #include "tiling/output/OutputFolder.h"
 #include "tiling/output/Publish.h"
 #include "tiling/output/ReferenceSystem.h"
@@ -19,45 +16,52 @@
 #include "tiling/vector/VectorJob.h"
 #include "tiling/vector/VectorLayerSource.h"
 
-namespace orvo::host {
+namespace orvo::tiling {
 namespace {
 
 constexpr std::size_t kSpoolMemory = std::size_t{128} << 20U;
 constexpr std::size_t kMostDrawn = 150000;  ///< vertices in the preview
 
 /// Progress in hundredths: the first half is reading, the second writing.
-class Halves {
+class TwoPhaseProgress {
   public:
-    explicit Halves(ProgressDisplay& display) : display_(display) { display_.Start(100); }
-    void Reach(int half, std::int64_t done, std::int64_t of) {
-        const std::int64_t target =
-            std::int64_t{50} * half + (of > 0 ? std::min<std::int64_t>(50 * done / of, 50) : 0);
-        for (; shown_ < target; ++shown_) display_.Cell();
+    enum Phase { kReading, kWriting };
+
+    explicit TwoPhaseProgress(IProgress* display) : display_(display) {
+        if (display_ != nullptr) display_->Start(100);
     }
-    ~Halves() { display_.End(); }
-    Halves(const Halves&) = delete;
-    Halves& operator=(const Halves&) = delete;
+    void Reach(Phase phase, std::int64_t done, std::int64_t of) {
+        const std::int64_t target =
+            std::int64_t{50} * phase + (of > 0 ? std::min<std::int64_t>(50 * done / of, 50) : 0);
+        for (; shown_ < target; ++shown_) {
+            if (display_ != nullptr) display_->Step();
+        }
+    }
+    ~TwoPhaseProgress() {
+        if (display_ != nullptr) display_->End();
+    }
+    TwoPhaseProgress(const TwoPhaseProgress&) = delete;
+    TwoPhaseProgress& operator=(const TwoPhaseProgress&) = delete;
 
   private:
-    ProgressDisplay& display_;
+    IProgress* display_;
     std::int64_t shown_ = 0;
 };
 
 class VectorRun {
   public:
-    explicit VectorRun(const VectorJob& job) : job_(job), progress_(std::cerr, job.progress) {}
+    VectorRun(const VectorJob& job, const Callbacks& callbacks)
+        : job_(job), callbacks_(callbacks), watched_(callbacks.interrupted, Hearing()) {}
 
-    int Run() {
-        utility::Settings services;
-        services.languageOffset = job_.languageOffset;
-        const auto hear = [this](const std::string& failure) {
-            if (intake_) intake_->Hear(failure);
-        };
-        desktop_ = InstallPlatform(job_.onError, progress_, hear, std::move(services));
+    VectorSummary Run() {
         layer_ = OpenLayer(job_);
         OutputFolder folder(job_.outdir);
         folder.CheckEarlier(job_.overwrite, {job_.input});
         grid_ = std::make_unique<VectorGrid>(layer_, job_.sizes, job_.prefix);
+        summary_.input = job_.input;
+        summary_.layer = layer_->Name();
+        summary_.outdir = folder.Path();
+        summary_.grid = grid_->Plan();
         PrepareWriter();
         folder.Prepare();
         try {
@@ -68,10 +72,20 @@ class VectorRun {
             throw;
         }
         folder.RemoveIfUnused();
-        return Finish(folder.Path());
+        summary_.shown = watched_.Shown();
+        summary_.interrupted = callbacks_.interrupted();
+        return std::move(summary_);
     }
 
   private:
+    WatchedPlatform::Hearing Hearing() {
+        WatchedPlatform::Hearing hearing;
+        hearing.onFailureShown = [this](const std::string& failure) {
+            if (intake_) intake_->AddFailure(failure);
+        };
+        return hearing;
+    }
+
     void PrepareWriter() {
         const ReferenceSystem system = NameReferenceSystem(layer_->SpatialReference());
         if (!system.notice.empty()) summary_.notices.push_back(system.notice);
@@ -103,33 +117,32 @@ class VectorRun {
         intake_ = std::make_unique<FeatureIntake>(*layer_, *grid_, job_.strict, added_,
                                                   FeatureIntake::Targets{*writer_, *spool_, sketch_.get()});
         const GridPlan& plan = grid_->Plan();
-        if (!job_.quiet) {
-            std::cerr << "orvo-tile: cutting the layer " << layer_->Name() << " into " << plan.columns
-                      << " x " << plan.rows << " tiles of " << plan.width << " x " << plan.height
-                      << " map units\n";
-        }
-        Halves halves(progress_);
-        ReadFeatures(halves);
+        callbacks_.notice("cutting the layer " + layer_->Name() + " into " + std::to_string(plan.columns) +
+                          " x " + std::to_string(plan.rows) + " tiles of " + std::to_string(plan.width) +
+                          " x " + std::to_string(plan.height) + " map units");
+        TwoPhaseProgress progress(callbacks_.progress);
+        ReadFeatures(progress);
         writer_->CheckRecords();
-        WriteTiles(work, folder, halves);
+        WriteTiles(work, folder, progress);
         for (std::string& notice : writer_->Notices()) summary_.notices.push_back(std::move(notice));
     }
 
-    void ReadFeatures(Halves& halves) {
+    void ReadFeatures(TwoPhaseProgress& progress) {
         const std::int64_t count = layer_->FeatureCount();
-        intake_->Read([&](std::int64_t done) { halves.Reach(0, done, count); });
+        intake_->Read(callbacks_.interrupted,
+                      [&](std::int64_t done) { progress.Reach(TwoPhaseProgress::kReading, done, count); });
         intake_->Report(summary_);
     }
 
-    void WriteTiles(const WorkFolder& work, const std::string& folder, Halves& halves) {
+    void WriteTiles(const WorkFolder& work, const std::string& folder, TwoPhaseProgress& progress) {
         const auto counts = spool_->Counts();
         std::int64_t done = 0;
         for (const auto& [number, pieces] : counts) {
             if (number == kSkippedRecords) continue;
             ++summary_.occupied;
-            if (Interrupted()) continue;
+            if (callbacks_.interrupted()) continue;
             WriteTile(work, folder, number, pieces);
-            halves.Reach(1, ++done, static_cast<std::int64_t>(counts.size()));
+            progress.Reach(TwoPhaseProgress::kWriting, ++done, static_cast<std::int64_t>(counts.size()));
         }
     }
 
@@ -195,22 +208,8 @@ class VectorRun {
         drafts_->Add("index", ".html", VectorPage(layer_->Name(), tiles_, *sketch_));
     }
 
-    int Finish(const std::string& folder) {
-        summary_.input = job_.input;
-        summary_.layer = layer_->Name();
-        summary_.outdir = folder;
-        summary_.grid = grid_->Plan();
-        summary_.shown = desktop_->FailuresShown() + desktop_->MessagesShown();
-        summary_.interrupted = Interrupted();
-        summary_.Narrate(std::cerr, job_.quiet);
-        std::cout << summary_.Text() << std::flush;
-        if (!std::cout) throw RunError("the summary could not be written to standard output");
-        return summary_.ExitCode();
-    }
-
     const VectorJob& job_;
-    ProgressDisplay progress_;
-    std::shared_ptr<WatchedDesktop> desktop_;
+    const Callbacks& callbacks_;
     std::shared_ptr<gdal::VectorLayer> layer_;
     std::unique_ptr<VectorGrid> grid_;
     AddedFields added_;
@@ -223,12 +222,13 @@ class VectorRun {
     VectorSummary summary_;
     std::unique_ptr<VectorSketch> sketch_;
     std::unique_ptr<FeatureIntake> intake_;
+    WatchedPlatform watched_;
 };
 
 }  // namespace
 
-int RunVector(const VectorJob& job) {
-    return VectorRun(job).Run();
+VectorSummary CutVector(const VectorJob& job, const Callbacks& callbacks) {
+    return VectorRun(job, callbacks).Run();
 }
 
-}  // namespace orvo::host
+}  // namespace orvo::tiling

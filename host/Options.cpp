@@ -1,0 +1,133 @@
+#include "host/Options.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <sstream>
+#include <string_view>
+
+#include "support/Text.h"
+
+namespace orvo::host {
+namespace {
+
+using tiling::UsageError;
+
+/// Reads the whole text as a value; an error code where it is none or out of range.
+template <class Value>
+std::errc Read(std::string_view text, Value& value) {
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end != text.data() + text.size() ? std::errc::invalid_argument : error;
+}
+
+bool IsProgram(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && access(path.c_str(), X_OK) == 0;
+}
+
+}  // namespace
+
+Long ParseSize(const std::string& text) {
+    const std::string remedy = "; give whole map units, 1 to 2147483647, or -1 for the whole axis";
+    Long value = 0;
+    const std::errc error = Read(text, value);
+    if (error == std::errc::result_out_of_range) throw UsageError("does not fit into 32 bits" + remedy);
+    if (error != std::errc()) throw UsageError("is not a whole number" + remedy);
+    if (value < 1 && value != -1) throw UsageError("is no size of a tile" + remedy);
+    return value;
+}
+
+Long ParseCount(const std::string& text) {
+    Long value = 0;
+    if (Read(text, value) != std::errc() || value < 1)
+        throw UsageError("is no number of tiles; give a whole number from 1 on");
+    return value;
+}
+
+double ParseNumber(const std::string& text) {
+    double value = 0;
+    if (Read(text, value) != std::errc() || !std::isfinite(value))
+        throw UsageError("is not a number; write it with a decimal point, for example -12.5");
+    return value;
+}
+
+Integer ParseQuality(const std::string& text) {
+    Integer value = 0;
+    if (Read(text, value) != std::errc() || value < 1 || value > 100)
+        throw UsageError("is out of range; give a whole number from 1 to 100");
+    return value;
+}
+
+std::string ParseFormat(const std::string& text) {
+    std::string format = LCase(text);
+    if (format.starts_with('.')) format.erase(0, 1);
+    const bool plain = std::all_of(format.begin(), format.end(),
+                                   [](unsigned char c) { return c < 128 && std::isalnum(c) != 0; });
+    if (format.empty() || format.size() > 10 || !plain)
+        throw UsageError("is no file extension; give one such as png, jpg, gif or bmp");
+    if (format == "jpeg") return "jpg";
+    return format == "tiff" ? "tif" : format;
+}
+
+std::string ParseProgram(const std::string& text) {
+    if (text.find('/') != std::string::npos) {
+        if (IsProgram(text)) return text;
+        throw UsageError("is not a program that can be run; check the path");
+    }
+    const char* path = std::getenv("PATH");
+    std::istringstream folders(path == nullptr ? "/usr/bin:/bin" : path);
+    for (std::string folder; !text.empty() && std::getline(folders, folder, ':');) {
+        if (IsProgram((folder.empty() ? "." : folder) + "/" + text)) return text;
+    }
+    throw UsageError("is not found along PATH; install it or give its full path");
+}
+
+std::string ParsePrefix(const std::string& text) {
+    const auto isControl = [](unsigned char c) { return c < 0x20 || c == 0x7f; };
+    const bool odd = text.starts_with('.') || text.find_first_of("/\\") != std::string::npos ||
+                     std::any_of(text.begin(), text.end(), isControl);
+    if (odd || text.size() > 200)
+        throw UsageError(
+            "cannot begin the name of a file: give up to 200 bytes without slashes and control characters, "
+            "not beginning with a dot");
+    return text;
+}
+
+void AddDialogOptions(CLI::App& command, SessionOptions& options) {
+    AddChoice<Language>(command, "--language", options.language,
+                        {{"", Language::Locale},
+                         {"de", Language::German},
+                         {"en", Language::English},
+                         {"fr", Language::French}},
+                        "Language of messages: de, en or fr (default: the locale's)");
+    AddChoice<console::Policy>(
+        command, "--on-error", options.policy,
+        {{"ask", console::Policy::Ask}, {"next", console::Policy::Next}, {"leave", console::Policy::Leave}},
+        "How a failing step goes on: ask, next statement, or leave the procedure; ask without anybody to "
+        "answer leaves");
+    AddChoice<DialogPlace>(
+        command, "--dialog", options.place,
+        {{"auto", DialogPlace::Auto}, {"window", DialogPlace::Window}, {"terminal", DialogPlace::Terminal}},
+        "Where to ask: window, terminal, or auto (a window where there is a display and no terminal)");
+}
+
+void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite) {
+    AddDialogOptions(command, options);
+    command.add_flag("--overwrite", overwrite, "Remove the files of an earlier run from OUTDIR first");
+    AddChoice<ProgressMode>(command, "--progress", options.progress,
+                            {{"auto", ProgressMode::Auto},
+                             {"bar", ProgressMode::Bar},
+                             {"json", ProgressMode::Json},
+                             {"none", ProgressMode::None}},
+                            "On standard error: bar, json (one object per line), none, or auto (a bar on a "
+                            "terminal)");
+    command.add_flag("-q,--quiet", options.quiet, "Say nothing on standard error but errors");
+}
+
+}  // namespace orvo::host

@@ -1,0 +1,72 @@
+// Options: what every command has, and how texts become the values of a job.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/Session.h"
+#include "platform/Types.h"
+#include "tiling/Errors.h"
+
+namespace orvo::host {
+
+/// An option whose text becomes a value as the command line is read.
+/// @param parse fails with UsageError; its text goes behind the option's name and the text given
+template <class Value, class Parse>
+CLI::Option* AddValue(CLI::App& command, const std::string& name, Value& value, Parse parse,
+                      const std::string& description) {
+    const std::string label = name.substr(name.find_last_of(',') + 1);
+    return command.add_option_function<std::string>(
+        name,
+        [label, &value, parse](const std::string& text) {
+            try {
+                value = parse(text);
+            } catch (const tiling::UsageError& error) {
+                throw tiling::UsageError(label + " \"" + text + "\" " + error.what());
+            }
+        },
+        description);
+}
+
+/// An option that takes one of some words. @param words the default first
+template <class Value>
+CLI::Option* AddChoice(CLI::App& command, const std::string& name, Value& value,
+                       std::vector<std::pair<std::string, Value>> words, const std::string& description) {
+    const std::string usual = words.front().first;
+    value = words.front().second;
+    const auto parse = [words = std::move(words)](const std::string& text) {
+        std::string known;
+        for (std::size_t i = 0; i < words.size(); ++i) {
+            if (words[i].first == text) return words[i].second;
+            known += (i == 0 ? "" : i + 1 == words.size() ? " or " : ", ") + words[i].first;
+        }
+        throw tiling::UsageError("is not known; choose " + known);
+    };
+    return AddValue(command, name, value, parse, description)->default_str(usual);
+}
+
+// Parsers. All fail with UsageError, whose text says what the value is not, and the remedy.
+
+/// Whole map units from 1 on, or −1 for a whole axis.
+Long ParseSize(const std::string& text);
+/// A number of columns or rows, from 1 on.
+Long ParseCount(const std::string& text);
+/// A finite number with a decimal point.
+double ParseNumber(const std::string& text);
+/// 1 to 100.
+Integer ParseQuality(const std::string& text);
+/// A bare extension in lower case; a leading dot is dropped, "jpeg" and "tiff" become "jpg" and "tif".
+std::string ParseFormat(const std::string& text);
+/// The path of a program that is an executable file or found along PATH.
+std::string ParseProgram(const std::string& text);
+/// A text that can begin the name of a file.
+std::string ParsePrefix(const std::string& text);
+
+/// --language, --on-error and --dialog.
+void AddDialogOptions(CLI::App& command, SessionOptions& options);
+/// These, --overwrite, --progress and --quiet.
+void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite);
+
+}  // namespace orvo::host

@@ -1,0 +1,39 @@
+#include "tiling/WatchedPlatform.h"
+
+#include <utility>
+
+#include "platform/gdal/RasterIO.h"
+#include "platform/posix/ProcessRunner.h"
+#include "platform/utility/Library.h"
+#include "tiling/Errors.h"
+
+namespace orvo::tiling {
+
+WatchedPlatform::WatchedPlatform(const std::function<bool()>& interrupted, Hearing hearing)
+    : installed_(platform::Current()) {
+    if (!installed_.desktop || !installed_.newUtilTools || !installed_.newEnvelope)
+        throw RunError("no platform is installed; install one first, such as linux_platform::MakePlatform()");
+    desktop_ = std::make_shared<WatchedDesktop>(
+        installed_.desktop, WatchedDesktop::Watch{std::move(hearing.onFailureShown), interrupted});
+    utility::Settings services = std::move(hearing.services);
+    services.languageOffset = installed_.newUtilTools()->GetLanguageOffset();
+    services.interrupted = interrupted;
+    auto made = utility::MakeServices(services, gdal::NewRasterIO, std::make_shared<posix::ProcessRunner>());
+    platform::Platform watched = installed_;
+    watched.desktop = desktop_;
+    watched.newUtilTools = std::move(made.newUtilTools);
+    watched.newRasterConvert = std::move(made.newRasterConvert);
+    watched.newEnvelope = [interrupted, newEnvelope = installed_.newEnvelope,
+                           heard = std::move(hearing.onNewEnvelope)] {
+        if (interrupted()) throw RuntimeError(Fault::UserInterrupt);
+        heard();
+        return newEnvelope();
+    };
+    platform::Install(std::move(watched));
+}
+
+WatchedPlatform::~WatchedPlatform() {
+    platform::Install(std::move(installed_));
+}
+
+}  // namespace orvo::tiling
