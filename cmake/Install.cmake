@@ -10,6 +10,7 @@ endif()
 foreach(room IN LISTS rooms_with_headers)
     install(DIRECTORY ${room}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/orvo_tile/${room}
         FILES_MATCHING PATTERN "*.h"
+        PATTERN JsonText.h EXCLUDE  # of the engine's own sources
         REGEX "/qt/[^M][^/]*$" EXCLUDE)  # the window is a module: its door alone is used
 endforeach()
 
