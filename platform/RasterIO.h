@@ -2,12 +2,20 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/Raster.h"
 #include "platform/Utility.h"
 
 namespace orvo {
+
+/// What the bands of an image mean, as far as a converter must be told.
+struct ImageLayout {
+    int bands = 1;         ///< alpha included
+    bool palette = false;  ///< the only band holds indexes of a colour table
+    bool inks = false;     ///< four bands are cyan, magenta, yellow and black
+};
 
 /// One object serves one conversion service: a source stays open as long as the object lives.
 class IRasterIO {
@@ -26,6 +34,9 @@ class IRasterIO {
     /// @param reason why nothing was written, where the result is false
     virtual bool CutWindow(const std::string& sourceFile, PixelWindow& window, const std::string& tiffFile,
                            std::string& reason) = 0;
+
+    /// The layout of an image file; nothing where it cannot be read.
+    virtual std::optional<ImageLayout> LayoutOf(const std::string& file) = 0;
 };
 
 }  // namespace orvo

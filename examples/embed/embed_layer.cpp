@@ -1,4 +1,5 @@
-// Cuts a vector layer into one file per tile from a program of your own: embed_layer INPUT OUTDIR COLUMNS ROWS
+// Cuts a vector layer into one file per tile from a program of your own: embed_layer INPUT OUTDIR COLUMNS
+// ROWS
 #include <cstdlib>
 #include <exception>
 #include <iostream>

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/gdal/Pixels.h"
-#include "platform/gdal/TileWindow.h"
+#include "platform/gdal/ReadWindow.h"
 
 namespace orvo::gdal {
 

@@ -6,8 +6,8 @@
 #include "platform/gdal/Pixels.h"
 #include "platform/gdal/RasterLayer.h"
 #include "platform/gdal/ReadAhead.h"
+#include "platform/gdal/ReadWindow.h"
 #include "platform/gdal/Stretch.h"
-#include "platform/gdal/TileWindow.h"
 
 namespace orvo::gdal {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/gdal/FileInMemory.h"
-#include "platform/gdal/TileWindow.h"
+#include "platform/gdal/ReadWindow.h"
 
 namespace orvo::gdal {
 

@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "platform/gdal/TileWindow.h"
+#include "platform/gdal/ReadWindow.h"
 
 namespace orvo::gdal {
 

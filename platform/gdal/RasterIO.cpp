@@ -2,7 +2,6 @@
 
 #include <gdal_priv.h>
 
-#include <algorithm>
 #include <exception>
 #include <filesystem>
 #include <optional>
@@ -16,59 +15,32 @@
 #include "platform/gdal/NativeTiff.h"
 #include "platform/gdal/PngEncoder.h"
 #include "platform/gdal/RasterLayer.h"
+#include "platform/raster/ImageFormat.h"
 #include "support/FileReplace.h"
 #include "support/SystemPath.h"
 
 namespace orvo::gdal {
 namespace {
 
-constexpr int kDefaultQuality = 75;
+using raster::ImageFormat;
 
-enum class Format { Png, Jpeg, Gif, Bmp, Tiff, SubstituteTiff };
-
-/// A target file's name: everything before the dot of its extension, and the extension in lower case.
-struct TargetName {
-    std::string stem;
-    std::string extension;
-};
-
-TargetName Split(const std::string& file) {
-    const auto slash = file.find_last_of("/\\");
-    const auto dot = file.rfind('.');
-    if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return {file, ""};
-    std::string extension = file.substr(dot + 1);
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return {file.substr(0, dot), extension};
-}
-
-Format FormatOf(const std::string& extension) {
-    if (extension == "png") return Format::Png;
-    if (extension == "jpg" || extension == "jpeg") return Format::Jpeg;
-    if (extension == "gif") return Format::Gif;
-    if (extension == "bmp") return Format::Bmp;
-    if (extension == "tif" || extension == "tiff") return Format::Tiff;
-    return Format::SubstituteTiff;
-}
+/// What a tile is written as; nothing stands for the TIFF that takes the place of other formats.
+using Format = std::optional<ImageFormat>;
 
 Holds HoldsOf(Format format) {
-    switch (format) {
-        case Format::Png:
+    if (!format) return {.transparency = true, .palette = true};
+    switch (*format) {
+        case ImageFormat::Png:
             return {.sixteenBits = true, .transparency = true, .palette = true};
-        case Format::Gif:
-        case Format::SubstituteTiff:
+        case ImageFormat::Gif:
             return {.transparency = true, .palette = true};
-        case Format::Bmp:
+        case ImageFormat::Bmp:
             return {.palette = true};
-        case Format::Jpeg:
-        case Format::Tiff:
+        case ImageFormat::Jpeg:
+        case ImageFormat::Tiff:
             break;
     }
     return {};
-}
-
-int QualityOf(Integer quality) {
-    return quality == 0 ? kDefaultQuality : std::clamp<int>(quality, 1, 100);
 }
 
 void Write(const std::string& target, std::span<const unsigned char> bytes) {
@@ -100,6 +72,7 @@ class RasterIO final : public IRasterIO {
                                    std::string& reason) override;
     bool CutWindow(const std::string& sourceFile, PixelWindow& window, const std::string& tiffFile,
                    std::string& reason) override;
+    std::optional<ImageLayout> LayoutOf(const std::string& file) override;
 
   private:
     OpenLayer& Use(IRasterLayer& layer);
@@ -143,17 +116,17 @@ std::span<const unsigned char> RasterIO::Encode(OpenLayer& source, const TileWin
 std::span<const unsigned char> RasterIO::EncodeOnce(OpenLayer& source, const TileWindow& window,
                                                     Format format, int quality) {
     file_.emplace();
-    if (format == Format::Tiff) {
+    if (format == ImageFormat::Tiff) {
         CopyAsTiff(source.layer->Dataset(), window, Place::Keep, *file_);
         return file_->Bytes();
     }
     source.reader.Read(window, HoldsOf(format), pixels_);
-    if (format == Format::Png) return png_.Encode(pixels_);
-    if (format == Format::Jpeg) return jpeg_.Encode(pixels_, quality);
-    if (format == Format::Gif) {
+    if (format == ImageFormat::Png) return png_.Encode(pixels_);
+    if (format == ImageFormat::Jpeg) return jpeg_.Encode(pixels_, quality);
+    if (format == ImageFormat::Gif) {
         source.indexer.MakeIndexed(pixels_);
         WriteGif(pixels_, *file_);
-    } else if (format == Format::Bmp) {
+    } else if (format == ImageFormat::Bmp) {
         WriteBmp(pixels_, *file_);
     } else {
         WriteTiff(pixels_, *file_);
@@ -166,12 +139,12 @@ std::string RasterIO::ExportRasterWindow(IRasterLayer& layer, const std::string&
                                          std::string& reason) {
     try {
         OpenLayer& source = Use(layer);
-        const TargetName name = Split(targetFile);
-        const Format format = FormatOf(name.extension);
-        std::string target = format == Format::SubstituteTiff ? name.stem + ".tif" : targetFile;
-        const TileWindow window = WindowOf(source.layer->GeoTransform(), source.layer->Width(),
-                                           source.layer->Height(), envelope, width, height);
-        Write(target, Encode(source, window, format, QualityOf(quality)));
+        const raster::TargetName name = raster::SplitName(targetFile);
+        const Format format = raster::FormatOf(name.extension);
+        std::string target = format ? targetFile : name.stem + ".tif";
+        const TileWindow window = raster::WindowOf(source.layer->GeoTransform(), source.layer->Width(),
+                                                   source.layer->Height(), envelope, width, height);
+        Write(target, Encode(source, window, format, raster::QualityOf(quality)));
         return target;
     } catch (const std::exception& failure) {
         reason = ReasonOf(failure);
@@ -191,22 +164,11 @@ GDALDataset& RasterIO::OpenSource(const std::string& sourceFile) {
     return *source_;
 }
 
-/// Cuts a window back to a raster's size; false where nothing is left.
-bool CutBack(PixelWindow& window, int columns, int rows) {
-    const std::int64_t right = std::min<std::int64_t>(std::int64_t{window.column} + window.width, columns);
-    const std::int64_t bottom = std::min<std::int64_t>(std::int64_t{window.row} + window.height, rows);
-    const Long column = std::max(window.column, 0);
-    const Long row = std::max(window.row, 0);
-    if (right <= column || bottom <= row) return false;
-    window = {column, row, static_cast<Long>(right - column), static_cast<Long>(bottom - row)};
-    return true;
-}
-
 bool RasterIO::CutWindow(const std::string& sourceFile, PixelWindow& window, const std::string& tiffFile,
                          std::string& reason) {
     try {
         GDALDataset& source = OpenSource(sourceFile);
-        if (!CutBack(window, source.GetRasterXSize(), source.GetRasterYSize())) {
+        if (!raster::CutBack(window, source.GetRasterXSize(), source.GetRasterYSize())) {
             throw RuntimeError(Fault::InvalidProcedureCall, "the window misses the image");
         }
         const TileWindow cells = ExactWindow(window.column, window.row, window.width, window.height);
@@ -220,6 +182,15 @@ bool RasterIO::CutWindow(const std::string& sourceFile, PixelWindow& window, con
         reason = ReasonOf(failure);
         return false;
     }
+}
+
+std::optional<ImageLayout> RasterIO::LayoutOf(const std::string& file) {
+    const Complaints ignored;
+    const GDALDatasetUniquePtr image(GDALDataset::Open(SystemPath(file).c_str(), GDAL_OF_RASTER));
+    if (!image || image->GetRasterCount() == 0) return std::nullopt;
+    GDALRasterBand& first = *image->GetRasterBand(1);
+    return ImageLayout{image->GetRasterCount(), first.GetColorTable() != nullptr,
+                       first.GetColorInterpretation() == GCI_CyanBand};
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "platform/gdal/RasterLayer.h"
-#include "platform/gdal/TileWindow.h"
+#include "platform/gdal/ReadWindow.h"
 
 namespace orvo::gdal {
 

@@ -14,7 +14,7 @@
 #include "platform/posix/FileSystem.h"
 #include "platform/posix/OperatingSystem.h"
 #include "platform/posix/ProcessRunner.h"
-#include "platform/posix/RegistryFile.h"
+#include "platform/posix/Registry.h"
 #include "platform/posix/TextFiles.h"
 #include "platform/utility/Library.h"
 
@@ -43,7 +43,7 @@ platform::Platform MakePlatform(Options options) {
     made.newUtilTools = std::move(services.newUtilTools);
     made.newRasterConvert = std::move(services.newRasterConvert);
     made.newRasterWorkspaceFactory = gdal::NewRasterWorkspaceFactory;
-    made.registry = std::make_shared<posix::RegistryFile>();
+    made.registry = std::make_shared<posix::Registry>();
     made.clock = std::make_shared<posix::Clock>();
     made.operatingSystem = std::make_shared<posix::OperatingSystem>();
     made.textFiles = std::make_shared<posix::TextFiles>();

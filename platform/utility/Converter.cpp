@@ -35,16 +35,16 @@ bool HasLosses(const std::string& format) {
 
 /// What brings the source's bands to those of the format. The translator copies bands as they are: JPEG then
 /// takes four for inks and a palette for grey, and WebP knows colours only.
-std::vector<std::string> TranslatorBands(const TiffLayout& layout, const std::string& format) {
+std::vector<std::string> TranslatorBands(const ImageLayout& layout, const std::string& format) {
     const bool jpeg = format == "jpg" || format == "jpeg";
     if (!jpeg && format != "webp") return {};
-    if (layout.meaning == TiffLayout::Palette) return {"-expand", "rgb"};
-    if (jpeg && layout.samples == 2) return {"-b", "1"};
-    if (jpeg && layout.samples == 4 && layout.meaning != TiffLayout::Inks) {
+    if (layout.palette) return {"-expand", "rgb"};
+    if (jpeg && layout.bands == 2) return {"-b", "1"};
+    if (jpeg && layout.bands == 4 && !layout.inks) {
         return {"-b", "1", "-b", "2", "-b", "3"};
     }
-    if (!jpeg && layout.samples == 1) return {"-b", "1", "-b", "1", "-b", "1"};
-    if (!jpeg && layout.samples == 2) return {"-b", "1", "-b", "1", "-b", "1", "-b", "2"};
+    if (!jpeg && layout.bands == 1) return {"-b", "1", "-b", "1", "-b", "1"};
+    if (!jpeg && layout.bands == 2) return {"-b", "1", "-b", "1", "-b", "1", "-b", "2"};
     return {};
 }
 

@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/utility/TiffLayout.h"
+#include "platform/RasterIO.h"
+#include "platform/raster/ImageFormat.h"
 
 namespace orvo::utility {
 
@@ -14,8 +15,8 @@ struct Conversion {
     std::string program;
     std::string source;
     std::string target;
-    int quality = 75;                  ///< 1 to 100
-    std::optional<TiffLayout> layout;  ///< of the source, where it is known
+    int quality = raster::kDefaultQuality;  ///< 1 to 100
+    std::optional<ImageLayout> layout;      ///< of the source, where it is known
 };
 
 /// The arguments for converting the first image of the source. GDAL's translator, ImageMagick, GraphicsMagick

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/RuntimeError.h"
+#include "platform/raster/ImageFormat.h"
 #include "platform/utility/Converter.h"
 #include "platform/utility/Disk.h"
 #include "support/FileReplace.h"
@@ -16,13 +17,6 @@ namespace orvo::utility {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr Integer kDefaultQuality = 75;
-
-Integer QualityOf(Integer quality) {
-    if (quality == 0) return kDefaultQuality;
-    return std::clamp<Integer>(quality, 1, 100);
-}
 
 /// The extension of a path without its dot.
 std::string ExtensionOf(const fs::path& path) {
@@ -96,7 +90,7 @@ std::string Occupied(const std::string& target) {
 struct RasterConvert::Job {
     const std::string& program;
     const std::string& sourceFile;
-    Integer quality = kDefaultQuality;
+    Integer quality = raster::kDefaultQuality;
     WrittenImage image;
 };
 
@@ -130,7 +124,7 @@ bool RasterConvert::ConvertExtern(const std::string& program, const std::string&
                                   bool /*wait*/) {
     if (program.empty()) return false;
     StopIfInterrupted();
-    Job job{program, sourceFile, QualityOf(quality), {}};
+    Job job{program, sourceFile, raster::QualityOf(quality), {}};
     job.image.path = targetFile;
     if (window != nullptr) job.image.window = *window;
     const auto extension = library_->reservations.OnlyExtension(targetFile);
@@ -159,8 +153,8 @@ std::string RasterConvert::Convert(Job& job) {
     std::string reason = ProvideSource(job, PathText(folder.Path()), source);
     if (!reason.empty()) return reason;
     const std::string tile = "tile." + extension;
-    const auto arguments = ConverterArguments(
-        {job.program, "./" + source, "./" + tile, job.quality, ReadTiffLayout(folder.Path() / source)});
+    const auto arguments = ConverterArguments({job.program, "./" + source, "./" + tile, job.quality,
+                                               rasters_->LayoutOf(PathText(folder.Path() / source))});
     const ProcessResult result =
         runner_->Run(SystemPath(job.program), arguments, PathText(folder.Path()), settings_.interrupted);
     StopIfInterrupted();

@@ -5,8 +5,8 @@
 
 #include "platform/fake/World.h"
 #include "platform/posix/Clock.h"
-#include "platform/posix/RegistryFile.h"
-#include "tests/adapters/TempFolder.h"
+#include "platform/posix/Registry.h"
+#include "tests/Variable.h"
 
 namespace orvo {
 namespace {
@@ -17,22 +17,17 @@ struct System {
     std::shared_ptr<void> behind;
 };
 
-/// Both hold Software\Maker with "Text" = "Grün" and "Bytes" = 0x00 0x02.
+constexpr const char* kKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+
+/// Both hold "AppData" = "/Grün" in the shell folders.
 System RealSystem() {
-    auto folder = std::make_shared<TempFolder>();
-    const std::string file = folder->Put("r.reg",
-                                         "Windows Registry Editor Version 5.00\n\n"
-                                         "[HKEY_CURRENT_USER\\Software\\Maker]\n"
-                                         "\"Text\"=\"Grün\"\n\"Bytes\"=hex:00,02\n");
-    return {std::make_shared<posix::RegistryFile>(file), std::make_shared<posix::Clock>(), folder};
+    return {std::make_shared<posix::Registry>(), std::make_shared<posix::Clock>(),
+            std::make_shared<Variable>("XDG_DATA_HOME", "/Grün")};
 }
 
 System FakeSystem() {
     const auto world = fake::World::Make();
-    world->registry["Software\\Maker"] = {
-        {"Text", {IRegistry::kTypeString, std::string("Grün\0", 6)}},
-        {"Bytes", {IRegistry::kTypeBinary, std::string("\0\2", 2)}},
-    };
+    world->registry[kKey] = {{"AppData", {IRegistry::kTypeString, std::string("/Grün\0", 7)}}};
     const auto platform = world->MakePlatform();
     return {platform.registry, platform.clock, world};
 }
@@ -46,24 +41,18 @@ class SystemContract : public testing::TestWithParam<System (*)()> {
 INSTANTIATE_TEST_SUITE_P(All, SystemContract, testing::Values(&RealSystem, &FakeSystem),
                          [](const auto& param) { return param.index == 0 ? "Real" : "Fake"; });
 
-TEST_P(SystemContract, ReadsValues) {
+TEST_P(SystemContract, ReadsAText) {
     Long key = 0;
-    ASSERT_EQ(registry.RegOpenKey(IRegistry::kCurrentUser, "Software\\Maker", key), 0);
+    ASSERT_EQ(registry.RegOpenKey(IRegistry::kCurrentUser, kKey, key), 0);
     Long type = 0;
     Long size = 0;
-    ASSERT_EQ(registry.RegQueryValueEx(key, "Text", type, nullptr, size), 0);
+    ASSERT_EQ(registry.RegQueryValueEx(key, "AppData", type, nullptr, size), 0);
     EXPECT_EQ(type, IRegistry::kTypeString);
-    ASSERT_EQ(size, 6);
+    ASSERT_EQ(size, 7);
     std::string text(10, '?');
     size = 10;
-    ASSERT_EQ(registry.RegQueryValueEx(key, "Text", type, text.data(), size), 0);
-    EXPECT_EQ(text.substr(0, static_cast<std::size_t>(size)), std::string("Grün\0", 6));
-
-    std::int16_t number = 0;
-    size = sizeof number;
-    ASSERT_EQ(registry.RegQueryValueEx(key, "Bytes", type, reinterpret_cast<char*>(&number), size), 0);
-    EXPECT_EQ(type, IRegistry::kTypeBinary);
-    EXPECT_EQ(number, 512);
+    ASSERT_EQ(registry.RegQueryValueEx(key, "AppData", type, text.data(), size), 0);
+    EXPECT_EQ(text.substr(0, static_cast<std::size_t>(size)), std::string("/Grün\0", 7));
     EXPECT_EQ(registry.RegCloseKey(key), 0);
 }
 
@@ -73,14 +62,14 @@ TEST_P(SystemContract, AnswersWithTheSystemsCodes) {
     EXPECT_EQ(key, 77);
     Long type = 0;
     Long size = 1;
-    EXPECT_EQ(registry.RegQueryValueEx(77, "Text", type, nullptr, size), 6);
+    EXPECT_EQ(registry.RegQueryValueEx(77, "AppData", type, nullptr, size), 6);
     EXPECT_EQ(registry.RegCloseKey(77), 6);
-    ASSERT_EQ(registry.RegOpenKey(IRegistry::kCurrentUser, "Software\\Maker", key), 0);
+    ASSERT_EQ(registry.RegOpenKey(IRegistry::kCurrentUser, kKey, key), 0);
     EXPECT_EQ(registry.RegQueryValueEx(key, "None", type, nullptr, size), 2);
     char little = '?';
     size = 1;
-    EXPECT_EQ(registry.RegQueryValueEx(key, "Text", type, &little, size), 234);
-    EXPECT_EQ(size, 6);
+    EXPECT_EQ(registry.RegQueryValueEx(key, "AppData", type, &little, size), 234);
+    EXPECT_EQ(size, 7);
     EXPECT_EQ(little, '?');
     EXPECT_EQ(registry.RegCloseKey(key), 0);
     EXPECT_EQ(registry.RegCloseKey(key), 6);

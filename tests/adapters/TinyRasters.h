@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/RasterIO.h"
+#include "platform/gdal/RasterIO.h"
 #include "support/SystemPath.h"
 #include "tests/adapters/TempFolder.h"
 
@@ -52,6 +53,9 @@ class TinyRasters : public IRasterIO {
         window.height = std::min(window.height, 80 - window.row);
         std::ofstream(tiffFile, std::ios::binary) << TinyTiff(window.width, window.height);
         return reason.empty();
+    }
+    std::optional<ImageLayout> LayoutOf(const std::string& file) override {
+        return gdal::NewRasterIO()->LayoutOf(file);
     }
 };
 

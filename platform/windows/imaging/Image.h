@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/raster/ImageFormat.h"
 #include "platform/windows/automation/Automation.h"
 // clang-format off
 #include <wincodec.h>
@@ -66,7 +67,7 @@ class ImageSource {
     int bandTop_ = 0;
 };
 
-enum class ImageFormat { Png, Jpeg, Gif, Bmp, Tiff };
+using raster::ImageFormat;
 
 /// Writes an image. A format that knows no alpha gets none; colours beyond 256 are brought down for GIF. A
 /// failing call leaves the file as far as it got.

@@ -99,11 +99,9 @@ Pixels Mixed(const Pixels& cells, const std::vector<Mix>& across, const std::vec
 
 }  // namespace
 
-Pixels ReadWindow(ImageSource& source, const CellWindow& window, int columns, int rows) {
-    const auto& [left, top, right, bottom] = window;
-    const bool whole = left == std::floor(left) && top == std::floor(top);
-    if (whole && right - left == columns && bottom - top == rows)
-        return source.Read(static_cast<int>(left), static_cast<int>(top), columns, rows);
+Pixels ReadWindow(ImageSource& source, const raster::TileWindow& window) {
+    const auto& [left, top, right, bottom, columns, rows] = window;
+    if (window.IsExact()) return source.Read(static_cast<int>(left), static_cast<int>(top), columns, rows);
     const Cells x = Touched(left, right, columns, source.Columns());
     const Cells y = Touched(top, bottom, rows, source.Rows());
     const bool nearest = source.HasPalette();

@@ -1,4 +1,4 @@
-#include "platform/gdal/TileWindow.h"
+#include "platform/gdal/ReadWindow.h"
 
 #include <gdal_priv.h>
 
@@ -11,14 +11,8 @@
 namespace orvo::gdal {
 namespace {
 
-constexpr double kSnap = 1e-6;  // cells
 constexpr double kSmallestCache = 16.0 * 1024 * 1024;
 constexpr double kSpareRows = 1.3;
-
-double Snap(double cells) {
-    const double whole = std::round(cells);
-    return std::abs(cells - whole) <= kSnap ? whole : cells;
-}
 
 /// The whole cells that a range touches.
 struct Cells {
@@ -51,41 +45,6 @@ void Require(CPLErr result, const Complaints& complaints) {
 }
 
 }  // namespace
-
-bool TileWindow::IsExact() const {
-    return left == std::floor(left) && top == std::floor(top) && right - left == columns &&
-           bottom - top == rows;
-}
-
-TileWindow ExactWindow(int column, int row, int columns, int rows) {
-    return {static_cast<double>(column),
-            static_cast<double>(row),
-            static_cast<double>(column) + columns,
-            static_cast<double>(row) + rows,
-            columns,
-            rows};
-}
-
-TileWindow WindowOf(const std::array<double, 6>& geoTransform, int rasterColumns, int rasterRows,
-                    const IEnvelope& envelope, Long columns, Long rows) {
-    if (columns <= 0 || rows <= 0) {
-        throw RuntimeError(Fault::InvalidProcedureCall,
-                           "a tile of " + std::to_string(columns) + " x " + std::to_string(rows) + " pixels");
-    }
-    if (envelope.IsEmpty()) throw RuntimeError(Fault::InvalidProcedureCall, "the envelope is empty");
-    const auto column = [&](double x) { return Snap((x - geoTransform[0]) / geoTransform[1]); };
-    const auto row = [&](double y) { return Snap((y - geoTransform[3]) / geoTransform[5]); };
-    const TileWindow window{std::max(column(envelope.XMin()), 0.0),
-                            std::max(row(envelope.YMax()), 0.0),
-                            std::min<double>(column(envelope.XMax()), rasterColumns),
-                            std::min<double>(row(envelope.YMin()), rasterRows),
-                            columns,
-                            rows};
-    if (!(window.right > window.left && window.bottom > window.top)) {
-        throw RuntimeError(Fault::InvalidProcedureCall, "the envelope has no area on the raster");
-    }
-    return window;
-}
 
 void ReadWindow(GDALDataset& dataset, std::span<const int> bands, const TileWindow& window, Resample resample,
                 void* target, const Layout& layout) {
