@@ -5,8 +5,10 @@
 #include <exception>
 #include <filesystem>
 #include <optional>
+#include <string_view>
 
 #include "platform/RuntimeError.h"
+#include "platform/files/PartFile.h"
 #include "platform/gdal/ColourTable.h"
 #include "platform/gdal/FileInMemory.h"
 #include "platform/gdal/JpegEncoder.h"
@@ -16,7 +18,6 @@
 #include "platform/gdal/PngEncoder.h"
 #include "platform/gdal/RasterLayer.h"
 #include "platform/raster/ImageFormat.h"
-#include "support/FileReplace.h"
 #include "support/SystemPath.h"
 
 namespace orvo::gdal {
@@ -44,8 +45,9 @@ Holds HoldsOf(Format format) {
 }
 
 void Write(const std::string& target, std::span<const unsigned char> bytes) {
-    const std::string reason = ReplaceFile(SystemPath(target), bytes);
-    if (!reason.empty()) throw RuntimeError(static_cast<Long>(Fault::PathFileAccess), reason);
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    if (const std::error_code failed = files::ReplaceFile(SystemPath(target), text))
+        throw RuntimeError(static_cast<Long>(Fault::PathFileAccess), failed.message());
 }
 
 /// Why an exception came, for the contracts that answer with a reason.

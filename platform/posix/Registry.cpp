@@ -17,8 +17,7 @@ constexpr Long kNotFound = 2;
 constexpr Long kBadHandle = 6;
 constexpr Long kMoreData = 234;
 
-constexpr const char* kShellFolders =
-    "software\\microsoft\\windows\\currentversion\\explorer\\shell folders";
+constexpr const char* kShellFolders = "software\\microsoft\\windows\\currentversion\\explorer\\shell folders";
 constexpr Long kShellFoldersKey = 1;
 
 std::string DataFolder() {

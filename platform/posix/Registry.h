@@ -6,8 +6,8 @@
 namespace orvo::posix {
 
 /// Knows the user's application-data folder alone: the value "AppData" of the shell folders, which is
-/// XDG_DATA_HOME, else .local/share in the home folder. Codes as IRegistry gives them: 2 for what is missing, 6
-/// for a handle that is not open, 234 with the size needed for a buffer that is too small.
+/// XDG_DATA_HOME, else .local/share in the home folder. Codes as IRegistry gives them: 2 for what is missing,
+/// 6 for a handle that is not open, 234 with the size needed for a buffer that is too small.
 class Registry final : public IRegistry {
   public:
     Long RegOpenKey(Long hKey, const std::string& path, Long& handle) override;

@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/RuntimeError.h"
+#include "platform/files/PartFile.h"
 #include "support/SystemPath.h"
 
 namespace orvo::posix {
@@ -110,17 +111,8 @@ void TextFiles::Replace(const std::string& path, const std::string& text) {
     const std::string name = SystemPath(path);
     // Renaming would replace a file that may not be written.
     if (::access(name.c_str(), F_OK) == 0 && ::access(name.c_str(), W_OK) != 0) Fail(name, errno);
-    // A name of this process's own: what another one is saving stays its own.
-    const std::string part = name + ".part" + std::to_string(::getpid());
-    ::unlink(part.c_str());
-    File file(part, O_WRONLY | O_CREAT | O_EXCL);
-    int reason = file.Write(text);
-    const int late = file.Close();
-    if (reason == 0) reason = late;
-    if (reason == 0 && ::rename(part.c_str(), name.c_str()) != 0) reason = errno;
-    if (reason == 0) return;
-    ::unlink(part.c_str());
-    Fail(name, reason);
+    if (const std::error_code failed = files::ReplaceFile(name, text, files::Readers::OwnerOnly))
+        Fail(name, failed.value());
 }
 
 }  // namespace orvo::posix

@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "platform/RuntimeError.h"
+#include "platform/files/PartFile.h"
 #include "platform/raster/ImageFormat.h"
 #include "platform/utility/Converter.h"
 #include "platform/utility/Disk.h"
-#include "support/FileReplace.h"
 #include "support/SystemPath.h"
 #include "support/Text.h"
 
@@ -159,7 +159,9 @@ std::string RasterConvert::Convert(Job& job) {
         runner_->Run(SystemPath(job.program), arguments, PathText(folder.Path()), settings_.interrupted);
     StopIfInterrupted();
     reason = Judge(job.program, result, folder.Path() / tile);
-    return reason.empty() ? Commit(folder.Path() / tile, target) : reason;
+    if (!reason.empty()) return reason;
+    const std::error_code failed = files::MoveOver(folder.Path() / tile, target);
+    return failed ? failed.message() : std::string();
 }
 
 /// Puts what is to be converted into the work folder, as `file`: the window as a TIFF, a whole image as a

@@ -1,72 +1,39 @@
 #include "tiling/output/Publish.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
+#include <utility>
 
 #include "tiling/Errors.h"
 
 namespace orvo::tiling {
 namespace {
 
-[[noreturn]] void Fail(const std::string& path) {
-    throw RunError("cannot write \"" + path + "\": " + std::strerror(errno));
-}
-
-/// Renames without replacing, where the file system can; by a second name otherwise. 0 on success.
-int RenameNew(const std::string& from, const std::string& to) {
-    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
-    if (errno != EINVAL && errno != ENOSYS) return -1;
-    if (link(from.c_str(), to.c_str()) != 0) return -1;
-    return unlink(from.c_str());
+void Require(const std::error_code& failed, const std::string& path) {
+    if (failed) throw RunError("cannot write \"" + path + "\": " + failed.message());
 }
 
 }  // namespace
 
-DraftFile::DraftFile(const std::string& folder, const std::string& extension) : folder_(folder) {
-    std::string path = folder + "/.orvo-tile-XXXXXX" + extension;
-    const int file = mkostemps(path.data(), static_cast<int>(extension.size()), O_CLOEXEC);
-    if (file < 0) Fail(path);
-    const mode_t mask = umask(0);
-    umask(mask);
-    fchmod(file, 0666 & ~mask);
-    close(file);
-    name_ = path.substr(folder.size() + 1);
-}
-
-DraftFile::~DraftFile() {
-    if (published_.empty()) unlink((folder_ + "/" + name_).c_str());
+DraftFile::DraftFile(const std::string& folder, const std::string& extension)
+    : part_(folder, extension, failed_) {
+    Require(failed_, folder);
 }
 
 void DraftFile::Write(const std::string& text) {
-    const std::string path = folder_ + "/" + name_;
-    std::FILE* const file = std::fopen(path.c_str(), "wbe");
-    if (file == nullptr) Fail(path);
-    const bool written =
-        std::fwrite(text.data(), 1, text.size(), file) == text.size() && std::fflush(file) == 0;
-    const int error = errno;
-    const bool closed = std::fclose(file) == 0;
-    if (written && closed) return;
-    if (!written) errno = error;
-    Fail(path);
+    Require(part_.Write(text), Path());
 }
 
 bool DraftFile::Publish(const std::string& name) {
-    const bool done = MoveNew(Path(), folder_ + "/" + name);
-    if (done) published_ = name;
-    return done;
+    const std::string path = (part_.Path().parent_path() / name).string();
+    const std::error_code failed = part_.MoveToNew(path);
+    if (failed == std::errc::file_exists) return false;
+    Require(failed, path);
+    published_ = path;
+    return true;
 }
 
 void DraftFile::Withdraw() {
     if (published_.empty()) return;
-    if (std::rename((folder_ + "/" + published_).c_str(), (folder_ + "/" + name_).c_str()) != 0) {
-        Fail(folder_ + "/" + published_);
-    }
+    Require(part_.MoveBack(published_), published_);
     published_.clear();
 }
 
@@ -118,9 +85,10 @@ std::string DraftSet::PathOf(const std::string& stem) const {
 }
 
 bool MoveNew(const std::string& from, const std::string& to) {
-    if (RenameNew(from, to) == 0) return true;
-    if (errno != EEXIST && errno != ENOTEMPTY) Fail(to);
-    return false;
+    const std::error_code failed = files::MoveNew(from, to);
+    if (failed == std::errc::file_exists) return false;
+    Require(failed, to);
+    return true;
 }
 
 std::string NumberedName(const std::string& stem, int number, const std::string& extension) {

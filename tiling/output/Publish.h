@@ -4,7 +4,10 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
+
+#include "platform/files/PartFile.h"
 
 namespace orvo::tiling {
 
@@ -13,13 +16,8 @@ class DraftFile {
   public:
     /// Takes the hidden name. Fails with RunError. @param extension with its dot
     DraftFile(const std::string& folder, const std::string& extension);
-    ~DraftFile();
-    DraftFile(const DraftFile&) = delete;
-    DraftFile& operator=(const DraftFile&) = delete;
 
-    /// The hidden name, without folder.
-    const std::string& Name() const { return name_; }
-    std::string Path() const { return folder_ + "/" + name_; }
+    std::string Path() const { return part_.Path().string(); }
     /// Writes the whole text; write, flush and close are checked. Fails with RunError.
     void Write(const std::string& text);
     /// Gives the file its name in the same folder unless that is taken; false where it is. Fails with
@@ -30,9 +28,9 @@ class DraftFile {
     bool IsPublished() const { return !published_.empty(); }
 
   private:
-    std::string folder_;
-    std::string name_;       ///< the hidden name
-    std::string published_;  ///< the name it has now; empty while hidden
+    std::error_code failed_;
+    files::PartFile part_;
+    std::string published_;  ///< the full path it has now; empty while hidden
 };
 
 /// The files that a run adds to its tiles. They get their usual names together, or all the same number where

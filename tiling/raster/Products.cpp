@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "support/FileReplace.h"
+#include "platform/files/PartFile.h"
 #include "tiling/Errors.h"
 #include "tiling/Paths.h"
 #include "tiling/output/Mosaic.h"
@@ -52,11 +52,8 @@ class Writer {
         const std::string prefix = folder_ + "/";
         for (const PlacedTile& tile : tiles_) {
             const std::string name = WorldFileName(tile.name);
-            const std::string reason = ReplaceFile(prefix + name, WorldFileText(tile));
-            if (!reason.empty()) {
-                throw RunError(
-                    std::string("cannot write the world file ").append(name).append(": ").append(reason));
-            }
+            if (const auto failed = files::ReplaceFile(prefix + name, WorldFileText(tile)))
+                throw RunError("cannot write the world file " + name + ": " + failed.message());
             companions_.push_back(name);
         }
     }

@@ -2,11 +2,12 @@
 
 #include <filesystem>
 #include <optional>
+#include <system_error>
 
+#include "platform/files/PartFile.h"
 #include "platform/raster/TileWindow.h"
 #include "platform/windows/imaging/Image.h"
 #include "platform/windows/imaging/Resample.h"
-#include "support/FileReplace.h"
 #include "support/SystemPath.h"
 
 namespace orvo::windows {
@@ -23,23 +24,6 @@ raster::TileWindow WindowOf(IRasterLayer& layer, const ImageSource& image, const
         {whole.XMin(), whole.Width() / image.Columns(), 0, whole.YMax(), 0, -whole.Height() / image.Rows()},
         image.Columns(), image.Rows(), envelope, width, height);
 }
-
-/// Removes a file unless it was given its name.
-class Part {
-  public:
-    explicit Part(fs::path file) : file_(std::move(file)) {}
-    ~Part() {
-        std::error_code ignored;
-        fs::remove(file_, ignored);
-    }
-    Part(const Part&) = delete;
-    Part& operator=(const Part&) = delete;
-    std::string Text() const { return PathText(file_); }
-    std::string CommitTo(const fs::path& target) const { return Commit(file_, target); }
-
-  private:
-    fs::path file_;
-};
 
 class RasterIO final : public IRasterIO {
   public:
@@ -73,11 +57,15 @@ std::string RasterIO::ExportRasterWindow(IRasterLayer& layer, const std::string&
         const auto format = raster::FormatOf(name.extension);
         std::string path = format ? targetFile : name.stem + ".tif";
         const fs::path target = DiskPath(path);
-        const Part part(PartName(target));
-        WriteImage(part.Text(), format.value_or(ImageFormat::Tiff), ReadWindow(source, window),
-                   raster::QualityOf(quality));
-        reason = part.CommitTo(target);
-        return reason.empty() ? path : std::string();
+        std::error_code failed;
+        files::PartFile part(target.parent_path(), PathText(target.extension()), failed);
+        if (!failed) {
+            WriteImage(PathText(part.Path()), format.value_or(ImageFormat::Tiff), ReadWindow(source, window),
+                       raster::QualityOf(quality));
+            failed = part.MoveTo(target);
+        }
+        if (failed) reason = failed.message();
+        return failed ? std::string() : path;
     } catch (const RuntimeError& failure) {
         reason = failure.Description();
     } catch (const std::bad_alloc&) {

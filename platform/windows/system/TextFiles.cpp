@@ -1,9 +1,11 @@
 #include <string_view>
 
 #include "platform/RuntimeError.h"
+#include "platform/files/PartFile.h"
 #include "platform/windows/system/System.h"
 #include "platform/windows/system/WideText.h"
 #include "platform/windows/system/Win32.h"
+#include "support/SystemPath.h"
 
 namespace orvo::windows {
 namespace {
@@ -82,12 +84,6 @@ class File {
     LARGE_INTEGER start_{};
 };
 
-/// A name beside a file that no other thread of any process writes.
-std::string PartOf(const std::string& path) {
-    return path + "." + std::to_string(::GetCurrentProcessId()) + "-" +
-           std::to_string(::GetCurrentThreadId()) + ".part";
-}
-
 }  // namespace
 
 bool TextFiles::Exists(const std::string& path) {
@@ -104,14 +100,9 @@ void TextFiles::Append(const std::string& path, const std::string& text) {
 }
 
 void TextFiles::Replace(const std::string& path, const std::string& text) {
-    const std::string part = PartOf(path);
-    ::DeleteFileW(Wide(part).c_str());  // of a process that was ended and had the same number
-    DWORD reason = File(part, CREATE_NEW, 0).Write(text);
-    if (reason == ERROR_SUCCESS &&
-        ::MoveFileExW(Wide(part).c_str(), Wide(path).c_str(), MOVEFILE_REPLACE_EXISTING) == 0)
-        reason = ::GetLastError();
-    if (reason == ERROR_SUCCESS) return;
-    ::DeleteFileW(Wide(part).c_str());
+    const std::error_code failed = files::ReplaceFile(DiskPath(path), text);
+    if (!failed) return;
+    auto reason = static_cast<DWORD>(failed.value());
     if (reason == ERROR_SHARING_VIOLATION || reason == ERROR_ACCESS_DENIED) {
         const File held(path, OPEN_ALWAYS);  // others have it open: they keep its name, not what it holds
         held.Lock();
