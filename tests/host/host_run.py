@@ -2,6 +2,7 @@
 
 import json
 import os
+import re
 import shutil
 import subprocess
 import tempfile
@@ -34,3 +35,8 @@ class HostTest(unittest.TestCase):
         self.check(summary)
         summary["stderr"] = done.stderr
         return summary
+
+    def data_of(self, page):
+        """The preview page's data: title, area and sketch, tiles."""
+        data = re.search(r'<script type="application/jsonl" id="data">(.*?)</script>', page, re.S)[1]
+        return [json.loads(line) for line in data.split("\n")]

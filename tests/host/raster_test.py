@@ -7,7 +7,6 @@ import hashlib
 import json
 import os
 import pty
-import re
 import resource
 import shutil
 import signal
@@ -211,9 +210,9 @@ class TilesTest(RasterTest):
         write_raster(self.path("a <b> & c.png"), 20, 20)
         summary = self.cut("a <b> & c.png", "out", "--tile-size", 10, "--preview", "-q")
         page = self.read(summary["preview"])
-        data = json.loads(re.search(r'<script type="application/json" id="data">(.*?)</script>', page, re.S)[1])
-        self.assertEqual(data["title"], "a <b> & c.png")
-        self.assertEqual({t["name"]: t["envelope"] for t in data["tiles"]},
+        title, _, *tiles = self.data_of(page)
+        self.assertEqual(title, "a <b> & c.png")
+        self.assertEqual({t["name"]: t["envelope"] for t in tiles},
                          {name: [w, s, e, n] for name, (_, _, (w, e, s, n)) in self.index_of(summary).items()})
         for network in ("http:", "https:", "//cdn", "@import", "src=\"", "href=\""):
             self.assertNotIn(network, page)

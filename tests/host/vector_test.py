@@ -3,7 +3,6 @@
 import json
 import os
 import random
-import re
 import resource
 import signal
 import subprocess
@@ -346,14 +345,14 @@ class UsageTest(VectorTest):
         self.assertIn("--overwrite", done.stderr)
 
     def test_preview_stands_alone(self):
-        source = write_layer(self.path("map.gpkg"), blobs(1, 300), name="a <b> & c")
+        source = write_layer(self.path("map.gpkg"), blobs(1, 300), name="a <b> & </script> c")
         summary = self.cut(source, "out", "--columns", 5, "--rows", 5, "--preview", "-q")
         with open(summary["preview"]) as file:
             page = file.read()
-        data = json.loads(re.search(r'<script type="application/json" id="data">(.*?)</script>', page, re.S)[1])
-        self.assertEqual(data["title"], "a <b> & c")
-        self.assertEqual({tile[0] for tile in data["tiles"]}, set(self.index_of(summary)))
-        self.assertEqual(len(data["shapes"]), 300)
+        title, whole, *tiles = self.data_of(page)
+        self.assertEqual(title, "a <b> & </script> c")
+        self.assertEqual({tile["name"] for tile in tiles}, set(self.index_of(summary)))
+        self.assertEqual(len(whole["shapes"]), 300)
         for network in ("http:", "https:", "//cdn", "@import", "src=\"", "href=\""):
             self.assertNotIn(network, page)
 

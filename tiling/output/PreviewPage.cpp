@@ -1,17 +1,20 @@
 #include "tiling/output/PreviewPage.h"
 
-#include <nlohmann/json.hpp>
+#include <algorithm>
+#include <limits>
 #include <set>
+#include <string_view>
 
 #include "support/Text.h"
-#include "tiling/output/PreviewTemplate.h"
-
-using Json = nlohmann::ordered_json;
+#include "tiling/output/JsonText.h"
 
 namespace orvo::tiling {
 namespace {
 
-constexpr const char* kDataMark = "__TILES__";
+constexpr std::string_view kTemplate =
+#include "preview.html.inc"
+    ;
+constexpr std::string_view kDataMark = "__DATA__";
 
 bool IsShownByBrowsers(const std::string& name) {
     static const std::set<std::string> kShown{"png", "jpg", "jpeg", "gif", "bmp", "webp", "avif"};
@@ -22,31 +25,49 @@ Json Edges(const Rectangle& r) {
     return Json::array({r.xMin, r.yMin, r.xMax, r.yMax});
 }
 
-Json TileData(const PlacedTile& tile) {
-    return {{"name", tile.name},
-            {"column", tile.column},
-            {"row", tile.row},
-            {"shown", IsShownByBrowsers(tile.name)},
-            {"width", tile.width},
-            {"height", tile.height},
-            {"place", Edges(tile.placement)},
-            {"envelope", Edges(tile.envelope)}};
+/// All edges together, and the finest pixel's side in map units.
+Json ExtentOfPictures(const std::vector<PlacedTile>& tiles) {
+    Rectangle area = tiles.front().placement;
+    double cell = std::numeric_limits<double>::max();
+    for (const PlacedTile& tile : tiles) {
+        const Rectangle& r = tile.placement;
+        area = {std::min(area.xMin, r.xMin), std::min(area.yMin, r.yMin), std::max(area.xMax, r.xMax),
+                std::max(area.yMax, r.yMax)};
+        cell = std::min(cell, (r.xMax - r.xMin) / std::max<Long>(tile.width, 1));
+    }
+    return {{"area", Edges(area)}, {"cell", cell}};
+}
+
+Json TileData(const PlacedTile& tile, bool isPicture) {
+    Json data{
+        {"name", tile.name}, {"column", tile.column}, {"row", tile.row}, {"envelope", Edges(tile.envelope)}};
+    if (isPicture) {
+        data.update({{"place", Edges(tile.placement)},
+                     {"pixels", {tile.width, tile.height}},
+                     {"shown", IsShownByBrowsers(tile.name)}});
+    }
+    return data;
+}
+
+/// Inside a script element only "<" could end the data early.
+void AppendData(std::string& page, const std::string& json) {
+    for (const char c : json) {
+        if (c == '<')
+            page += "\\u003c";
+        else
+            page += c;
+    }
 }
 
 }  // namespace
 
-std::string PreviewPage(const std::string& title, const std::vector<PlacedTile>& tiles) {
-    Json data{{"title", title}, {"tiles", Json::array()}};
-    for (const PlacedTile& tile : tiles) data["tiles"].push_back(TileData(tile));
-    return FilledPage(kPreviewTemplate, data.dump(-1, ' ', false, Json::error_handler_t::replace));
-}
-
-std::string FilledPage(const char* page, const std::string& json) {
-    // Inside a script element only "<" could end the data early.
-    std::string text;
-    for (const char c : json) text += c == '<' ? std::string("\\u003c") : std::string(1, c);
-    std::string filled = page;
-    return filled.replace(filled.find(kDataMark), std::string(kDataMark).size(), text);
+std::string PreviewPage(const std::string& title, const std::vector<PlacedTile>& tiles,
+                        const std::string& sketch) {
+    const std::size_t mark = kTemplate.find(kDataMark);
+    std::string page(kTemplate.substr(0, mark));
+    AppendData(page, TextOf(title) + "\n" + (sketch.empty() ? TextOf(ExtentOfPictures(tiles)) : sketch));
+    for (const PlacedTile& tile : tiles) AppendData(page, "\n" + TextOf(TileData(tile, sketch.empty())));
+    return page.append(kTemplate.substr(mark + kDataMark.size()));
 }
 
 }  // namespace orvo::tiling

@@ -8,10 +8,12 @@
 
 namespace orvo::tiling {
 
-/// A page that needs nothing but itself and the tiles beside it. @param title the source's name
-std::string PreviewPage(const std::string& title, const std::vector<PlacedTile>& tiles);
-
-/// A page with its data put in. @param json without characters that are no UTF-8
-std::string FilledPage(const char* page, const std::string& json);
+/// A page that needs nothing but itself and the tiles beside it: the tiles as pictures, or a sketch of
+/// features under the tiles' outlines.
+/// @param title the source's name
+/// @param tiles at least one
+/// @param sketch as VectorSketch::ToJson() gives it; empty where the tiles are pictures
+std::string PreviewPage(const std::string& title, const std::vector<PlacedTile>& tiles,
+                        const std::string& sketch = {});
 
 }  // namespace orvo::tiling

@@ -7,10 +7,10 @@
 #include "tiling/Errors.h"
 #include "tiling/WatchedPlatform.h"
 #include "tiling/output/OutputFolder.h"
+#include "tiling/output/PreviewPage.h"
 #include "tiling/output/Publish.h"
 #include "tiling/output/ReferenceSystem.h"
 #include "tiling/output/TileIndex.h"
-#include "tiling/output/VectorPage.h"
 #include "tiling/output/WorkFolder.h"
 #include "tiling/vector/FeatureIntake.h"
 #include "tiling/vector/VectorJob.h"
@@ -205,7 +205,7 @@ class VectorRun {
 
     void AddPage() {
         if (!sketch_ || tiles_.empty()) return;
-        drafts_->Add("index", ".html", VectorPage(layer_->Name(), tiles_, *sketch_));
+        drafts_->Add("index", ".html", PreviewPage(layer_->Name(), tiles_, sketch_->ToJson()));
     }
 
     const VectorJob& job_;

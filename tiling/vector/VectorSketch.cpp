@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "tiling/output/JsonText.h"
+
 namespace orvo::tiling {
 namespace {
 
@@ -95,25 +97,24 @@ void VectorSketch::Coarsen() {
     }
 }
 
-std::string VectorSketch::Json() const {
-    std::string text = "[";
+std::string VectorSketch::ToJson() const {
+    Json shapes = Json::array();
     for (const Drawn& drawn : drawn_) {
-        text += text.size() > 1 ? ",\n[\"" : "[\"";
-        text += drawn.kind;
-        text += '"';
+        Json& shape = shapes.emplace_back(Json::array({std::string(1, drawn.kind)}));
         for (const Path& path : drawn.paths) {
-            text += ",[";
+            Json& steps = shape.emplace_back(Json::array());
             Spot last{0, 0};
-            for (std::size_t i = 0; i < path.size(); ++i) {
-                text += (i > 0 ? "," : "") + std::to_string(path[i].x - last.x) + ',' +
-                        std::to_string(path[i].y - last.y);
-                last = path[i];
+            for (const Spot& spot : path) {
+                steps.push_back(spot.x - last.x);
+                steps.push_back(spot.y - last.y);
+                last = spot;
             }
-            text += ']';
         }
-        text += ']';
     }
-    return text + "]";
+    return TextOf({{"area", {area_.xMin, area_.yMin, area_.xMax, area_.yMax}},
+                   {"cell", CellSize()},
+                   {"leftOut", leftOut_},
+                   {"shapes", std::move(shapes)}});
 }
 
 }  // namespace orvo::tiling

@@ -19,14 +19,11 @@ class VectorSketch {
 
     void Add(const geos::Shape& shape);
 
-    const geos::Bounds& Area() const { return area_; }
-    /// Side of a raster cell in map units.
-    double CellSize() const;
-    /// Shapes that had no room any more.
-    std::int64_t LeftOut() const { return leftOut_; }
-    /// A JSON list of shapes: kind ("p", "l" or "a") and paths, each a list x, y, dx, dy, dx, dy ... in cells
-    /// from the south-west corner.
-    std::string Json() const;
+    /// What the preview page draws, as one line of JSON: "area" (edges), "cell" (side of a raster cell in map
+    /// units), "leftOut" (shapes that had no room any more) and "shapes", each a kind ("p", "l" or "a") and
+    /// paths: lists x, y, dx, dy, dx, dy
+    /// ... in cells from the south-west corner.
+    std::string ToJson() const;
 
   private:
     struct Spot {
@@ -39,6 +36,7 @@ class VectorSketch {
         std::vector<Path> paths;
     };
 
+    double CellSize() const;  ///< side of a raster cell in map units
     Spot SpotOf(const geos::Coordinate& c) const;
     bool IsNewDot(const Drawn& drawn);
     void Keep(Drawn drawn);
