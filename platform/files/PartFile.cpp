@@ -27,7 +27,7 @@ std::error_code PartFile::MoveBack(const std::filesystem::path& target) {
     return failed;
 }
 
-std::error_code ReplaceFile(const std::filesystem::path& target, std::string_view bytes, Readers readers) {
+std::error_code WriteWhole(const std::filesystem::path& target, std::string_view bytes, Readers readers) {
     std::error_code failed;
     const auto folder = target.has_parent_path() ? target.parent_path() : std::filesystem::path(".");
     PartFile part(folder, PathText(target.extension()), failed, readers);

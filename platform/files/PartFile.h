@@ -38,7 +38,7 @@ class PartFile {
 };
 
 /// Writes bytes into a part file beside the target and moves it there. On failure nothing is left.
-std::error_code ReplaceFile(const std::filesystem::path& target, std::string_view bytes,
+std::error_code WriteWhole(const std::filesystem::path& target, std::string_view bytes,
                             Readers readers = Readers::All);
 
 /// Gives a file another name on the same disk, in place of a file that is there.

@@ -46,7 +46,7 @@ Holds HoldsOf(Format format) {
 
 void Write(const std::string& target, std::span<const unsigned char> bytes) {
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    if (const std::error_code failed = files::ReplaceFile(SystemPath(target), text))
+    if (const std::error_code failed = files::WriteWhole(SystemPath(target), text))
         throw RuntimeError(static_cast<Long>(Fault::PathFileAccess), failed.message());
 }
 

@@ -111,7 +111,7 @@ void TextFiles::Replace(const std::string& path, const std::string& text) {
     const std::string name = SystemPath(path);
     // Renaming would replace a file that may not be written.
     if (::access(name.c_str(), F_OK) == 0 && ::access(name.c_str(), W_OK) != 0) Fail(name, errno);
-    if (const std::error_code failed = files::ReplaceFile(name, text, files::Readers::OwnerOnly))
+    if (const std::error_code failed = files::WriteWhole(name, text, files::Readers::OwnerOnly))
         Fail(name, failed.value());
 }
 

@@ -52,7 +52,7 @@ class Writer {
         const std::string prefix = folder_ + "/";
         for (const PlacedTile& tile : tiles_) {
             const std::string name = WorldFileName(tile.name);
-            if (const auto failed = files::ReplaceFile(prefix + name, WorldFileText(tile)))
+            if (const auto failed = files::WriteWhole(prefix + name, WorldFileText(tile)))
                 throw RunError("cannot write the world file " + name + ": " + failed.message());
             companions_.push_back(name);
         }

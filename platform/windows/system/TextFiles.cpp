@@ -100,7 +100,7 @@ void TextFiles::Append(const std::string& path, const std::string& text) {
 }
 
 void TextFiles::Replace(const std::string& path, const std::string& text) {
-    const std::error_code failed = files::ReplaceFile(DiskPath(path), text);
+    const std::error_code failed = files::WriteWhole(DiskPath(path), text);
     if (!failed) return;
     auto reason = static_cast<DWORD>(failed.value());
     if (reason == ERROR_SHARING_VIOLATION || reason == ERROR_ACCESS_DENIED) {
