@@ -4,14 +4,22 @@
 #include <optional>
 
 #include "platform/RuntimeError.h"
+#include "tiling/vector/geometry/Convert.h"
 #include "tiling/vector/geometry/CutLines.h"
 #include "tiling/vector/geometry/CutPolygons.h"
 #include "tiling/vector/geometry/Heights.h"
-#include "tiling/vector/geometry/Library.h"
 #include "tiling/vector/geometry/Validity.h"
 
 namespace orvo::geos {
 namespace {
+
+bool IsValid(const GEOSGeometry& geometry) {
+    return Answer(GEOSisValid_r(GeosContext(), &geometry));
+}
+
+Handle MadeValid(const GEOSGeometry& geometry) {
+    return Owned(GEOSMakeValid_r(GeosContext(), &geometry));
+}
 
 /// Brings back into the rectangle what an overlay put next to it.
 Shape MovedInside(const Shape& shape, const Bounds& r) {
@@ -46,7 +54,8 @@ Shape CutByOverlay(const Shape& shape, const Bounds& rectangle) {
     if (around.IsEmpty()) return around;
     Handle area = ToGeos(around);
     if (!IsValid(*area)) area = MadeValid(*area);
-    Shape cut = FromGeos(*Intersection(*area, *ToGeos(rectangle)), shape);
+    Shape cut =
+        FromGeos(*Owned(GEOSIntersection_r(GeosContext(), area.get(), ToGeos(rectangle).get())), shape);
     if (!cut.IsEmpty() && !rectangle.Holds(cut.Extent())) {
         cut = MovedInside(cut, rectangle);
         const Handle moved = ToGeos(cut);
