@@ -142,7 +142,8 @@ TEST_P(VectorCutTest, PiecesAreThoseOfClipAndAddUp) {
             }
         }
         // Rounded stars may cross themselves, and then a cut mends them.
-        if (shape.type == GeometryType::Polygon && GEOSisValid_r(geos::GeosContext(), geos::ToGeos(shape).get()) == 1) {
+        if (shape.type == GeometryType::Polygon &&
+            GEOSisValid_r(geos::GeosContext(), geos::ToGeos(shape).get()) == 1) {
             EXPECT_NEAR(area, Area(shape), 1e-9 * Area(shape));
         }
         // A stretch on an edge between two tiles that the line enters both stands in both.

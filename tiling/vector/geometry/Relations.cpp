@@ -72,7 +72,7 @@ bool HoldsEvenOdd(const Shape& shape, const Coordinate& c) {
     return holds;
 }
 
-/// No common area or stretch, or nothing there at all.
+/// No point in common, or nothing there at all.
 bool IsApart(const Shape& shape, const Bounds& rectangle) {
     return shape.IsEmpty() || rectangle.IsEmpty() || !shape.Extent().Meets(rectangle);
 }
