@@ -124,23 +124,23 @@ class RasterConvertObject final : public ScriptObject {
 
 }  // namespace
 
-ScriptObject* NewEmptyEnvelopeObject() {
+IUnknown* NewEmptyEnvelopeObject() {
     return NewEnvelopeObject(std::make_shared<memory::Envelope>());
 }
 
-ScriptObject* NewRasterLayerObject() {
+IUnknown* NewRasterLayerObject() {
     return new RasterLayerObject;
 }
 
-ScriptObject* NewWorkspaceFactoryObject() {
+IUnknown* NewWorkspaceFactoryObject() {
     return new WorkspaceFactoryObject;
 }
 
-ScriptObject* NewUtilToolsObject() {
+IUnknown* NewUtilToolsObject() {
     return new UtilToolsObject;
 }
 
-ScriptObject* NewRasterConvertObject() {
+IUnknown* NewRasterConvertObject() {
     return new RasterConvertObject;
 }
 

@@ -1,15 +1,15 @@
 // The classes that scripts create by name.
 #pragma once
 
-#include "platform/windows/automation/ScriptObject.h"
+#include "platform/windows/system/Win32.h"
 
 namespace orvo::windows {
 
 // The caller owns the reference that each object starts with.
-ScriptObject* NewEmptyEnvelopeObject();
-ScriptObject* NewRasterLayerObject();
-ScriptObject* NewWorkspaceFactoryObject();
-ScriptObject* NewUtilToolsObject();
-ScriptObject* NewRasterConvertObject();
+IUnknown* NewEmptyEnvelopeObject();
+IUnknown* NewRasterLayerObject();
+IUnknown* NewWorkspaceFactoryObject();
+IUnknown* NewUtilToolsObject();
+IUnknown* NewRasterConvertObject();
 
 }  // namespace orvo::windows

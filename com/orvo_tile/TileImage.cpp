@@ -1,6 +1,6 @@
 #include "com/orvo_tile/TileImage.h"
 
-#include "com/orvo_tile/References.h"
+#include "com/orvo_tile/ByReference.h"
 
 namespace orvo::com {
 
@@ -10,7 +10,7 @@ STDMETHODIMP TileImage::putref_ClipEnvelope(IDispatch** objValue) {
 
 STDMETHODIMP TileImage::get_TileObjectDict(IDispatch** result) {
     return Do([&] {
-        Target(result) = nullptr;
+        Checked(result) = nullptr;
         *result = windows::DispatchOf(image_.TileObjectDict());
     });
 }
@@ -49,14 +49,14 @@ STDMETHODIMP TileImage::put_TileHeight(LONG Height) {
 
 STDMETHODIMP TileImage::Tile(VARIANT_BOOL* result) {
     return Do([&] {
-        Target(result) = VARIANT_FALSE;
+        Checked(result) = VARIANT_FALSE;
         *result = image_.Tile() ? VARIANT_TRUE : VARIANT_FALSE;
     });
 }
 
 STDMETHODIMP TileImage::GetWorkspace(BSTR* strDir, IDispatch** result) {
     return Do([&] {
-        Target(result) = nullptr;
+        Checked(result) = nullptr;
         *result = windows::DispatchOf(image_.GetWorkspace(TextOf(strDir)));
     });
 }

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "com/orvo_tile/References.h"
+#include "com/orvo_tile/ByReference.h"
 
 namespace orvo::com {
 
@@ -11,7 +11,7 @@ TileVector::TileVector(std::shared_ptr<orvo::clsTileVector> grid)
 
 STDMETHODIMP TileVector::Clone(IDispatch** objLayerExtent, _clsTileVector** result) {
     return Do([&] {
-        Target(result) = nullptr;
+        Checked(result) = nullptr;
         auto copy = grid_->Clone(windows::EnvelopeOf(ValueOf(objLayerExtent)));
         if (copy) *result = new TileVector(std::move(copy));
     });
@@ -38,7 +38,7 @@ STDMETHODIMP TileVector::put_TileCountX(LONG CountX) {
 }
 
 STDMETHODIMP TileVector::get_TileCountX(LONG* result) {
-    return Do([&] { Target(result) = std::as_const(*grid_).TileCountX(); });
+    return Do([&] { Checked(result) = std::as_const(*grid_).TileCountX(); });
 }
 
 STDMETHODIMP TileVector::put_TileCountY(LONG CountY) {
@@ -46,7 +46,7 @@ STDMETHODIMP TileVector::put_TileCountY(LONG CountY) {
 }
 
 STDMETHODIMP TileVector::get_TileCountY(LONG* result) {
-    return Do([&] { Target(result) = std::as_const(*grid_).TileCountY(); });
+    return Do([&] { Checked(result) = std::as_const(*grid_).TileCountY(); });
 }
 
 STDMETHODIMP TileVector::put_TileWidth(LONG Width) {
@@ -58,7 +58,7 @@ STDMETHODIMP TileVector::put_TileHeight(LONG Height) {
 }
 
 STDMETHODIMP TileVector::get_TileCount(LONG* result) {
-    return Do([&] { Target(result) = grid_->TileCount(); });
+    return Do([&] { Checked(result) = grid_->TileCount(); });
 }
 
 STDMETHODIMP TileVector::InitializeTiles() {
@@ -67,37 +67,37 @@ STDMETHODIMP TileVector::InitializeTiles() {
 
 STDMETHODIMP TileVector::GetTileID(LONG lngNrX, LONG* lngNrY, BSTR* result) {
     return Do([&] {
-        Target(result) = nullptr;
+        Checked(result) = nullptr;
         *result = NewBstr(grid_->GetTileID(lngNrX, ValueOf(lngNrY)));
     });
 }
 
 STDMETHODIMP TileVector::GetTileExtent(LONG lngNrX, LONG* lngNrY, IDispatch** result) {
     return Do([&] {
-        Target(result) = nullptr;
+        Checked(result) = nullptr;
         *result = windows::DispatchOf(grid_->GetTileExtent(lngNrX, ValueOf(lngNrY)));
     });
 }
 
 STDMETHODIMP TileVector::GetTileTStream(LONG lngNrX, LONG lngNrY, BSTR strID, BSTR* result) {
     return Do([&] {
-        Target(result) = nullptr;
+        Checked(result) = nullptr;
         *result = NewBstr(grid_->GetTileTStream(lngNrX, lngNrY, TextOf(strID)));
     });
 }
 
 STDMETHODIMP TileVector::Clip(LONG lngX, LONG lngY, IDispatch** objInGeometry, IDispatch** result) {
     return Do([&] {
-        Target(result) = nullptr;
+        Checked(result) = nullptr;
         *result = windows::DispatchOf(grid_->Clip(lngX, lngY, windows::GeometryOf(ValueOf(objInGeometry))));
     });
 }
 
 STDMETHODIMP TileVector::IsInside(LONG* lngX, LONG* lngY, IDispatch** objGeometry, VARIANT_BOOL* result) {
     return Do([&] {
-        Target(result) = VARIANT_FALSE;
-        Number column(Target(lngX));
-        Number row(Target(lngY));
+        Checked(result) = VARIANT_FALSE;
+        NumberByReference column(Checked(lngX));
+        NumberByReference row(Checked(lngY));
         const bool inside =
             grid_->IsInside(column.value, row.value, windows::GeometryOf(ValueOf(objGeometry)));
         *result = inside ? VARIANT_TRUE : VARIANT_FALSE;

@@ -149,7 +149,7 @@ void CheckStatus() {
 }  // namespace
 
 void CheckHostObjects() {
-    const long before = LiveObjects();
+    const long before = ServerUse::Count();
     {
         const auto platform = MakePlatform();
         CheckEnvelopes(platform);
@@ -157,7 +157,7 @@ void CheckHostObjects() {
         CheckLayers();
         CheckStatus();
     }
-    Equal(LiveObjects(), before);
+    Equal(ServerUse::Count(), before);
 }
 
 }  // namespace orvo::checks

@@ -123,6 +123,10 @@ Long NumberOf(HRESULT result) {
     return result;
 }
 
+HRESULT CodeOf(Long number) {
+    return number < 0 ? number : kRuntimeCodes | (number & 0xFFFF);
+}
+
 void Require(HRESULT result, const std::string& about) {
     if (FAILED(result)) Fail(result, about);
 }
@@ -164,6 +168,7 @@ Value::Value(const std::string& text) : Value() {
     const std::wstring wide = Wide(text);
     variant_.vt = VT_BSTR;
     variant_.bstrVal = ::SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+    if (variant_.bstrVal == nullptr) throw std::bad_alloc();
 }
 
 Value::Value(IDispatch* object) : Value() {

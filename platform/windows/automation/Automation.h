@@ -65,6 +65,9 @@ void RequireCall(const std::function<HRESULT()>& call, const std::string& about)
 
 /// The number of a failed call: that of the runtime where the code holds one, else the code itself.
 Long NumberOf(HRESULT result);
+/// The code that tells a client of a failure: 0x800A0000 + n for a number n of the runtime, which scripts
+/// show as n; any other number is a code already.
+HRESULT CodeOf(Long number);
 
 /// Runs what a function that COM calls does: nothing may be thrown out of one.
 template <class Work>

@@ -44,8 +44,4 @@ IDispatch* DispatchOf(const std::shared_ptr<Interface>& reference) {
     return DispatchOf(reference.get());
 }
 
-/// Automation objects of our own that clients or the component still hold; while there are any, the module
-/// that they live in may not be unloaded.
-long LiveObjects();
-
 }  // namespace orvo::windows

@@ -1,26 +1,20 @@
 #include "platform/windows/automation/ScriptObject.h"
 
 #include <algorithm>
-#include <atomic>
 
-#include "platform/windows/automation/HostObjects.h"
-#include "platform/windows/system/WideText.h"
+#include "platform/FailureInFlight.h"
 
 namespace orvo::windows {
 namespace {
 
 constexpr Long kWrongNumberOfArguments = 450;
-std::atomic<long> live{0};
 
 /// Tells a caller of a failure: number and text.
-HRESULT Tell(EXCEPINFO* exception, Long number, const std::string& text) {
+HRESULT FillException(EXCEPINFO* exception, const RuntimeError& failure) {
     if (exception == nullptr) return DISP_E_EXCEPTION;
     *exception = {};
-    exception->scode = number > 0 && number <= 0xFFFF
-                           ? static_cast<HRESULT>(0x800A0000U | static_cast<ULONG>(number))
-                           : number;
-    const std::wstring wide = Wide(text);
-    exception->bstrDescription = ::SysAllocStringLen(wide.data(), static_cast<UINT>(wide.size()));
+    exception->scode = CodeOf(failure.Number());
+    exception->bstrDescription = Value(failure.Description()).Detach().bstrVal;
     exception->bstrSource = ::SysAllocString(L"OrvoPlatform");
     return DISP_E_EXCEPTION;
 }
@@ -38,10 +32,6 @@ HRESULT Answer(const Member& member, WORD kind, const DISPPARAMS& parameters, VA
 }
 
 }  // namespace
-
-long LiveObjects() {
-    return live;
-}
 
 Arguments::Arguments(const DISPPARAMS& parameters) {
     for (UINT i = parameters.cArgs; i > 0; --i) {
@@ -69,14 +59,6 @@ void Arguments::WriteBack(std::size_t index, const Value& value) const {
     }
 }
 
-ScriptObject::ScriptObject() {
-    ++live;
-}
-
-ScriptObject::~ScriptObject() {
-    --live;
-}
-
 HRESULT ScriptObject::QueryInterface(REFIID id, void** object) {
     if (object == nullptr) return E_POINTER;
     const bool known = ::IsEqualIID(id, IID_IUnknown) || ::IsEqualIID(id, IID_IDispatch);
@@ -84,16 +66,6 @@ HRESULT ScriptObject::QueryInterface(REFIID id, void** object) {
     if (!known) return E_NOINTERFACE;
     AddRef();
     return S_OK;
-}
-
-ULONG ScriptObject::AddRef() {
-    return static_cast<ULONG>(::InterlockedIncrement(&references_));
-}
-
-ULONG ScriptObject::Release() {
-    const LONG left = ::InterlockedDecrement(&references_);
-    if (left == 0) delete this;
-    return static_cast<ULONG>(left);
 }
 
 HRESULT ScriptObject::GetTypeInfoCount(UINT* count) {
@@ -137,12 +109,10 @@ HRESULT ScriptObject::Invoke(DISPID id, REFIID /*reserved*/, LCID /*locale*/, WO
     return Guarded([&] {
         try {
             return Answer(*member, kind, *parameters, result);
-        } catch (const RuntimeError& error) {
-            return Tell(exception, error.Number(), error.Description());
         } catch (const std::bad_alloc&) {
             return E_OUTOFMEMORY;
-        } catch (const std::exception& error) {
-            return Tell(exception, static_cast<Long>(Fault::AutomationError), error.what());
+        } catch (...) {
+            return FillException(exception, FailureInFlight());
         }
     });
 }

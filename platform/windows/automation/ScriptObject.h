@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/windows/automation/Automation.h"
+#include "platform/windows/automation/Counted.h"
 
 namespace orvo::windows {
 
@@ -34,17 +35,10 @@ struct Member {
     DISPID id = DISPID_UNKNOWN;
 };
 
-/// Counts its references from 1; destroys itself with the last. Member numbers follow the table, from 1.
-class ScriptObject : public IDispatch {
+/// Member numbers follow the table, from 1.
+class ScriptObject : public Counted<IDispatch> {
   public:
-    ScriptObject();
-    virtual ~ScriptObject();
-    ScriptObject(const ScriptObject&) = delete;
-    ScriptObject& operator=(const ScriptObject&) = delete;
-
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override;
-    ULONG STDMETHODCALLTYPE AddRef() override;
-    ULONG STDMETHODCALLTYPE Release() override;
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
@@ -59,7 +53,6 @@ class ScriptObject : public IDispatch {
   private:
     const Member* Find(DISPID id) const;
     std::vector<Member> members_;
-    volatile LONG references_ = 1;
 };
 
 /// Reads a property that takes no arguments.

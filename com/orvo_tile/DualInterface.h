@@ -4,8 +4,8 @@
 #include <memory>
 #include <vector>
 
-#include "com/orvo_tile/Automation.h"
-#include "com/orvo_tile/Call.h"
+#include "com/orvo_tile/Interfaces.h"
+#include "platform/windows/automation/Automation.h"
 
 namespace orvo::com {
 
@@ -18,7 +18,7 @@ struct Parameter {
 };
 
 /// One way to use a member: a method, or one kind of access to a property.
-struct Member {
+struct InterfaceFunction {
     DISPID id = 0;
     INVOKEKIND kind = INVOKE_FUNC;
     ULONG_PTR slot = 0;  ///< offset in the interface's table of functions, in bytes
@@ -27,10 +27,10 @@ struct Member {
 
 /// The members of one interface. Arguments are converted to the declared types, and variables handed over by
 /// reference get back what the member made of them, in the type that they have.
-class Dispatch {
+class DualInterface {
   public:
     /// Fails with BadCall where the type library in the DLL cannot be read.
-    explicit Dispatch(REFIID interfaceId);
+    explicit DualInterface(REFIID interfaceId);
 
     ITypeInfo* TypeInfo() const { return info_.Get(); }
     /// @param object the interface that this describes
@@ -38,15 +38,15 @@ class Dispatch {
                    VARIANT* result, EXCEPINFO* exception, UINT* wrongArgument) const;
 
   private:
-    const Member* Find(DISPID id, WORD flags) const;
+    const InterfaceFunction* Find(DISPID id, WORD flags) const;
 
-    Ref<ITypeInfo> info_;
-    std::vector<Member> members_;
+    windows::Ref<ITypeInfo> info_;
+    std::vector<InterfaceFunction> functions_;
 };
 
-/// The interface's members, read on first use and kept until ForgetDispatch.
-std::shared_ptr<const Dispatch> DispatchFor(REFIID interfaceId);
+/// The interface's members, read on first use and kept until ForgetDualInterfaces.
+std::shared_ptr<const DualInterface> DualInterfaceOf(REFIID interfaceId);
 /// Lets go of the type library; for a DLL that is about to be unloaded.
-void ForgetDispatch();
+void ForgetDualInterfaces();
 
 }  // namespace orvo::com

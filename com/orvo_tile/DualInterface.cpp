@@ -1,13 +1,16 @@
-#include "com/orvo_tile/Dispatch.h"
+#include "com/orvo_tile/DualInterface.h"
 
 #include <mutex>
 #include <utility>
 
-#include "com/orvo_tile/Arguments.h"
-#include "com/orvo_tile/Module.h"
+#include "com/kit/Guarded.h"
+#include "com/kit/Server.h"
+#include "com/orvo_tile/CoercedArguments.h"
 
 namespace orvo::com {
 namespace {
+
+using windows::Ref;
 
 void Check(HRESULT code) {
     if (FAILED(code)) throw BadCall{code};
@@ -29,8 +32,8 @@ Parameter ParameterOf(const ELEMDESC& description) {
     return made;
 }
 
-Member MemberOf(const FUNCDESC& description) {
-    Member made;
+InterfaceFunction FunctionOf(const FUNCDESC& description) {
+    InterfaceFunction made;
     made.id = description.memid;
     made.kind = description.invkind;
     made.slot = static_cast<ULONG_PTR>(description.oVft);
@@ -49,22 +52,22 @@ Ref<ITypeInfo> TableInfo(ITypeInfo* info) {
     return table;
 }
 
-std::vector<Member> MembersOf(ITypeInfo* table) {
+std::vector<InterfaceFunction> FunctionsOf(ITypeInfo* table) {
     TYPEATTR* attributes = nullptr;
     Check(table->GetTypeAttr(&attributes));
     const UINT count = attributes->cFuncs;
     table->ReleaseTypeAttr(attributes);
-    std::vector<Member> members;
+    std::vector<InterfaceFunction> functions;
     for (UINT i = 0; i < count; ++i) {
         FUNCDESC* description = nullptr;
         Check(table->GetFuncDesc(i, &description));
-        members.push_back(MemberOf(*description));
+        functions.push_back(FunctionOf(*description));
         table->ReleaseFuncDesc(description);
     }
-    return members;
+    return functions;
 }
 
-/// What a failed member left behind, for the client's runtime.
+/// What a failed function left behind, for the client's runtime.
 void FillException(EXCEPINFO& exception, HRESULT code) {
     exception = {};
     exception.scode = code;
@@ -76,11 +79,11 @@ void FillException(EXCEPINFO& exception, HRESULT code) {
 
 struct Cache {
     std::mutex mutex;
-    std::vector<std::pair<IID, std::shared_ptr<const Dispatch>>> interfaces;
+    std::vector<std::pair<IID, std::shared_ptr<const DualInterface>>> interfaces;
 };
 
 /// Never destroyed: when a process ends, the system's libraries that own the entries may be gone already. A
-/// DLL that is unloaded before calls ForgetDispatch.
+/// DLL that is unloaded before calls ForgetDualInterfaces.
 Cache& TheCache() {
     static Cache& cache = *new Cache;
     return cache;
@@ -88,57 +91,59 @@ Cache& TheCache() {
 
 }  // namespace
 
-Dispatch::Dispatch(REFIID interfaceId) {
+DualInterface::DualInterface(REFIID interfaceId) {
     Ref<ITypeLib> library;
-    Check(LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, library.Out()));
+    Check(LoadTypeLibEx(ServerPath().c_str(), REGKIND_NONE, library.Out()));
     Check(library->GetTypeInfoOfGuid(interfaceId, info_.Out()));
-    members_ = MembersOf(TableInfo(info_.Get()).Get());
+    functions_ = FunctionsOf(TableInfo(info_.Get()).Get());
 }
 
-const Member* Dispatch::Find(DISPID id, WORD flags) const {
+const InterfaceFunction* DualInterface::Find(DISPID id, WORD flags) const {
     constexpr WORD puts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
-    const Member* other = nullptr;
-    for (const Member& member : members_) {
-        if (member.id != id) continue;
-        if ((member.kind & flags) != 0) return &member;
+    const InterfaceFunction* other = nullptr;
+    for (const InterfaceFunction& function : functions_) {
+        if (function.id != id) continue;
+        if ((function.kind & flags) != 0) return &function;
         // Some clients put objects like values, and ask for a method like for a property.
-        if ((member.kind & puts) != 0 && (flags & puts) != 0) other = &member;
-        if (member.kind == INVOKE_FUNC && (flags & DISPATCH_PROPERTYGET) != 0) other = &member;
+        if ((function.kind & puts) != 0 && (flags & puts) != 0) other = &function;
+        if (function.kind == INVOKE_FUNC && (flags & DISPATCH_PROPERTYGET) != 0) other = &function;
     }
     return other;
 }
 
-HRESULT Dispatch::Invoke(void* object, DISPID id, LCID locale, WORD flags, const DISPPARAMS& arguments,
-                         VARIANT* result, EXCEPINFO* exception, UINT* wrongArgument) const {
-    const Member* member = Find(id, flags);
-    if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
-    Arguments converted(*member, locale);
-    HRESULT code = converted.Take(arguments, wrongArgument);
+HRESULT DualInterface::Invoke(void* object, DISPID id, LCID locale, WORD flags, const DISPPARAMS& arguments,
+                              VARIANT* result, EXCEPINFO* exception, UINT* wrongArgument) const {
+    const InterfaceFunction* function = Find(id, flags);
+    if (function == nullptr) return DISP_E_MEMBERNOTFOUND;
+    CoercedArguments converted(*function, locale);
+    HRESULT code = converted.Coerce(arguments, wrongArgument);
     if (FAILED(code)) return code;
 
     SetErrorInfo(0, nullptr);
     VARIANT returned;
     VariantInit(&returned);
-    code = DispCallFunc(object, member->slot, CC_STDCALL, VT_ERROR, converted.Count(), converted.Types(),
+    code = DispCallFunc(object, function->slot, CC_STDCALL, VT_ERROR, converted.Count(), converted.Types(),
                         converted.Values(), &returned);
     if (FAILED(code)) return code;
     if (FAILED(returned.scode)) {
         if (exception != nullptr) FillException(*exception, returned.scode);
-        converted.GiveBack(nullptr);  // what it changed before; the member's failure is the one that counts
+        converted.WriteBack(
+            nullptr);  // what it changed before; the function's failure is the one that counts
         return DISP_E_EXCEPTION;
     }
-    return converted.GiveBack(result);
+    return converted.WriteBack(result);
 }
 
-std::shared_ptr<const Dispatch> DispatchFor(REFIID interfaceId) {
+std::shared_ptr<const DualInterface> DualInterfaceOf(REFIID interfaceId) {
     Cache& cache = TheCache();
     const std::lock_guard lock(cache.mutex);
     for (const auto& [id, dispatch] : cache.interfaces)
         if (IsEqualIID(id, interfaceId)) return dispatch;
-    return cache.interfaces.emplace_back(interfaceId, std::make_shared<const Dispatch>(interfaceId)).second;
+    return cache.interfaces.emplace_back(interfaceId, std::make_shared<const DualInterface>(interfaceId))
+        .second;
 }
 
-void ForgetDispatch() {
+void ForgetDualInterfaces() {
     Cache& cache = TheCache();
     const std::lock_guard lock(cache.mutex);
     cache.interfaces.clear();

@@ -1,4 +1,4 @@
-#include "com/orvo_tile/Arguments.h"
+#include "com/orvo_tile/CoercedArguments.h"
 
 #include <cstring>
 
@@ -95,23 +95,23 @@ HRESULT StoreAs(VARTYPE type, void* variable, VARIANT& value, LCID locale) {
 
 }  // namespace
 
-Arguments::Arguments(const Member& member, LCID locale)
-    : member_(member),
+CoercedArguments::CoercedArguments(const InterfaceFunction& function, LCID locale)
+    : function_(function),
       locale_(locale),
-      slots_(member.parameters.size()),
-      types_(member.parameters.size()),
-      values_(member.parameters.size()) {}
+      slots_(function.parameters.size()),
+      types_(function.parameters.size()),
+      values_(function.parameters.size()) {}
 
-Arguments::~Arguments() {
+CoercedArguments::~CoercedArguments() {
     for (Slot& slot : slots_) {
         VariantClear(&slot.value);
         VariantClear(&slot.before);
     }
 }
 
-HRESULT Arguments::Take(const DISPPARAMS& arguments, UINT* wrongArgument) {
+HRESULT CoercedArguments::Coerce(const DISPPARAMS& arguments, UINT* wrongArgument) {
     std::size_t inputs = 0;
-    for (const Parameter& parameter : member_.parameters) inputs += parameter.isResult ? 0 : 1;
+    for (const Parameter& parameter : function_.parameters) inputs += parameter.isResult ? 0 : 1;
     if (arguments.cArgs > inputs) return DISP_E_BADPARAMCOUNT;
 
     // The client's list runs backwards: named arguments first, the first by place last.
@@ -137,8 +137,8 @@ HRESULT Arguments::Take(const DISPPARAMS& arguments, UINT* wrongArgument) {
     return S_OK;
 }
 
-HRESULT Arguments::Convert(std::size_t index) {
-    const Parameter& parameter = member_.parameters[index];
+HRESULT CoercedArguments::Convert(std::size_t index) {
+    const Parameter& parameter = function_.parameters[index];
     Slot& slot = slots_[index];
     if (slot.source != nullptr) {
         VARIANT given;
@@ -172,7 +172,7 @@ HRESULT Arguments::Convert(std::size_t index) {
 }
 
 /// Objects of any kind come as IDispatch; Nothing and null are the empty reference.
-HRESULT Arguments::ConvertObject(const VARIANT& given, VARIANT& value) const {
+HRESULT CoercedArguments::ConvertObject(const VARIANT& given, VARIANT& value) const {
     value.pdispVal = nullptr;
     value.vt = VT_DISPATCH;
     if (given.vt == VT_NULL) return S_OK;
@@ -183,7 +183,7 @@ HRESULT Arguments::ConvertObject(const VARIANT& given, VARIANT& value) const {
     return FAILED(code) ? DISP_E_TYPEMISMATCH : S_OK;
 }
 
-HRESULT Arguments::StoreChange(Slot& slot, const Parameter& parameter) const {
+HRESULT CoercedArguments::StoreChange(Slot& slot, const Parameter& parameter) const {
     if (!parameter.byReference || slot.source == nullptr) return S_OK;
     const VARIANT& target = Followed(*slot.source);
     if ((target.vt & VT_BYREF) == 0 || IsSame(slot.value, slot.before, parameter.type)) return S_OK;
@@ -191,12 +191,12 @@ HRESULT Arguments::StoreChange(Slot& slot, const Parameter& parameter) const {
     return StoreAs(static_cast<VARTYPE>(target.vt & ~VT_BYREF), target.byref, slot.value, locale_);
 }
 
-HRESULT Arguments::GiveBack(VARIANT* result) {
+HRESULT CoercedArguments::WriteBack(VARIANT* result) {
     if (result != nullptr) VariantInit(result);
     HRESULT first = S_OK;
     for (std::size_t i = 0; i < slots_.size(); ++i) {
         Slot& slot = slots_[i];
-        const Parameter& parameter = member_.parameters[i];
+        const Parameter& parameter = function_.parameters[i];
         if (!parameter.isResult) {
             const HRESULT code = StoreChange(slot, parameter);
             if (SUCCEEDED(first)) first = code;

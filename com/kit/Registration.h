@@ -1,7 +1,7 @@
-// The DLL's entries in the registry: classes, ProgIDs, interfaces, type library.
+// The server's entries in the registry: classes, ProgIDs, interfaces, type library.
 #pragma once
 
-#include "com/orvo_tile/Automation.h"
+#include "platform/windows/system/Win32.h"
 
 namespace orvo::com {
 
