@@ -28,8 +28,8 @@ void Guard(Handler&& handler, Tell&& tell) {
     }
 }
 
-/// Answers a dialog that nobody sees: it is prepared as for showing, and whatever that comes to, the choice is
-/// made.
+/// Answers a dialog that nobody sees: it is prepared as for showing, and whatever that comes to, the choice
+/// is made.
 template <class Tell>
 void AnswerUnseen(IDialogEvents& events, Choice choice, Tell&& tell) {
     Guard([&] { events.Form_Activate(); }, tell);

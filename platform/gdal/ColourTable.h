@@ -1,4 +1,5 @@
-// Bringing colours down to a palette.
+// Bringing colours down to a palette. Ours, because the library's median cut takes bands of bytes as they lie
+// in a file: it would count what is transparent, and cannot see stretched cells.
 #pragma once
 
 #include <array>

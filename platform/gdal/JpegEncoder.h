@@ -1,4 +1,5 @@
-// Encoding JPEG.
+// Encoding JPEG. Ours, because the raster library would copy each tile into a dataset of its own first; the
+// codec with optimised tables is called straight on the pixels.
 #pragma once
 
 #include <span>

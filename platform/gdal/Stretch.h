@@ -1,4 +1,5 @@
-// How cells that no web format holds become 8 bits.
+// How cells that no web format holds become 8 bits. Ours, because the library's statistics read the raster
+// once per band and do not tell whether a single cell is without data.
 #pragma once
 
 #include "platform/gdal/BandPlan.h"

@@ -89,7 +89,8 @@ TEST(GeosWkb, CorruptBytesAreRefusedWithAReason) {
     };
     EXPECT_THAT(changed(0, 7), testing::HasSubstr("byte order"));
     EXPECT_THAT(changed(1, 99), testing::HasSubstr("WKB type"));
-    EXPECT_THAT(changed(8, 0x7f), testing::HasSubstr("smaller than requested"));   // two thousand million rings
+    EXPECT_THAT(changed(8, 0x7f),
+                testing::HasSubstr("smaller than requested"));  // two thousand million rings
     EXPECT_THAT(changed(12, 0xff), testing::HasSubstr("smaller than requested"));  // as many points
     EXPECT_THAT(changed(13, 1), testing::HasSubstr("closed"));
     auto infinite = polygon;
