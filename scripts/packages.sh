@@ -10,7 +10,7 @@ packages_of() {
         test) echo "$build $tools libgtest-dev libgmock-dev" ;;
         bench) echo "$build $tools libbenchmark-dev" ;;
         demo) echo "$build imagemagick ca-certificates" ;;
-        windows) echo "cmake ninja-build python3 python3-gdal wine wine64 g++-mingw-w64-x86-64-posix mingw-w64-tools" ;;
+        windows) echo "cmake ninja-build python3 python3-gdal googletest wine wine64 g++-mingw-w64-x86-64-posix mingw-w64-tools" ;;
         windows32) echo "cmake ninja-build wine64 g++-mingw-w64-i686-posix mingw-w64-tools" ;;
         lint) echo "$build clang-format clang-tidy" ;;
         *) echo "packages.sh: no such purpose: $1" >&2; return 2 ;;

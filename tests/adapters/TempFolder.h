@@ -1,13 +1,12 @@
 // A folder of its own for each test.
 #pragma once
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -17,9 +16,11 @@ class TempFolder {
   public:
     /// @param name of the innermost folder
     explicit TempFolder(const std::string& name = "work") {
-        std::string root = (std::filesystem::temp_directory_path() / "orvo-XXXXXX").string();
-        root_ = ::mkdtemp(root.data());
-        path_ = root_ / name;
+        std::random_device random;
+        do {
+            root_ = std::filesystem::temp_directory_path() / ("orvo-" + std::to_string(random()));
+        } while (!std::filesystem::create_directory(root_));
+        path_ = root_ / Utf8Path(name);
         std::filesystem::create_directories(path_);
     }
     ~TempFolder() {
@@ -29,11 +30,11 @@ class TempFolder {
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
-    std::string Path() const { return path_.string(); }
-    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+    std::string Path() const { return Text(path_); }
+    std::string operator/(const std::string& name) const { return Text(path_ / Utf8Path(name)); }
 
     std::string Put(const std::string& name, const std::string& content) const {
-        std::ofstream(path_ / name, std::ios::binary) << content;
+        std::ofstream(path_ / Utf8Path(name), std::ios::binary) << content;
         return *this / name;
     }
     /// An executable shell script; `"$1"` and so on are its arguments.
@@ -46,19 +47,29 @@ class TempFolder {
     std::vector<std::string> Names() const {
         std::vector<std::string> names;
         for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-            names.push_back(entry.path().filename().string());
+            names.push_back(Text(entry.path().filename()));
         }
         std::sort(names.begin(), names.end());
         return names;
     }
 
+    static std::filesystem::path Utf8Path(const std::string& text) {
+        return std::u8string(text.begin(), text.end());
+    }
+
   private:
+    /// With the system's own separators.
+    static std::string Text(const std::filesystem::path& path) {
+        const std::u8string text = path.u8string();
+        return {text.begin(), text.end()};
+    }
+
     std::filesystem::path root_;
     std::filesystem::path path_;
 };
 
 inline std::string ReadFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(TempFolder::Utf8Path(path), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 

@@ -1,10 +1,12 @@
 // The desktop where nobody looks at it: clipboard, printer, answers by policy.
+#include <gtest/gtest.h>
+
 #include "platform/windows/Platform.h"
 #include "platform/windows/desktop/Desktop.h"
 #include "platform/windows/system/WideText.h"
-#include "tests/windows/Checks.h"
+#include "tests/Failure.h"
 
-namespace orvo::checks {
+namespace orvo {
 namespace {
 
 class Dialog final : public IDialogEvents {
@@ -28,33 +30,31 @@ void CheckPolicy(windows::Desktop& desktop) {
         ::SetEnvironmentVariableW(windows::kOnErrorVariable, policy);
         Dialog dialog;
         desktop.ShowModal(dialog);
-        Equal(dialog.heard, heard);
-        Check(desktop.MessageBox("t", "", MessageIcon::Critical, MessageButtons::OK) == Answer::OK);
-        Check(desktop.MessageBox("t", "", MessageIcon::None, MessageButtons::YesNo) == Answer::No);
+        EXPECT_EQ(dialog.heard, heard);
+        EXPECT_EQ(desktop.MessageBox("t", "", MessageIcon::Critical, MessageButtons::OK), Answer::OK);
+        EXPECT_EQ(desktop.MessageBox("t", "", MessageIcon::None, MessageButtons::YesNo), Answer::No);
     }
     ::SetEnvironmentVariableW(windows::kOnErrorVariable, L"ask");
     Dialog unseen;  // there is no screen here
     desktop.ShowModal(unseen);
-    Equal(unseen.heard, "a2");
+    EXPECT_EQ(unseen.heard, "a2");
 }
 
 void CheckClipboard(windows::Desktop& desktop) {
     desktop.CopyToClipboard("Grüße\r\n\"€\"");
     ::OpenClipboard(nullptr);
     const HANDLE text = ::GetClipboardData(CF_UNICODETEXT);
-    Equal(windows::Utf8(static_cast<const wchar_t*>(::GlobalLock(text))), "Grüße\r\n\"€\"");
+    EXPECT_EQ(windows::Utf8(static_cast<const wchar_t*>(::GlobalLock(text))), "Grüße\r\n\"€\"");
     ::GlobalUnlock(text);
     ::CloseClipboard();
 }
 
-}  // namespace
-
-void CheckDesktop() {
+TEST(WindowsDesktop, ServesWhereNobodyLooks) {
     windows::Desktop desktop;
     CheckPolicy(desktop);
     CheckClipboard(desktop);
-    Fails(482, "default printer", [&] { desktop.Print({"line"}); });
-    Check(desktop.Screen().width >= 0);
+    EXPECT_EQ(NumberOf([&] { desktop.Print({"line"}); }), 482);
 }
 
-}  // namespace orvo::checks
+}  // namespace
+}  // namespace orvo

@@ -28,6 +28,7 @@ class ServerUse {
 template <class... Interfaces>
 class Counted : public Interfaces... {
   public:
+    virtual ~Counted() = default;
     Counted(const Counted&) = delete;
     Counted& operator=(const Counted&) = delete;
 
@@ -44,7 +45,6 @@ class Counted : public Interfaces... {
 
   protected:
     Counted() = default;
-    virtual ~Counted() = default;
 
   private:
     static constexpr LONG kEnding = 1 << 30;

@@ -1,0 +1,257 @@
+// A client that calls through the tables of functions, as a compiled host does.
+#include "Client.h"
+// clang-format off
+#include <psapi.h>
+// clang-format on
+
+#include <map>
+
+namespace {
+
+using Image = Ref<_clsTileImage>;
+using Grid = Ref<_clsTileVector>;
+
+const CLSID kImage = __uuidof(clsTileImage);
+const CLSID kGrid = __uuidof(clsTileVector);
+
+template <class Function>
+Function* Entry(const char* name) {
+    const HMODULE server = GetModuleHandleW(L"Orvo_Tile.dll");
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(server, name)));
+}
+
+bool MayUnload() {
+    return Entry<HRESULT STDAPICALLTYPE()>("DllCanUnloadNow")() == S_OK;
+}
+
+TEST(ByTable, FactoriesHoldTheServer) {
+    Ref<IClassFactory> factory;
+    ASSERT_EQ(CoGetClassObject(kImage, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
+                               reinterpret_cast<void**>(&factory)),
+              S_OK);
+    void* made = nullptr;
+    EXPECT_EQ(factory->CreateInstance(factory, IID_IUnknown, &made), CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(factory->CreateInstance(nullptr, IID_IStream, &made), E_NOINTERFACE);
+    EXPECT_EQ(made, nullptr);
+    const auto getClass = Entry<HRESULT STDAPICALLTYPE(REFCLSID, REFIID, void**)>("DllGetClassObject");
+    EXPECT_EQ(getClass(IID_IUnknown, IID_IUnknown, &made), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(getClass(kImage, IID_IStream, &made), E_NOINTERFACE);
+    EXPECT_FALSE(MayUnload());
+    factory->LockServer(TRUE);
+    Ref<IClassFactory> last = factory;
+    factory.Release();
+    last->LockServer(FALSE);
+    EXPECT_FALSE(MayUnload());
+    last.Release();
+    EXPECT_TRUE(MayUnload());
+}
+
+TEST(ByTable, AnObjectIsOneInAllItsInterfaces) {
+    const Image image(kImage);
+    const Ref<ISupportErrorInfo> errors = Ref<IDispatch>(image);
+    EXPECT_EQ(Ref<IUnknown>(errors).GetInterfacePtr(), Ref<IUnknown>(image).GetInterfacePtr());
+    EXPECT_EQ(errors->InterfaceSupportsErrorInfo(__uuidof(_clsTileImage)), S_OK);
+    EXPECT_EQ(errors->InterfaceSupportsErrorInfo(__uuidof(_clsTileVector)), S_FALSE);
+    void* other = nullptr;
+    EXPECT_EQ(image->QueryInterface(__uuidof(_clsTileVector), &other), E_NOINTERFACE);
+}
+
+/// The functions in the order of the table, which begins behind that of IDispatch.
+std::vector<ListedFunction> FunctionsOf(ITypeLib* library, REFIID id) {
+    constexpr std::size_t kBefore = 7;
+    Ref<ITypeInfo> info, table;
+    HREFTYPE reference = 0;
+    library->GetTypeInfoOfGuid(id, &info);
+    info->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference);
+    info->GetRefTypeInfo(reference, &table);
+    const std::map<int, const wchar_t*> kinds{{INVOKE_FUNC, L"call"},
+                                              {INVOKE_PROPERTYGET, L"get"},
+                                              {INVOKE_PROPERTYPUT, L"put"},
+                                              {INVOKE_PROPERTYPUTREF, L"putref"}};
+    std::vector<ListedFunction> functions;
+    FUNCDESC* function = nullptr;
+    while (table->GetFuncDesc(static_cast<UINT>(functions.size()), &function) == S_OK) {
+        const auto place = static_cast<SHORT>((kBefore + functions.size()) * sizeof(void*));
+        _bstr_t name;
+        UINT count = 0;
+        table->GetNames(function->memid, name.GetAddress(), 1, &count);
+        functions.push_back(
+            {function->oVft == place ? kinds.at(function->invkind) : L"misplaced", name.GetBSTR()});
+        table->ReleaseFuncDesc(function);
+    }
+    return functions;
+}
+
+TEST(ByTable, TheTypeLibraryIsRegisteredAndComplete) {
+    const Grid grid(kGrid);
+    Ref<ITypeInfo> info;
+    Ref<ITypeLib> library, registered;
+    UINT index = 0;
+    EXPECT_EQ(grid->GetTypeInfo(1, 0, &info), DISP_E_BADINDEX);
+    ASSERT_EQ(grid->GetTypeInfo(0, 0, &info), S_OK);
+    ASSERT_EQ(info->GetContainingTypeLib(&library, &index), S_OK);
+    EXPECT_EQ(library->GetTypeInfoCount(), 5U);  // three interfaces, two classes, no tile record
+    GUID id;
+    CLSIDFromString(L"{e5664ef7-d2bb-446c-b653-ad30c238d242}", &id);
+    EXPECT_EQ(LoadRegTypeLib(id, 1, 0, 0, &registered), S_OK);
+    for (const IID& each : {__uuidof(_clsTileImage), __uuidof(_clsTileVector)})
+        EXPECT_EQ(FunctionsOf(library, each), Listed(each));
+}
+
+/// A status display that answers nothing by name, and whose first three places must never be called.
+class StatusDisplay final : public HostBase<IStatusDisplay> {
+  public:
+    int starts = 0, steps = 0, ends = 0, others = 0;
+
+    STDMETHODIMP Reserved1() override { return ++others, E_NOTIMPL; }
+    STDMETHODIMP Reserved2() override { return ++others, E_NOTIMPL; }
+    STDMETHODIMP Reserved3() override { return ++others, E_NOTIMPL; }
+    STDMETHODIMP ShowMessage(BSTR) override { return ++others, E_NOTIMPL; }
+    STDMETHODIMP ShowProgress(BSTR text, LONG maxValue, VARIANT_BOOL step) override {
+        steps += step != VARIANT_FALSE ? 1 : 0;
+        starts += maxValue > 0 ? 1 : 0;
+        ends += SysStringLen(text) == 0 ? 1 : 0;
+        return S_OK;
+    }
+};
+
+TEST(ByTable, AJobRunsOnTheHostsObjectsAndLetsThemGo) {
+    wchar_t source[MAX_PATH];
+    GetFullPathNameW(L"source.bmp", MAX_PATH, source, nullptr);
+    _variant_t layer = NewRasterLayer(source);
+    StatusDisplay* status = new StatusDisplay;
+    const _variant_t holds(static_cast<IDispatch*>(status));
+    IStatusDisplay* display = status;
+    Ref<IDispatch> dictionary, again, workspace;
+    {
+        const Image image(kImage);
+        _bstr_t format(L"png"), path(TempFolder().c_str());
+        BSTR none = nullptr;
+        short quality = 75;
+        VARIANT_BOOL done = VARIANT_TRUE;
+        EXPECT_EQ(image->Tile(&done), S_OK);
+        EXPECT_EQ(done, VARIANT_FALSE) << "nothing bound";
+        for (const HRESULT code :
+             {image->put_GraphicFormat(&format.GetBSTR()), image->put_GraphicConvertProg(&none),
+              image->put_SavePath(&path.GetBSTR()), image->put_GraphicQuality(&quality),
+              image->putref_StatusObject(&display), image->putref_ClipEnvelope(nullptr),
+              image->ImageLayer(&layer.pdispVal, nullptr), image->put_TileWidth(2), image->put_TileHeight(4),
+              image->Tile(&done), image->get_TileObjectDict(&dictionary), image->get_TileObjectDict(&again),
+              image->GetWorkspace(&path.GetBSTR(), &workspace)})
+            EXPECT_EQ(code, S_OK);
+        EXPECT_EQ(done, VARIANT_TRUE);
+        EXPECT_TRUE(again == dictionary);
+        EXPECT_EQ(std::pair(status->references, References(layer)), std::pair(2UL, 2UL));
+        EXPECT_EQ(image->Tile(nullptr), E_POINTER);
+        EXPECT_TRUE(bool(workspace));
+    }
+    EXPECT_EQ(std::tuple(status->starts, status->ends, status->others), std::tuple(1, 1, 0));
+    EXPECT_GE(status->steps, 9);
+    EXPECT_EQ(std::pair(status->references, References(layer)), std::pair(1UL, 1UL));
+    again.Release();
+    EXPECT_TRUE(Get(dictionary, L"Count").Is(3L)) << "outlives the object that made it";
+}
+
+TEST(ByTable, TheGridHandsItsValuesOver) {
+    const Grid grid = NewGrid();
+    _variant_t half = NewEnvelope(500, 600), layer = Host({{L"AreaOfInterest", half}});
+    long count = 0, row = 1;
+    _bstr_t text;
+    Ref<IDispatch> tile, again, nothing;
+    Grid clone;
+    EXPECT_EQ(grid->get_TileCount(nullptr), E_POINTER);
+    EXPECT_EQ(grid->put_Id(_bstr_t(L"layer7")), S_OK);
+    EXPECT_EQ(grid->GetTileID(3, &row, text.GetAddress()), S_OK);
+    EXPECT_STREQ(text, L"grp2");
+    EXPECT_EQ(grid->GetTileTStream(2, 1, nullptr, text.GetAddress()), S_OK);
+    EXPECT_STREQ(text, L"layer7grp1");
+    EXPECT_EQ(grid->GetTileExtent(2, &row, &tile), S_OK);
+    EXPECT_EQ(grid->GetTileExtent(2, &row, &again), S_OK);
+    EXPECT_TRUE(again == tile);
+    EXPECT_TRUE(Get(tile, L"XMin").Is(250.0) && Get(tile, L"YMax").Is(200.0));
+
+    EXPECT_EQ(grid->Clone(&half.pdispVal, &clone), S_OK);
+    EXPECT_EQ(clone->get_TileCountX(&count), S_OK);
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(grid->Clone(nullptr, &clone), S_OK);
+    EXPECT_EQ(clone->putref_VectorLayer(&layer.pdispVal), S_OK);
+    EXPECT_EQ(clone->get_TileCount(&count), S_OK);
+    EXPECT_EQ(count, 6);
+    EXPECT_EQ(clone->put_TileCountY(5), S_OK);
+    EXPECT_EQ(clone->get_TileCountY(&count), S_OK);
+    EXPECT_EQ(count, 5);
+    EXPECT_EQ(clone->putref_StatusObject(nullptr), S_OK);
+
+    _variant_t point = NewPoint(600, 300, 500, 200);
+    VARIANT_BOOL inside = VARIANT_FALSE;
+    long x = -1, y = -1;
+    EXPECT_EQ(grid->IsInside(&x, &y, &point.pdispVal, &inside), S_OK);
+    EXPECT_EQ(std::tuple(inside, x, y), std::tuple(VARIANT_TRUE, 3, 2));
+    EXPECT_EQ(grid->Clip(3, 2, &point.pdispVal, &nothing), S_OK);
+    EXPECT_FALSE(bool(nothing));
+}
+
+/// The report names the captions in the language of the object that was made last.
+TEST(ByTable, ReportsAreInTheLanguageOfTheLastObject) {
+    for (const auto& [first, last, caption] : {std::tuple{L"de", L"en", "PROGRAM INFOS:"},
+                                               {L"en", L"fr", "INFORMATION PROGRAMME :"},
+                                               {L"fr", L"de", "PROGRAMM - INFOS:"}}) {
+        SetEnvironmentVariableW(L"ORVO_TILE_LANGUAGE", first);
+        const Image image(kImage);
+        SetEnvironmentVariableW(L"ORVO_TILE_LANGUAGE", last);
+        const Grid grid(kGrid);
+        const std::string report = Reported([&] {
+            image->put_TileWidth(
+                1);  // no layer: fails; the first report of a process is older than any window
+            image->put_TileWidth(1);
+        });
+        EXPECT_THAT(report, testing::HasSubstr(caption));
+    }
+    SetEnvironmentVariableW(L"ORVO_TILE_LANGUAGE", L"en");
+}
+
+SIZE_T PrivateBytes() {
+    PROCESS_MEMORY_COUNTERS counters{};
+    GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+    return counters.PagefileUsage;
+}
+
+TEST(ByTable, TenThousandLivesDoNotGrow) {
+    _variant_t extent = NewEnvelope(1000, 600);
+    const auto createAndRelease = [&](int times) {
+        for (int i = 0; i < times; ++i) {
+            const Image image(kImage);
+            const Grid grid(kGrid);
+            grid->putref_LayerExtent(&extent.pdispVal);
+            grid->InitializeTiles();
+        }
+    };
+    createAndRelease(500);
+    const SIZE_T before = PrivateBytes();
+    createAndRelease(10000);
+    EXPECT_GT(before, 0U);
+    EXPECT_LT(PrivateBytes(), before + (1U << 20U));
+    EXPECT_EQ(References(extent), 1U);
+}
+
+TEST(ByTable, TheServerIsUnloadedAndComesBack) {
+    ASSERT_TRUE(MayUnload());
+    {
+        const Image image(kImage);
+        EXPECT_FALSE(MayUnload());
+    }
+    CoFreeUnusedLibrariesEx(0, 0);
+    EXPECT_EQ(GetModuleHandleW(L"Orvo_Tile.dll"), nullptr);
+    EXPECT_TRUE(bool(Image(kImage)));
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    testing::InitGoogleTest(&count, arguments);
+    CoInitialize(nullptr);
+    const int code = RUN_ALL_TESTS();
+    const int held = HostObject::alive + StatusDisplay::alive;
+    if (held != 0) std::printf("%d objects of the host are still held\n", held);
+    return code + held;
+}

@@ -1,0 +1,62 @@
+// What every platform does: the same tests for the system's own platform and for the one in memory.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "platform/Platform.h"
+#include "tests/Failure.h"
+
+namespace orvo {
+
+/// A platform under test, in an outside world that the tests know.
+struct Subject {
+    platform::Platform services;
+    std::string folder;        ///< holds the source alone; no separator at its end
+    std::string source;        ///< an image of 40 × 30 cells
+    std::string format;        ///< how its dataset names it
+    std::string program;       ///< copies the file named first to the name given second
+    std::string registryKey;   ///< of the current user
+    std::string registryName;  ///< a text there: "/Grün"
+    /// The source as a layer: cells of 2 × 3 map units, the upper left corner at (1000, 5000).
+    std::function<std::shared_ptr<IRasterLayer>()> openSource;
+    std::function<std::string(const std::string&)> contentOf;
+    std::function<void(const std::string&)> makeReadOnly;
+    std::shared_ptr<void> world{};  ///< lives as long as the platform is tested
+};
+
+struct NamedSubject {
+    const char* name;
+    Subject (*make)();
+    friend void PrintTo(const NamedSubject& subject, std::ostream* out) { *out << subject.name; }
+};
+
+Subject MakeFakeSubject();
+/// The platform of the system that the tests run on. Its texts are French.
+NamedSubject SystemSubject();
+
+class Contract : public testing::TestWithParam<NamedSubject> {
+  protected:
+    Contract() { platform::Install(services); }
+    ~Contract() override { platform::Install({}); }
+
+    const Subject subject = GetParam().make();
+    const platform::Platform& services = subject.services;
+};
+
+inline std::string NameOf(const testing::TestParamInfo<NamedSubject>& info) {
+    return info.param.name;
+}
+
+// NOLINTNEXTLINE: GoogleTest's own way
+#define ORVO_CONTRACT(contract) \
+    INSTANTIATE_TEST_SUITE_P(   \
+        All, contract, testing::Values(SystemSubject(), NamedSubject{"Fake", MakeFakeSubject}), NameOf)
+
+}  // namespace orvo

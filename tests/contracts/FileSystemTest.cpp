@@ -1,0 +1,80 @@
+// The file-system object.
+#include "tests/contracts/Contract.h"
+
+namespace orvo {
+namespace {
+
+class FileSystemContract : public Contract {
+  protected:
+    const std::shared_ptr<IFileSystemObject> object = services.newFileSystemObject();
+    IFileSystemObject& files = *object;
+};
+
+ORVO_CONTRACT(FileSystemContract);
+
+TEST_P(FileSystemContract, SplitsNames) {
+    struct Case {
+        const char *path, *parent, *name, *base, *extension;
+        const char* notOn = "";  ///< Wine's object looks for "\\" alone in these
+    };
+    const Case cases[] = {
+        {"C:\\out\\i142507_1.png", "C:\\out", "i142507_1.png", "i142507_1", "png"},
+        {"/out/i142507_1.png", "/out", "i142507_1.png", "i142507_1", "png"},
+        {"a/b\\c.tar.gz", "a/b", "c.tar.gz", "c.tar", "gz"},
+        {"a\\b\\", "a", "b", "b", ""},
+        {"a\\b.c/", "a", "b.c", "b", "c", "Windows"},
+        {"/x", "/", "x", "x", "", "Windows"},
+        {"C:\\x", "C:\\", "x", "x", ""},
+        {"name", "", "name", "name", ""},
+        {"/h/.profile", "/h", ".profile", "", "profile"},
+        {"/h/ends.", "/h", "ends.", "ends", ""},
+        {"/some.folder/plain", "/some.folder", "plain", "plain", "", "Windows"},
+        {"/Tür zu/ä.TIF", "/Tür zu", "ä.TIF", "ä", "TIF"},
+        {"C:\\", "", "", "", ""},
+        {"/", "", "", "", ""},
+        {"\\", "", "", "", ""},
+        {"c:/", "", "", "", ""},
+        {"//", "", "", "", ""},
+        {"", "", "", "", ""},
+    };
+    for (const Case& c : cases) {
+        if (std::string_view(c.notOn) == GetParam().name) continue;
+        SCOPED_TRACE(c.path);
+        EXPECT_EQ(files.GetParentFolderName(c.path), c.parent);
+        EXPECT_EQ(files.GetFileName(c.path), c.name);
+        EXPECT_EQ(files.GetBaseName(c.path), c.base);
+        EXPECT_EQ(files.GetExtensionName(c.path), c.extension);
+    }
+}
+
+TEST_P(FileSystemContract, TakesBothSeparators) {
+    const std::string& folder = subject.folder;
+    services.textFiles->Append(folder + "/a b.png", "x");
+    for (const std::string separator : {"/", "\\"}) {
+        EXPECT_TRUE(files.FileExists(folder + separator + "a b.png"));
+        EXPECT_FALSE(files.FileExists(folder + separator + "a b.pn"));
+        EXPECT_TRUE(files.FolderExists(folder + separator));
+        EXPECT_FALSE(files.FolderExists(folder + separator + "a b.png"));
+    }
+    EXPECT_FALSE(files.FileExists(folder));
+    EXPECT_TRUE(files.FolderExists(folder));
+}
+
+TEST_P(FileSystemContract, DeletesWhatItMay) {
+    const std::string file = subject.folder + "\\a.tif", other = subject.folder + "\\b.tif";
+    const auto failure = [&](const std::string& path, bool force) {
+        return NumberOf([&] { files.DeleteFile(path, force); });
+    };
+    EXPECT_EQ(failure(file, true), 53);
+    services.textFiles->Append(file, "x");
+    services.textFiles->Append(other, "x");
+    subject.makeReadOnly(file);
+    EXPECT_EQ(failure(file, false), 70);
+    EXPECT_TRUE(files.FileExists(file));
+    EXPECT_EQ(failure(file, true), 0);
+    EXPECT_FALSE(files.FileExists(file));
+    EXPECT_TRUE(files.FileExists(other));
+}
+
+}  // namespace
+}  // namespace orvo

@@ -1,0 +1,152 @@
+// Automation objects as the component's interfaces, and the way back.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/windows/Platform.h"
+#include "platform/windows/automation/EnvelopeObject.h"
+#include "platform/windows/automation/HostObjects.h"
+#include "platform/windows/system/WideText.h"
+
+namespace orvo::windows {
+namespace {
+
+/// A host's object whose members are told by the test.
+class Host final : public ScriptObject {
+  public:
+    explicit Host(std::vector<Member> members) {
+        for (Member& member : members) Add(std::move(member));
+    }
+};
+
+Ref<IDispatch> NewHost(std::vector<Member> members) {
+    return Value::Adopt(new Host(std::move(members))).AsObject();
+}
+
+template <class T>
+Member Holding(const wchar_t* name, T value) {
+    return Property(name, [value] { return Value(value); });
+}
+
+Ref<IDispatch> ObjectOf(const std::shared_ptr<IEnvelope>& envelope) {
+    return Value::Adopt(DispatchOf(envelope)).AsObject();
+}
+
+/// Number and text of a failing call.
+template <class Call>
+std::string FailureOf(Call&& call) {
+    try {
+        call();
+    } catch (const RuntimeError& failure) {
+        return std::to_string(failure.Number()) + " " + failure.Description();
+    }
+    return {};
+}
+
+class HostObjects : public testing::Test {
+  protected:
+    ~HostObjects() override { EXPECT_EQ(ServerUse::Count(), before_); }
+
+  private:
+    const long before_ = ServerUse::Count();
+};
+
+TEST_F(HostObjects, KeepTheirIdentityOnTheWayBack) {
+    const auto platform = MakePlatform();
+    const auto e = platform.newEnvelope();
+    EXPECT_EQ(ObjectOf(e).Get(), ObjectOf(e).Get());
+    EXPECT_NE(ObjectOf(e).Get(), ObjectOf(e->Clone()).Get());
+    EXPECT_EQ(ObjectOf(EnvelopeOf(ObjectOf(e).Get())).Get(), ObjectOf(e).Get());
+    EXPECT_EQ(GeometryOf(ObjectOf(e).Get())->GeometryType(), GeometryType::Envelope);
+    EXPECT_EQ(EnvelopeOf(nullptr), nullptr);
+    EXPECT_EQ(DispatchOf(std::shared_ptr<IEnvelope>()), nullptr);
+    const auto tiles = platform.newDictionary();
+    tiles->Add("t", e);
+    EXPECT_EQ(ObjectOf(tiles->Item("t")).Get(), ObjectOf(e).Get());
+}
+
+TEST_F(HostObjects, FailWithTheirOwnNumberAndText) {
+    const auto bad =
+        NewHost({{L"XMin", [](const Arguments&) -> Value { throw RuntimeError(31000, "Kein Rand ☕"); }},
+                 Holding(L"XMax", std::string("twelve"))});
+    const auto envelope = EnvelopeOf(bad.Get());
+    EXPECT_EQ(FailureOf([&] { envelope->XMin(); }), "31000 Kein Rand ☕");
+    EXPECT_THAT(FailureOf([&] { envelope->YMin(); }), testing::ContainsRegex("^438 .*YMin"));
+    EXPECT_THAT(FailureOf([&] { envelope->XMax(1); }), testing::ContainsRegex("^438 .*XMax"));
+    EXPECT_THAT(FailureOf([&] { envelope->XMax(); }), testing::StartsWith("13 "));
+    EXPECT_THAT(FailureOf([] { Automation().Get(L"XMin"); }), testing::StartsWith("91 "));
+}
+
+TEST_F(HostObjects, AreAskedByName) {
+    int clips = 0;
+    const auto point = NewHost(
+        {Holding(L"X", 2.5),
+         Holding(L"Y", 4.0),
+         Holding(L"GeometryType", Long{1}),
+         Holding(L"IsEmpty", false),
+         {L"Clone", [](const Arguments&) { return Value::Adopt(new Host({})); }},
+         {L"Within", [](const Arguments& a) { return Value(!a.At(0).AsObject()); }},
+         {L"Clip", [&](const Arguments& a) { return Value(Long{clips += static_cast<int>(a.Count())}); }}});
+    const auto geometry = GeometryOf(point.Get());
+    EXPECT_EQ(As<IPoint>(geometry)->X(), 2.5);
+    EXPECT_EQ(geometry->GeometryType(), GeometryType::Point);
+    EXPECT_FALSE(geometry->IsEmpty());
+    const auto relation = As<IRelationalOperator>(geometry);
+    EXPECT_TRUE(relation->Within(nullptr));
+    EXPECT_FALSE(relation->Within(NewEnvelope()));
+    EXPECT_THAT(FailureOf([&] { relation->Overlaps(nullptr); }), testing::ContainsRegex("^438 .*Overlaps"));
+    As<ITopologicalOperator>(geometry)->Clip(NewEnvelope());
+    EXPECT_EQ(clips, 1);
+    EXPECT_NE(Value::Adopt(DispatchOf(As<IClone>(geometry)->Clone())).AsObject().Get(), point.Get());
+
+    const auto area = ObjectOf(NewEnvelope());
+    const auto raster = NewHost({Holding(L"Height", Long{6}), Holding(L"MeanCellSize", point.Get())});
+    const auto host = NewHost({Holding(L"FilePath", std::string("C:\\ä.png")),
+                               Holding(L"Raster", raster.Get()), Holding(L"AreaOfInterest", area.Get())});
+    const auto layer = RasterLayerOf(host.Get());
+    EXPECT_EQ(layer->FilePath(), "C:\\ä.png");
+    EXPECT_EQ(layer->Raster()->Height(), 6);
+    EXPECT_EQ(layer->Raster()->MeanCellSize().Y, 4.0);
+    EXPECT_FALSE(layer->IsInGeodatabase()) << "it does not know the question";
+    EXPECT_TRUE(LayerOf(host.Get())->AreaOfInterest()->IsEmpty());
+    EXPECT_EQ(Value::Adopt(DispatchOf(layer)).Raw().pdispVal, host.Get());
+}
+
+std::string shown;
+
+TEST_F(HostObjects, ShowStatusThroughTheirTableOrByName) {
+    // A bare table of functions: whoever calls a place that is not filled ends the program.
+    const auto ask = [](void* self, REFIID, void** object) -> HRESULT { return *object = self, S_OK; };
+    const auto count = [](void*) -> ULONG { return 1; };
+    const auto message = [](void*, BSTR) { return static_cast<HRESULT>(0x800A7918); };
+    const auto progress = [](void*, BSTR text, LONG most, VARIANT_BOOL step) -> HRESULT {
+        shown = Utf8(text) + std::to_string(most) + (step == VARIANT_TRUE ? "!" : ".");
+        return S_OK;
+    };
+    const auto place = [](auto lambda) { return reinterpret_cast<void*>(+lambda); };
+    const void* places[12]{place(ask), place(count), place(count)};
+    places[10] = place(message);
+    places[11] = place(progress);
+    const void* table = places;
+    const auto byTable = StatusDisplayOf(reinterpret_cast<IDispatch*>(&table), IID_IStream);
+    byTable->ShowProgress("Tiling ä", 18, true);
+    EXPECT_EQ(shown, "Tiling ä18!");
+    EXPECT_THAT(FailureOf([&] { byTable->ShowMessage("m"); }),
+                testing::ContainsRegex("^31000 .*ShowMessage"));
+
+    const auto named =
+        NewHost({{L"ShowMessage", [&](const Arguments& a) { return shown = a.At(0).AsText(), Value(); }}});
+    StatusDisplayOf(named.Get(), IID_IStream)->ShowMessage("by name");
+    EXPECT_EQ(shown, "by name");
+    EXPECT_EQ(StatusDisplayOf(nullptr, IID_IStream), nullptr);
+}
+
+TEST(WindowsLanguage, FollowsTheVariable) {
+    for (const auto& [name, offset] : {std::pair{L"de", 0}, {L"en", 10000}, {L"fr", 20000}}) {
+        ::SetEnvironmentVariableW(kLanguageVariable, name);
+        EXPECT_EQ(MakePlatform().newUtilTools()->GetLanguageOffset(), offset);
+    }
+    ::SetEnvironmentVariableW(kLanguageVariable, nullptr);
+}
+
+}  // namespace
+}  // namespace orvo::windows
