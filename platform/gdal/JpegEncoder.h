@@ -1,5 +1,5 @@
-// Encoding JPEG. Ours, because the raster library would copy each tile into a dataset of its own first; the
-// codec with optimised tables is called straight on the pixels.
+// Encoding JPEG. Our own since it hands pixels to the codec as they are, with optimised Huffman tables and
+// without a dataset of the raster library in between.
 #pragma once
 
 #include <span>

@@ -1,5 +1,6 @@
-// How cells that no web format holds become 8 bits. Ours, because the library's statistics read the raster
-// once per band and do not tell whether a single cell is without data.
+// How cells that no web format holds become 8 bits. Our own measure since the raster library's statistics let
+// one infinite cell blacken all tiles, do not say exactly whether cells lack data, and decode a file of
+// interleaved bands once for each.
 #pragma once
 
 #include "platform/gdal/BandPlan.h"
