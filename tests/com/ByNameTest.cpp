@@ -101,7 +101,7 @@ TEST(ByName, NumbersAreWrittenBack) {
     EXPECT_EQ(number, 3);
     EXPECT_TRUE(inside(To(VT_VARIANT, &same), 2, point));
     EXPECT_EQ(same, _variant_t(L"3")) << "a number that is not changed leaves the variable's type alone";
-    EXPECT_EQ(References(point), 1U);
+    EXPECT_EQ(References(point.pdispVal), 1U);
     SysFreeString(text);
 }
 
@@ -125,8 +125,11 @@ TEST(ByName, AFailingCallTellsNumberTextAndSource) {
 TEST(ByName, AFailingStatusObjectDoesNotEndTheJob) {
     const Ref<IDispatch> image(L"Orvo_Tile.clsTileImage");
     int shown = 0;
-    const auto fail = [&](VARIANT*, VARIANT*) { return ++shown, static_cast<HRESULT>(0x800A03E9); };  // 1001
-    const _variant_t sink = Host({{L"ShowProgress", {}, fail}});
+    const _variant_t sink =
+        Host({{L"ShowProgress", [&](const orvo::windows::Arguments&) -> orvo::windows::Value {
+                   ++shown;
+                   throw orvo::RuntimeError(1001, "the display is gone");
+               }}});
     const _variant_t layer = NewRasterLayer(L"C:\\windows\\win.ini");
     Put(image, L"StatusObject", sink, DISPATCH_PROPERTYPUTREF);
     Put(image, L"SavePath", TempFolder().c_str());
@@ -145,7 +148,7 @@ TEST(ByName, AFailingStatusObjectDoesNotEndTheJob) {
     }
     Put(image, L"StatusObject", static_cast<IDispatch*>(nullptr), DISPATCH_PROPERTYPUTREF);
     Call(image, L"ImageLayer", {static_cast<IDispatch*>(nullptr)});
-    EXPECT_EQ(std::pair(References(sink), References(layer)), std::pair(1UL, 1UL));
+    EXPECT_EQ(std::pair(References(sink.pdispVal), References(layer.pdispVal)), std::pair(1UL, 1UL));
 }
 
 }  // namespace

@@ -17,6 +17,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/windows/automation/ScriptObject.h"
+
 template <class Interface>
 const IID& IdOfInterface() {
     return __uuidof(Interface);
@@ -66,76 +68,25 @@ inline HRESULT Put(IDispatch* object, const wchar_t* name, const _variant_t& val
     return Invoke(object, kind, name, {value}, {DISPID_PROPERTYPUT}).code;
 }
 
-/// Counts references; answers for one interface, and nothing by name.
-template <class Interface>
-class HostBase : public Interface {
-  public:
-    static inline int alive = 0;
-    ULONG references = 0;
-
-    HostBase() { ++alive; }
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-        const bool known = id == IID_IUnknown || id == IID_IDispatch || id == __uuidof(Interface);
-        *object = known ? static_cast<Interface*>(this) : nullptr;
-        if (!known) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
-    STDMETHODIMP_(ULONG) Release() override {
-        const ULONG left = --references;
-        if (left == 0) delete this;
-        return left;
-    }
-    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
-    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-        return E_NOTIMPL;
-    }
-
-  protected:
-    virtual ~HostBase() { --alive; }
-};
-
-/// A member of a host's object: a value that may be put, or a method.
-struct HostMember {
-    std::wstring name;
-    _variant_t value;
-    std::function<HRESULT(VARIANT* arguments, VARIANT* result)> method = nullptr;
-};
-
-class HostObject final : public HostBase<IDispatch> {
-  public:
-    explicit HostObject(std::vector<HostMember> members) : members_(std::move(members)) {}
-
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) override {
-        const auto found = std::ranges::find(members_, *names, &HostMember::name);
-        *ids = static_cast<DISPID>(found - members_.begin());
-        return found == members_.end() ? DISP_E_UNKNOWNNAME : S_OK;
-    }
-    STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* given, VARIANT* result, EXCEPINFO*,
-                        UINT*) override {
-        HostMember& member = members_[id];
-        if (member.method) return member.method(given->rgvarg, result);
-        const bool put = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
-        return put ? VariantCopy(&member.value, given->rgvarg) : VariantCopy(result, &member.value);
-    }
-
-  private:
-    std::vector<HostMember> members_;
-};
-
-/// A value that holds a new object with those members.
-inline _variant_t Host(std::vector<HostMember> members) {
-    return static_cast<IDispatch*>(new HostObject(std::move(members)));
+/// An object of the host with those members.
+inline _variant_t Host(std::vector<orvo::windows::Member> members) {
+    struct Object final : orvo::windows::ScriptObject {
+        explicit Object(std::vector<orvo::windows::Member> own) {
+            for (auto& member : own) Add(std::move(member));
+        }
+    };
+    return {new Object(std::move(members)), false};
 }
-inline ULONG References(const _variant_t& object) {
-    return static_cast<HostObject*>(object.pdispVal)->references;
+inline orvo::windows::Member Holding(const wchar_t* name, const _variant_t& given) {
+    return orvo::windows::Property(name, [value = orvo::windows::Value::Copy(given)] { return value; });
+}
+inline ULONG References(IUnknown* object) {
+    object->AddRef();
+    return object->Release();
 }
 
 inline _variant_t NewEnvelope(double width, double height) {
-    std::vector<HostMember> members{{L"IsEmpty", false}};
+    std::vector<orvo::windows::Member> members{Holding(L"IsEmpty", false)};
     for (const auto& [name, value] : {std::pair{L"XMin", 0.0},
                                       {L"YMin", 0.0},
                                       {L"XMax", width},
@@ -143,17 +94,18 @@ inline _variant_t NewEnvelope(double width, double height) {
                                       {L"Width", width},
                                       {L"Height", height},
                                       {L"Depth", 0.0}})
-        members.push_back({name, value});
+        members.push_back(Holding(name, value));
     return Host(std::move(members));
 }
 
 /// A raster of 6 × 4 cells of 1 with its lower left corner at (0, 0).
-inline _variant_t NewRasterLayer(const wchar_t* path) {
-    const _variant_t raster = Host({{L"Width", 6},
-                                    {L"Height", 4},
-                                    {L"MeanCellSize", Host({{L"X", 1.0}, {L"Y", 1.0}})},
-                                    {L"RasterDataset", Host({{L"FormatName", L"BMP"}})}});
-    return Host({{L"FilePath", path}, {L"Raster", raster}, {L"Extent", NewEnvelope(6, 4)}});
+inline _variant_t NewRasterLayer(const std::wstring& path) {
+    const _variant_t size = Host({Holding(L"X", 1.0), Holding(L"Y", 1.0)});
+    const _variant_t dataset = Host({Holding(L"FormatName", L"BMP")});
+    const _variant_t raster = Host({Holding(L"Width", 6), Holding(L"Height", 4),
+                                    Holding(L"MeanCellSize", size), Holding(L"RasterDataset", dataset)});
+    return Host({Holding(L"FilePath", path.c_str()), Holding(L"Raster", raster),
+                 Holding(L"Extent", NewEnvelope(6, 4))});
 }
 
 /// A grid over an envelope of 1000 × 600: four columns and three rows of 250 × 200, heights set.
@@ -170,13 +122,11 @@ inline Ref<IDispatch> NewGrid() {
 
 /// A point that lies in the tile with that lower left corner alone.
 inline _variant_t NewPoint(double x, double y, double tileX, double tileY) {
-    const auto within = [=](VARIANT* arguments, VARIANT* result) {
-        IDispatch* tile = arguments[0].pdispVal;
-        const bool holds = Get(tile, L"XMin").Is(tileX) && Get(tile, L"YMin").Is(tileY);
-        *result = _variant_t(holds).Detach();
-        return S_OK;
+    const auto within = [=](const orvo::windows::Arguments& arguments) {
+        IDispatch* tile = arguments.At(0).Raw().pdispVal;
+        return orvo::windows::Value(Get(tile, L"XMin").Is(tileX) && Get(tile, L"YMin").Is(tileY));
     };
-    return Host({{L"GeometryType", 1}, {L"X", x}, {L"Y", y}, {L"Within", {}, within}});
+    return Host({Holding(L"GeometryType", 1), Holding(L"X", x), Holding(L"Y", y), {L"Within", within}});
 }
 
 inline std::wstring TempFolder() {

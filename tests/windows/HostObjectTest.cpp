@@ -111,35 +111,6 @@ TEST_F(HostObjects, AreAskedByName) {
     EXPECT_EQ(Value::Adopt(DispatchOf(layer)).Raw().pdispVal, host.Get());
 }
 
-std::string shown;
-
-TEST_F(HostObjects, ShowStatusThroughTheirTableOrByName) {
-    // A bare table of functions: whoever calls a place that is not filled ends the program.
-    const auto ask = [](void* self, REFIID, void** object) -> HRESULT { return *object = self, S_OK; };
-    const auto count = [](void*) -> ULONG { return 1; };
-    const auto message = [](void*, BSTR) { return static_cast<HRESULT>(0x800A7918); };
-    const auto progress = [](void*, BSTR text, LONG most, VARIANT_BOOL step) -> HRESULT {
-        shown = Utf8(text) + std::to_string(most) + (step == VARIANT_TRUE ? "!" : ".");
-        return S_OK;
-    };
-    const auto place = [](auto lambda) { return reinterpret_cast<void*>(+lambda); };
-    const void* places[12]{place(ask), place(count), place(count)};
-    places[10] = place(message);
-    places[11] = place(progress);
-    const void* table = places;
-    const auto byTable = StatusDisplayOf(reinterpret_cast<IDispatch*>(&table), IID_IStream);
-    byTable->ShowProgress("Tiling ä", 18, true);
-    EXPECT_EQ(shown, "Tiling ä18!");
-    EXPECT_THAT(FailureOf([&] { byTable->ShowMessage("m"); }),
-                testing::ContainsRegex("^31000 .*ShowMessage"));
-
-    const auto named =
-        NewHost({{L"ShowMessage", [&](const Arguments& a) { return shown = a.At(0).AsText(), Value(); }}});
-    StatusDisplayOf(named.Get(), IID_IStream)->ShowMessage("by name");
-    EXPECT_EQ(shown, "by name");
-    EXPECT_EQ(StatusDisplayOf(nullptr, IID_IStream), nullptr);
-}
-
 TEST(WindowsLanguage, FollowsTheVariable) {
     for (const auto& [name, offset] : {std::pair{L"de", 0}, {L"en", 10000}, {L"fr", 20000}}) {
         ::SetEnvironmentVariableW(kLanguageVariable, name);
