@@ -181,23 +181,6 @@ TEST_F(ConsoleDesktopTest, PrintsThroughTheSystemsCommandOrSaysWhatToDo) {
     }
 }
 
-TEST_F(ConsoleDesktopTest, SavesAfterAskingAndShowsFailures) {
-    const std::string path = "C:\\Temp\\Orvo_Tile.ERR";
-    std::string& saved = world->files[path];
-    saved = "old";
-    Answered({"5", "perhaps", "n", "3"});
-    EXPECT_THAT(Shown(), HasSubstr("program: '" + path + "' exists, overwrite file ?\n[y/n] > [y/n] > "));
-    Answered({"5"});  // the input ends at the question
-    EXPECT_EQ(saved, "old");
-    LangOffset() = 0;
-    Answered({"S", "Ja", "3"});
-    EXPECT_THAT(Shown(), HasSubstr("[j/n] > "));
-    EXPECT_THAT(saved, HasSubstr("Probe"));
-    world->lockedFiles.insert(path);
-    EXPECT_EQ(Answered({"s", "j", "2"}), 1);
-    EXPECT_THAT(Shown(), HasSubstr("program: 70 (Permission denied: " + path + ")\n"));
-}
-
 TEST_F(ConsoleDesktopTest, MailAndWebTakeTheClipboardAndTheUsersProgram) {
     const std::string mail = "mailto:support@example.com";
     const std::string web = "https://www.example.com/support/en";

@@ -7,7 +7,6 @@
 
 #include <csignal>
 
-#include "platform/fake/World.h"
 #include "platform/posix/OperatingSystem.h"
 #include "platform/posix/ProcessRunner.h"
 #include "platform/posix/TextFiles.h"
@@ -26,34 +25,6 @@ class PosixReport : public testing::Test {
     TempFolder folder;
     posix::TextFiles files;
 };
-
-/// What all text files do; "locked" cannot be written.
-/// @param content of a file of the folder
-void ExpectTextFiles(ITextFiles& files, const std::string& folder,
-                     const std::function<std::string(const std::string&)>& content) {
-    const std::string log = folder + "\\log";
-    EXPECT_FALSE(files.Exists(log));
-    files.Append(log, "one\r\n");
-    files.Append(folder + "/log", std::string("t\0o", 3));
-    EXPECT_TRUE(files.Exists(log));
-    EXPECT_EQ(content("log"), std::string("one\r\nt\0o", 8));
-    files.Replace(log, "new");
-    EXPECT_EQ(content("log"), "new");
-    for (const auto write : {&ITextFiles::Append, &ITextFiles::Replace}) {
-        EXPECT_EQ(NumberOf([&] { (files.*write)(folder + "\\none\\log", "x"); }), 76);
-        EXPECT_EQ(NumberOf([&] { (files.*write)(folder + "\\locked", "x"); }), 70);
-    }
-}
-
-TEST_F(PosixReport, FilesOnDiskAndInMemoryDoTheSame) {
-    fs::create_directory(folder / "locked");
-    ExpectTextFiles(files, folder.Path(), [&](const std::string& name) { return ReadFile(folder / name); });
-    EXPECT_THAT(folder.Names(), ElementsAre("locked", "log")) << "no pieces";
-    const auto world = fake::World::Make();
-    world->lockedFiles.insert("C:\\Temp\\locked");
-    ExpectTextFiles(*world->MakePlatform().textFiles, "C:\\Temp",
-                    [&](const std::string& name) { return world->files["C:\\Temp\\" + name]; });
-}
 
 TEST_F(PosixReport, FollowsNoLinksAndWaitsForNoReader) {
     const std::string other = folder.Put("other", "of somebody");

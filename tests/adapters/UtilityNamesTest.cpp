@@ -39,24 +39,6 @@ int InOtherProcess(const std::function<int()>& check) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-TEST(UtilityNames, JoinsWithTheFoldersKindOfSeparator) {
-    const TempFolder folder("a b");
-    const auto before = std::filesystem::current_path();
-    std::filesystem::current_path(folder.Path());
-    std::filesystem::create_directories("x/y");
-    const std::pair<const char*, const char*> cases[] = {{"", "i_1"},
-                                                         {"x\\y", "x\\y\\i_1"},
-                                                         {"x/y", "x/y/i_1"},
-                                                         {".\\x\\", ".\\x\\i_1"},
-                                                         {"./x\\y", "./x\\y/i_1"}};
-    for (const auto& [path, expected] : cases) {
-        UtilTools tools(std::make_shared<SharedState>(), {});
-        EXPECT_EQ(tools.GetFreeFileName(path, "i", {"png"}), expected);
-    }
-    EXPECT_TRUE(std::filesystem::is_empty("x/y"));
-    std::filesystem::current_path(before);
-}
-
 TEST(UtilityNames, HoldsANameUntilItsFileStandsOrItsObjectEnds) {
     const TempFolder folder;
     const auto state = std::make_shared<SharedState>();

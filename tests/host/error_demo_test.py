@@ -96,14 +96,6 @@ class ErrorDemoTest(HostTest):
             self.assertIn("Error description:\t11 (Division by zero", text)
         self.assertIn("          Modul:\tErrorDemo \n", self.read("printed"))
 
-    def test_a_terminal_without_printer_clipboard_and_browser(self):
-        answer, shown = self.session((PROMPT, "p\n"), (PROMPT, "6\n"), (PROMPT, "\x04"), TERM="dumb")
-        self.assertEqual(answer["answer"], "leave")
-        for text in ("482 (Printer error: there is no lp or lpr; install cups-client",
-                     "The report stands last in " + self.path("Orvo_Tile.EPT"),
-                     "open this address yourself: mailto:support@example.com"):
-            self.assertIn(text, shown)
-
     def test_a_log_that_cannot_be_written_hides_nothing(self):
         cannot = "The error report cannot be logged. Path not found: /no/folder/Orvo_Tile.EPT"
         done = self.run_tile("error-demo", environment={"TEMP": "/no/folder"})
@@ -121,12 +113,6 @@ class ErrorDemoTest(HostTest):
         self.assertIn(cannot, done.stderr)
         self.assertIn(cannot, json.dumps(summary["failures"]))
 
-    def test_usage(self):
-        for arguments, text in ((["--dialog", "window"], "--dialog window: "), (["--dialog", "x"], "auto, window or terminal"),
-                                (["--on-error", "x"], "ask, next or leave"), (["--language", "x"], "de, en or fr")):
-            done = self.run_tile("error-demo", *arguments)
-            self.assertEqual((done.returncode, done.stdout), (2, ""))
-            self.assertIn(text, done.stderr)
 
 
 if __name__ == "__main__":

@@ -1,18 +1,15 @@
 """Runs of the real orvo-tile: exit code, standard output, standard error, and what stands on the disk."""
 
 import copy
-import fcntl
 import glob
 import hashlib
 import json
 import os
-import pty
 import resource
 import shutil
 import signal
 import subprocess
 import sys
-import termios
 import time
 import unittest
 
@@ -185,12 +182,6 @@ class TilesTest(RasterTest):
         self.assertGreater(len({gdal.Open(self.path("out", n)).RasterCount for n in self.index_of(summary)}), 1)
         self.assertEqual(pixels(summary["vrt"]), pixels(source))
 
-    def test_whole_axes(self):
-        write_raster(self.path("map.png"), 21, 10)
-        summary = self.cut("map.png", "row", "--tile-width", -1, "--tile-height", 2, "-q")
-        self.assertEqual(sorted(e for _, _, e in self.index_of(summary).values()),
-                         [(0, 21, y, y + 2) for y in range(0, 10, 2)])
-
     def test_tile_formats(self):
         cases = [  # source, bands, arguments, extension of the tiles, word of a notice
             ("map.png", 3, ["--format", ".JPEG"], "jpg", None),
@@ -339,12 +330,6 @@ class UsageTest(RasterTest):
                 ("map.png", "/proc/deep/er", 2, ["/proc"])]:
             self.refuse(source, folder, ["--tile-size", "5"], code, words)
 
-    def test_help_and_version(self):
-        done = self.run_tile("--help")
-        self.assertEqual((done.returncode, done.stderr), (0, ""))
-        self.assertIn("--tile-size", done.stdout)
-        version = subprocess.run([ORVO_TILE, "--version"], capture_output=True, text=True)
-        self.assertRegex(version.stdout, r"^orvo-tile \d+\.\d+\.\d+\n$")
 
 
 class FolderTest(RasterTest):
@@ -532,29 +517,6 @@ class FaultsTest(RasterTest):
                 self.assertEqual(summary["tiles"]["written"], 0)
                 self.assertIsNone(summary["index"])
 
-    def test_failures_at_a_terminal(self):
-        for answer in ("x\n3\n", "\x04"):  # nonsense first; the end of input
-            with self.subTest(answer):
-                master, slave = pty.openpty()
-                process = subprocess.Popen(
-                    [ORVO_TILE, "raster", *self.vanishing("ask"), "--progress", "none"], cwd=self.folder, stdin=slave,
-                    stdout=subprocess.PIPE, stderr=slave, start_new_session=True,
-                    preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
-                os.close(slave)
-                os.write(master, answer.encode())
-                summary = json.loads(process.communicate(timeout=30)[0])
-                shown = ""
-                try:
-                    while chunk := os.read(master, 4096):
-                        shown += chunk.decode()
-                except OSError:
-                    pass  # the other end is closed
-                os.close(master)
-                self.assertEqual(process.returncode, 1, shown)
-                for text in ("WARNING! an error has occured", "76 (Path not found", "clsTileImage",
-                             "Public Function Tile() As Boolean", "[R]edo Command", "3  Exit Procedure"):
-                    self.assertIn(text, shown)
-                self.assertEqual(summary["tiles"]["not_reached"] + summary["tiles"]["failed"], 4)
 
 
 if __name__ == "__main__":

@@ -344,17 +344,6 @@ class UsageTest(VectorTest):
         self.assertEqual(done.returncode, 2)
         self.assertIn("--overwrite", done.stderr)
 
-    def test_preview_stands_alone(self):
-        source = write_layer(self.path("map.gpkg"), blobs(1, 300), name="a <b> & </script> c")
-        summary = self.cut(source, "out", "--columns", 5, "--rows", 5, "--preview", "-q")
-        with open(summary["preview"]) as file:
-            page = file.read()
-        title, whole, *tiles = self.data_of(page)
-        self.assertEqual(title, "a <b> & </script> c")
-        self.assertEqual({tile["name"] for tile in tiles}, set(self.index_of(summary)))
-        self.assertEqual(len(whole["shapes"]), 300)
-        for network in ("http:", "https:", "//cdn", "@import", "src=\"", "href=\""):
-            self.assertNotIn(network, page)
 
 
 class FaultsTest(VectorTest):

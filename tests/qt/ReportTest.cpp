@@ -25,21 +25,6 @@ class ReportTest : public WindowTest {
     std::string& saved = world->files["C:\\Temp\\Orvo_Tile.ERR"] = "old";
 };
 
-TEST_F(ReportTest, SaveAsksBeforeItReplaces) {
-    boxButton = 1;
-    Use("cmdProtocol(1)");
-    ASSERT_EQ(boxes.size(), 1U);
-    EXPECT_EQ(boxes[0].title, "Orvo_Tile");
-    EXPECT_THAT(boxes[0].buttons, ElementsAre("&Ja", "&Nein"));
-    EXPECT_EQ(saved, "old");
-
-    boxButton = 0;
-    Use("cmdProtocol(1)");
-    ASSERT_EQ(boxes.size(), 2U);
-    EXPECT_THAT(boxes[1].buttons, ElementsAre("OK"));
-    EXPECT_THAT(saved, HasSubstr("\t61 (Disk full: R & D)\r\n"));
-}
-
 TEST_F(ReportTest, MailAndWebGoThroughTheClipboard) {
     LangOffset() = 10000;
     Use("cmdProtocol(2)");
