@@ -93,7 +93,7 @@ void Ferrow::ArrangeFrames() {
 }
 
 void Ferrow::ShowModal() {
-    if (form_.self.visible) throw RuntimeError(400, "Form already displayed; can't show modally");
+    if (form_.self.visible) throw RuntimeError(Fault::FormAlreadyDisplayed);
     bool& visible = form_.self.visible;
     visible = true;
     try {

@@ -1,10 +1,9 @@
 #include "errorreport/Procedure.h"
 
 #include <limits>
-#include <new>
 #include <string>
 
-#include "platform/RuntimeError.h"
+#include "platform/FailureInFlight.h"
 
 namespace orvo {
 namespace {
@@ -22,18 +21,8 @@ Failure& FailureSlot() {
 
 /// The failure that is being handled, as number and text.
 Failure Describe(int line) {
-    const auto automation = static_cast<Long>(Fault::AutomationError);
-    try {
-        throw;
-    } catch (const RuntimeError& error) {
-        return {error.Number(), error.Description(), line};
-    } catch (const std::bad_alloc&) {
-        return {static_cast<Long>(Fault::OutOfMemory), FaultText(Fault::OutOfMemory), line};
-    } catch (const std::exception& error) {
-        return {automation, error.what(), line};
-    } catch (...) {
-        return {automation, FaultText(Fault::AutomationError), line};
-    }
+    const RuntimeError failure = FailureInFlight();
+    return {failure.Number(), failure.Description(), line};
 }
 
 /// Holds the current failure while its handler runs.

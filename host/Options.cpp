@@ -106,9 +106,9 @@ void AddDialogOptions(CLI::App& command, SessionOptions& options) {
                          {"en", Language::English},
                          {"fr", Language::French}},
                         "Language of messages: de, en or fr (default: the locale's)");
-    AddChoice<console::Policy>(
+    AddChoice<dialog::Policy>(
         command, "--on-error", options.policy,
-        {{"ask", console::Policy::Ask}, {"next", console::Policy::Next}, {"leave", console::Policy::Leave}},
+        {{"ask", dialog::Policy::Ask}, {"next", dialog::Policy::Next}, {"leave", dialog::Policy::Leave}},
         "How a failing step goes on: ask, next statement, or leave the procedure; ask without anybody to "
         "answer leaves");
     AddChoice<DialogPlace>(

@@ -30,7 +30,7 @@ CLI::Option* AddValue(CLI::App& command, const std::string& name, Value& value, 
         description);
 }
 
-/// An option that takes one of some words. @param words the default first
+/// An option that takes one of some words. @param words the default first; an empty one is not named to users
 template <class Value>
 CLI::Option* AddChoice(CLI::App& command, const std::string& name, Value& value,
                        std::vector<std::pair<std::string, Value>> words, const std::string& description) {
@@ -40,7 +40,7 @@ CLI::Option* AddChoice(CLI::App& command, const std::string& name, Value& value,
         std::string known;
         for (std::size_t i = 0; i < words.size(); ++i) {
             if (words[i].first == text) return words[i].second;
-            known += (i == 0 ? "" : i + 1 == words.size() ? " or " : ", ") + words[i].first;
+            known += (known.empty() ? "" : i + 1 == words.size() ? " or " : ", ") + words[i].first;
         }
         throw tiling::UsageError("is not known; choose " + known);
     };

@@ -40,7 +40,7 @@ Language LanguageOfLocale() {
     return Language::English;
 }
 
-std::shared_ptr<IDesktop> TerminalDesktop(console::Policy policy) {
+std::shared_ptr<IDesktop> TerminalDesktop(dialog::Policy policy) {
     console::DesktopOptions shown = console::TerminalOptions(std::make_shared<posix::ProcessRunner>());
     shown.policy = policy;
     shown.program = kProgram;
@@ -60,7 +60,7 @@ WindowOptions WindowSettings() {
 /// Where failures are shown. A policy needs no window; a window that is not demanded is opened when something
 /// is to be shown, and replaced by the terminal where that is not possible.
 std::shared_ptr<IDesktop> ChooseDesktop(const SessionOptions& options) {
-    const bool ask = options.policy == console::Policy::Ask;
+    const bool ask = options.policy == dialog::Policy::Ask;
     if (ask && options.place == DialogPlace::Window) {
         std::string whyNot;
         if (auto window = linux_platform::LoadWindowDesktop(WindowSettings(), whyNot)) return window;

@@ -23,7 +23,7 @@ enum class DialogPlace { Auto, Window, Terminal };
 
 struct SessionOptions {
     Language language = Language::Locale;
-    console::Policy policy = console::Policy::Ask;
+    dialog::Policy policy = dialog::Policy::Ask;
     DialogPlace place = DialogPlace::Auto;
     ProgressMode progress = ProgressMode::None;
     bool quiet = false;

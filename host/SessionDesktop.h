@@ -22,9 +22,9 @@ class SessionDesktop final : public dialog::ForwardingDesktop {
         makeRoom_();
         return ForwardingDesktop::MessageBox(WithSystemPaths(text), title, icon, buttons);
     }
-    void ShowModal(IDialogEvents& dialog) override {
+    void ShowModal(IDialogEvents& events) override {
         makeRoom_();
-        ForwardingDesktop::ShowModal(dialog);
+        ForwardingDesktop::ShowModal(events);
     }
 
   private:

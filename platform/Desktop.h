@@ -44,7 +44,7 @@ class IDesktop {
                                      MessageButtons buttons) = 0;
     /// Shows the dialog, and returns once a handler has made its form invisible or the user has closed the
     /// window otherwise. A handler's failure is shown to the user as a message and ends that handler alone.
-    virtual void ShowModal(IDialogEvents& dialog) = 0;
+    virtual void ShowModal(IDialogEvents& events) = 0;
     virtual void Beep() = 0;
     /// Sets the pointer back to its default shape.
     virtual void ResetPointer() = 0;

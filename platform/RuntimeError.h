@@ -27,10 +27,13 @@ enum class Fault : Long {
     ObjectNotSet = 91,
     ForLoopNotInitialized = 92,
     ResourceNotFound = 326,
+    FormAlreadyDisplayed = 400,
     CannotCreateObject = 429,
     PropertyNotSupported = 438,
     AutomationError = 440,
     DuplicateKey = 457,
+    PrinterError = 482,
+    CannotOpenClipboard = 521,
 };
 
 /// The usual English text of a runtime failure, without a full stop.
@@ -68,6 +71,8 @@ inline const char* FaultText(Fault fault) {
             return "For loop not initialized";
         case Fault::ResourceNotFound:
             return "Resource not found";
+        case Fault::FormAlreadyDisplayed:
+            return "Form already displayed; can't show modally";
         case Fault::CannotCreateObject:
             return "ActiveX component can't create object";
         case Fault::PropertyNotSupported:
@@ -76,6 +81,10 @@ inline const char* FaultText(Fault fault) {
             return "Automation error";
         case Fault::DuplicateKey:
             return "This key is already associated with an element of this collection";
+        case Fault::PrinterError:
+            return "Printer error";
+        case Fault::CannotOpenClipboard:
+            return "Can't open Clipboard";
     }
     return "Application-defined or object-defined error";
 }

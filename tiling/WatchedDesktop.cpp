@@ -1,21 +1,19 @@
 #include "tiling/WatchedDesktop.h"
 
-namespace orvo::tiling {
-namespace {
-constexpr Integer kLeave = 2;
-}  // namespace
+#include "platform/dialog/Answers.h"
 
+namespace orvo::tiling {
 MessageAnswer WatchedDesktop::MessageBox(const std::string& text, const std::string& title, MessageIcon icon,
                                          MessageButtons buttons) {
     ++messagesShown_;
     return ForwardingDesktop::MessageBox(text, title, icon, buttons);
 }
 
-void WatchedDesktop::ShowModal(IDialogEvents& dialog) {
-    if (watch_.interrupted()) return dialog.cmdContinue_Click(kLeave);
+void WatchedDesktop::ShowModal(IDialogEvents& events) {
+    if (watch_.interrupted()) return events.cmdContinue_Click(dialog::kLeaveProcedure);
     ++failuresShown_;
-    watch_.onFailure(dialog.Controls().At("lblError", 0).Caption());
-    ForwardingDesktop::ShowModal(dialog);
+    watch_.onFailure(events.Controls().At("lblError", 0).Caption());
+    ForwardingDesktop::ShowModal(events);
 }
 
 void WatchedDesktop::Beep() {

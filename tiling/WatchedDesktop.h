@@ -25,7 +25,7 @@ class WatchedDesktop final : public dialog::ForwardingDesktop {
 
     MessageAnswer MessageBox(const std::string& text, const std::string& title, MessageIcon icon,
                              MessageButtons buttons) override;
-    void ShowModal(IDialogEvents& dialog) override;
+    void ShowModal(IDialogEvents& events) override;
     void Beep() override;
     void ResetPointer() override;
     Box Screen() override;

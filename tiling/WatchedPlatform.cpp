@@ -4,7 +4,7 @@
 
 #include "platform/gdal/RasterIO.h"
 #include "platform/posix/ProcessRunner.h"
-#include "platform/utility/Library.h"
+#include "platform/utility/Services.h"
 #include "tiling/Errors.h"
 
 namespace orvo::tiling {

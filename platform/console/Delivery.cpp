@@ -19,7 +19,7 @@ constexpr std::chrono::seconds kOpening{2};    ///< what cannot open an address 
 constexpr std::size_t kScreenPiece = 512;      ///< GNU screen passes at most 768 bytes through at once
 
 [[noreturn]] void FailPrinting(const std::string& why) {
-    throw RuntimeError(482, "Printer error: " + why);
+    throw RuntimeError(Fault::PrinterError, why);
 }
 
 /// A file that is there as long as its object.

@@ -12,8 +12,6 @@
 namespace orvo::console {
 namespace {
 
-constexpr Integer kNextStatement = 1;
-constexpr Integer kLeave = 2;
 constexpr Integer kEndOfInput = -1;
 
 /// A text as a terminal may show it: other control characters than tabs and line ends replaced.
@@ -70,21 +68,22 @@ MessageAnswer Desktop::MessageBox(const std::string& text, const std::string& ti
     return MessageAnswer::No;
 }
 
-void Desktop::ShowModal(IDialogEvents& dialog) {
-    if (options_.interrupted()) return dialog.cmdContinue_Click(kLeave);
-    Guard([&] { dialog.Form_Activate(); });
-    const FailureView view = ViewOf(dialog.Controls());
+void Desktop::ShowModal(IDialogEvents& events) {
+    const auto tell = [this](const RuntimeError& failure) { TellFailure(failure); };
+    if (options_.interrupted()) return events.cmdContinue_Click(dialog::kLeaveProcedure);
+    dialog::Guard([&] { events.Form_Activate(); }, tell);
+    const FailureView view = ViewOf(events.Controls());
     const Menu menu(view);
     if (options_.policy != Policy::Ask) {
-        const Integer choice = options_.policy == Policy::Next ? kNextStatement : kLeave;
+        const dialog::Choice choice = dialog::ChoiceOf(options_.policy);
         ShowBriefly(view, menu.Plain(static_cast<std::size_t>(choice)));
-        return dialog.cmdContinue_Click(choice);
+        return events.cmdContinue_Click(choice);
     }
     ShowWhole(view, menu);
-    while (dialog.Controls().self.visible) {
+    while (events.Controls().self.visible) {
         const Integer button = Ask(menu);
-        if (button == kEndOfInput) return dialog.cmdContinue_Click(kLeave);
-        Guard([&] { Click(dialog, button); });
+        if (button == kEndOfInput) return events.cmdContinue_Click(dialog::kLeaveProcedure);
+        dialog::Guard([&] { Click(events, button); }, tell);
     }
 }
 
@@ -93,7 +92,7 @@ void Desktop::Beep() {
 }
 
 void Desktop::Print(const std::vector<std::string>& lines) {
-    if (!options_.runner) throw RuntimeError(482, "Printer error: no printing command may be started");
+    if (!options_.runner) throw RuntimeError(Fault::PrinterError, "no printing command may be started");
     PrintLines(*options_.runner, lines, options_.interrupted);
 }
 
@@ -129,12 +128,12 @@ Integer Desktop::Ask(const Menu& menu) const {
     }
 }
 
-void Desktop::Click(IDialogEvents& dialog, Integer button) const {
+void Desktop::Click(IDialogEvents& events, Integer button) const {
     constexpr auto kChoices = static_cast<Integer>(Menu::kChoices);
     if (button < kChoices) {
-        dialog.cmdContinue_Click(button);
+        events.cmdContinue_Click(button);
     } else {
-        dialog.cmdProtocol_Click(static_cast<Integer>(button - kChoices));
+        events.cmdProtocol_Click(static_cast<Integer>(button - kChoices));
     }
 }
 
@@ -163,19 +162,10 @@ void Desktop::ShowBriefly(const FailureView& view, const std::string& choice) co
     out << " -> " << choice << '\n' << std::flush;
 }
 
-template <class Handler>
-void Desktop::Guard(Handler&& handler) const {
-    const auto say = [this](Long number, const std::string& description) {
-        Out() << options_.program << ": " << number << " (" << Printable(description, ' ') << ")\n"
-              << std::flush;
-    };
-    try {
-        handler();
-    } catch (const RuntimeError& failure) {
-        say(failure.Number(), failure.Description());
-    } catch (const std::exception& failure) {
-        say(static_cast<Long>(Fault::AutomationError), failure.what());
-    }
+void Desktop::TellFailure(const RuntimeError& failure) const {
+    Out() << options_.program << ": " << failure.Number() << " (" << Printable(failure.Description(), ' ')
+          << ")\n"
+          << std::flush;
 }
 
 }  // namespace orvo::console

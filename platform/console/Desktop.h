@@ -12,11 +12,11 @@
 #include "platform/console/Delivery.h"
 #include "platform/console/Menu.h"
 #include "platform/console/Terminal.h"
+#include "platform/dialog/Answers.h"
 
 namespace orvo::console {
 
-/// Who answers the error dialog: the user, or "next statement" or "leave the procedure" for every failure.
-enum class Policy { Ask, Next, Leave };
+using dialog::Policy;
 
 struct DesktopOptions {
     std::ostream* out =
@@ -50,7 +50,7 @@ class Desktop final : public IDesktop {
 
     MessageAnswer MessageBox(const std::string& text, const std::string& title, MessageIcon icon,
                              MessageButtons buttons) override;
-    void ShowModal(IDialogEvents& dialog) override;
+    void ShowModal(IDialogEvents& events) override;
     void Beep() override;
     void ResetPointer() override {}
     Box Screen() override { return {}; }
@@ -62,12 +62,11 @@ class Desktop final : public IDesktop {
   private:
     /// Asks until an answer names one button; −1 at the end of input.
     Integer Ask(const Menu& menu) const;
-    void Click(IDialogEvents& dialog, Integer button) const;
+    void Click(IDialogEvents& events, Integer button) const;
     void ShowWhole(const FailureView& view, const Menu& menu) const;
     void ShowBriefly(const FailureView& view, const std::string& choice) const;
-    /// Runs a handler; its failure is one line, and ends it alone.
-    template <class Handler>
-    void Guard(Handler&& handler) const;
+    /// In one line.
+    void TellFailure(const RuntimeError& failure) const;
     std::ostream& Out() const { return *options_.out; }
 
     DesktopOptions options_;

@@ -18,7 +18,7 @@ class ForwardingDesktop : public IDesktop {
                              MessageButtons buttons) override {
         return shown_->MessageBox(text, title, icon, buttons);
     }
-    void ShowModal(IDialogEvents& dialog) override { shown_->ShowModal(dialog); }
+    void ShowModal(IDialogEvents& events) override { shown_->ShowModal(events); }
     void Beep() override { shown_->Beep(); }
     void ResetPointer() override { shown_->ResetPointer(); }
     Box Screen() override { return shown_->Screen(); }

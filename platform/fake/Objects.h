@@ -153,7 +153,7 @@ class Desktop : public IDesktop {
     explicit Desktop(std::shared_ptr<World> world) : world_(std::move(world)) {}
     MessageAnswer MessageBox(const std::string& text, const std::string& title, MessageIcon icon,
                              MessageButtons buttons) override;
-    void ShowModal(IDialogEvents& dialog) override;
+    void ShowModal(IDialogEvents& events) override;
     void Beep() override;
     void ResetPointer() override { world_->Call("Desktop.ResetPointer"); }
     orvo::Box Screen() override;

@@ -1,6 +1,7 @@
 // The fake platform's registry, clock, operating system and desktop.
 #include <algorithm>
 
+#include "platform/dialog/Answers.h"
 #include "platform/fake/Objects.h"
 
 namespace orvo::fake {
@@ -9,7 +10,6 @@ constexpr Long kSuccess = 0;
 constexpr Long kFileNotFound = 2;
 constexpr Long kInvalidHandle = 6;
 constexpr Long kMoreData = 234;
-constexpr Integer kExitProcedure = 2;
 }  // namespace
 
 Long Registry::RegOpenKey(Long hKey, const std::string& path, Long& handle) {
@@ -71,21 +71,18 @@ MessageAnswer Desktop::MessageBox(const std::string& text, const std::string& ti
     return world_->messageAnswer;
 }
 
-void Desktop::ShowModal(IDialogEvents& dialog) {
+void Desktop::ShowModal(IDialogEvents& events) {
     world_->Call("Desktop.ShowModal");
     const auto handle = [this](const std::function<void()>& handler) {
-        try {
-            handler();
-        } catch (const RuntimeError& failure) {
-            world_->eventFailures.push_back(failure);
-        }
+        dialog::Guard(handler,
+                      [this](const RuntimeError& failure) { world_->eventFailures.push_back(failure); });
     };
-    handle([&] { dialog.Form_Activate(); });
-    const FailureView view = ViewOf(dialog.Controls());
+    handle([&] { events.Form_Activate(); });
+    const FailureView view = ViewOf(events.Controls());
     world_->failures.push_back(view);
-    for (const Integer button : world_->reportClicks) handle([&] { dialog.cmdProtocol_Click(button); });
-    const auto choice = world_->answer ? world_->answer(view) : kExitProcedure;
-    if (choice) dialog.cmdContinue_Click(*choice);
+    for (const Integer button : world_->reportClicks) handle([&] { events.cmdProtocol_Click(button); });
+    const auto choice = world_->answer ? world_->answer(view) : dialog::kLeaveProcedure;
+    if (choice) events.cmdContinue_Click(*choice);
 }
 
 void Desktop::Beep() {

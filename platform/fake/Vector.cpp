@@ -1,9 +1,9 @@
 #include "platform/fake/Vector.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/fake/Objects.h"
-#include "platform/fake/Relations.h"
 
 namespace orvo::fake {
 namespace {
@@ -28,62 +28,80 @@ class VectorLayer : public ILayer {
 
 class Geometry : public IGeometry, public IClone, public IRelationalOperator, public ITopologicalOperator {
   public:
-    Geometry(std::shared_ptr<World> world, Shape shape)
-        : world_(std::move(world)), shape_(std::move(shape)) {}
-    const Shape& GetShape() const { return shape_; }
+    Geometry(std::shared_ptr<World> world, orvo::GeometryType type, std::string content,
+             std::vector<Answer> table)
+        : world_(std::move(world)), type_(type), content_(std::move(content)), table_(std::move(table)) {}
+    const std::string& Content() const { return content_; }
 
-    orvo::GeometryType GeometryType() const override { return Counted("GeometryType").type; }
-    bool IsEmpty() const override { return Counted("IsEmpty").parts.empty(); }
-    std::shared_ptr<IGeometry> Clone() const override;
+    orvo::GeometryType GeometryType() const override {
+        Count("GeometryType");
+        return type_;
+    }
+    bool IsEmpty() const override {
+        Count("IsEmpty");
+        return content_.empty();
+    }
+    std::shared_ptr<IGeometry> Clone() const override {
+        Count("Clone");
+        return std::make_shared<Geometry>(*this);
+    }
     bool Within(const std::shared_ptr<IEnvelope>& other) const override {
-        return RelateTo("Within", other).Within();
+        return Ask("Within", other).within;
     }
     bool Crosses(const std::shared_ptr<IEnvelope>& other) const override {
-        return RelateTo("Crosses", other).Crosses();
+        return Ask("Crosses", other).crosses;
     }
     bool Overlaps(const std::shared_ptr<IEnvelope>& other) const override {
-        return RelateTo("Overlaps", other).Overlaps();
+        return Ask("Overlaps", other).overlaps;
     }
     void Clip(const std::shared_ptr<IEnvelope>& clipEnvelope) override {
-        Counted("Clip");
-        const IEnvelope& envelope = Object(clipEnvelope);
-        shape_ = envelope.IsEmpty() ? Shape{shape_.type, {}} : Cut(shape_, BoxOf(envelope));
+        content_ = Ask("Clip", clipEnvelope).clipped;
     }
 
   protected:
-    const Shape& Counted(const char* member) const {
-        world_->Call(std::string("Geometry.") + member);
-        return shape_;
+    void Count(const char* member) const { world_->Call(std::string("Geometry.") + member); }
+    virtual Answer AnswerFor(const Box& rectangle) const {
+        const auto found = std::ranges::find(table_, rectangle, &Answer::rectangle);
+        return found == table_.end() ? Answer{} : *found;
     }
 
   private:
-    Matrix RelateTo(const char* member, const std::shared_ptr<IEnvelope>& other) const {
-        const Shape& shape = Counted(member);
+    Answer Ask(const char* member, const std::shared_ptr<IEnvelope>& other) const {
+        Count(member);
         const IEnvelope& envelope = Object(other);
-        return Relate(shape, envelope.IsEmpty() ? Shape{} : ShapeOfBox(BoxOf(envelope)));
+        return envelope.IsEmpty() ? Answer{} : AnswerFor(BoxOf(envelope));
     }
 
     std::shared_ptr<World> world_;
-    Shape shape_;
+    orvo::GeometryType type_;
+    std::string content_;
+    std::vector<Answer> table_;
 };
 
 class PointGeometry : public Geometry, public IPoint {
   public:
-    using Geometry::Geometry;
-    double X() const override { return Counted("X").parts.at(0).at(0).X; }
-    double Y() const override { return Counted("Y").parts.at(0).at(0).Y; }
-};
-
-std::shared_ptr<IGeometry> Make(std::shared_ptr<World> world, Shape shape) {
-    if (shape.type == GeometryType::Point) {
-        return std::make_shared<PointGeometry>(std::move(world), std::move(shape));
+    PointGeometry(std::shared_ptr<World> world, const Point& point)
+        : Geometry(std::move(world), orvo::GeometryType::Point, "point", {}), point_(point) {}
+    std::shared_ptr<IGeometry> Clone() const override {
+        Count("Clone");
+        return std::make_shared<PointGeometry>(*this);
     }
-    return std::make_shared<Geometry>(std::move(world), std::move(shape));
-}
+    double X() const override {
+        Count("X");
+        return point_.X;
+    }
+    double Y() const override {
+        Count("Y");
+        return point_.Y;
+    }
 
-std::shared_ptr<IGeometry> Geometry::Clone() const {
-    return Make(world_, Counted("Clone"));
-}
+  private:
+    Answer AnswerFor(const Box& r) const override {
+        return {r, r.xMin < point_.X && point_.X < r.xMax && r.yMin < point_.Y && point_.Y < r.yMax};
+    }
+
+    Point point_;
+};
 
 }  // namespace
 
@@ -102,27 +120,16 @@ std::shared_ptr<ILayer> MakeVectorLayer(std::shared_ptr<World> world,
 }
 
 std::shared_ptr<IGeometry> MakePoint(std::shared_ptr<World> world, const Point& point) {
-    return Make(std::move(world), {GeometryType::Point, {{point}}});
+    return std::make_shared<PointGeometry>(std::move(world), point);
 }
 
-std::shared_ptr<IGeometry> MakeMultipoint(std::shared_ptr<World> world, const std::vector<Point>& points) {
-    Shape shape{GeometryType::Multipoint, {}};
-    for (const Point& point : points) shape.parts.push_back({point});
-    return Make(std::move(world), std::move(shape));
+std::shared_ptr<IGeometry> MakeGeometry(std::shared_ptr<World> world, GeometryType type, std::string content,
+                                        std::vector<Answer> table) {
+    return std::make_shared<Geometry>(std::move(world), type, std::move(content), std::move(table));
 }
 
-std::shared_ptr<IGeometry> MakePolyline(std::shared_ptr<World> world, std::vector<std::vector<Point>> paths) {
-    return Make(std::move(world), {GeometryType::Polyline, std::move(paths)});
-}
-
-std::shared_ptr<IGeometry> MakePolygon(std::shared_ptr<World> world, const std::vector<Box>& boxes) {
-    Shape shape{GeometryType::Polygon, {}};
-    for (const Box& box : boxes) shape.parts.push_back(ShapeOfBox(box).parts.at(0));
-    return Make(std::move(world), std::move(shape));
-}
-
-const Shape& ShapeOf(const std::shared_ptr<IGeometry>& geometry) {
-    return dynamic_cast<const Geometry&>(Object(geometry)).GetShape();
+const std::string& ContentOf(const std::shared_ptr<IGeometry>& geometry) {
+    return dynamic_cast<const Geometry&>(Object(geometry)).Content();
 }
 
 }  // namespace orvo::fake

@@ -1,8 +1,8 @@
-// Vector layers and geometries of the fake platform, simple enough to be exact: points, lines along the axes,
-// and areas made of boxes.
+// Vector layers and geometries of the fake platform. A geometry computes nothing: it answers from a table.
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "platform/Vector.h"
@@ -15,13 +15,16 @@ struct Box {
     double yMin = 0;
     double xMax = 0;
     double yMax = 0;
+    bool operator==(const Box&) const = default;
 };
 
-/// What a geometry is made of: single points, paths of axis-parallel segments, or closed rings of boxes.
-/// Rings fill by the even-odd rule, so that a box inside a box is a hole; no two rings share part of an edge.
-struct Shape {
-    GeometryType type = GeometryType::Null;
-    std::vector<std::vector<Point>> parts;
+/// How a geometry lies to one rectangle, and what `Clip` makes of its content there.
+struct Answer {
+    Box rectangle;
+    bool within = false;
+    bool crosses = false;
+    bool overlaps = false;
+    std::string clipped{};
 };
 
 // Every call of these objects is counted by the world and may be made to fail.
@@ -30,12 +33,14 @@ std::shared_ptr<IEnvelope> MakeEnvelope(const std::shared_ptr<World>& world, con
 /// A layer that hands out `areaOfInterest` itself.
 std::shared_ptr<ILayer> MakeVectorLayer(std::shared_ptr<World> world,
                                         std::shared_ptr<IEnvelope> areaOfInterest);
+/// A point lies within the rectangles that hold it off their edges.
 std::shared_ptr<IGeometry> MakePoint(std::shared_ptr<World> world, const Point& point);
-std::shared_ptr<IGeometry> MakeMultipoint(std::shared_ptr<World> world, const std::vector<Point>& points);
-std::shared_ptr<IGeometry> MakePolyline(std::shared_ptr<World> world, std::vector<std::vector<Point>> paths);
-std::shared_ptr<IGeometry> MakePolygon(std::shared_ptr<World> world, const std::vector<Box>& boxes);
+/// Any other geometry. The content is a text that tells it from others; without one it is empty. To
+/// rectangles that are not in the table it has no relation, and clipping to them leaves nothing.
+std::shared_ptr<IGeometry> MakeGeometry(std::shared_ptr<World> world, GeometryType type, std::string content,
+                                        std::vector<Answer> table);
 
-/// The shape of a geometry that was made here; not counted.
-const Shape& ShapeOf(const std::shared_ptr<IGeometry>& geometry);
+/// The content of a geometry that was made here; not counted.
+const std::string& ContentOf(const std::shared_ptr<IGeometry>& geometry);
 
 }  // namespace orvo::fake

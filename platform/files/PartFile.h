@@ -39,7 +39,7 @@ class PartFile {
 
 /// Writes bytes into a part file beside the target and moves it there. On failure nothing is left.
 std::error_code WriteWhole(const std::filesystem::path& target, std::string_view bytes,
-                            Readers readers = Readers::All);
+                           Readers readers = Readers::All);
 
 /// Gives a file another name on the same disk, in place of a file that is there.
 std::error_code MoveOver(const std::filesystem::path& from, const std::filesystem::path& to);

@@ -1,4 +1,5 @@
-// Bringing colours down to a palette.
+// Bringing colours down to a palette. Our own count since the raster library's median cut keeps five bits of
+// a colour, so that white becomes a grey, and its dithering shows where tiles meet.
 #pragma once
 
 #include <array>
@@ -6,7 +7,7 @@
 #include <vector>
 
 #include "platform/gdal/LayerReader.h"
-#include "platform/gdal/Once.h"
+#include "platform/gdal/Lazy.h"
 #include "platform/gdal/Pixels.h"
 
 namespace orvo::gdal {
@@ -52,7 +53,7 @@ class Indexer {
     void IndexColours(Pixels& pixels);
 
     LayerReader& reader_;
-    Once<Table> table_;
+    Lazy<Table> table_;
 };
 
 }  // namespace orvo::gdal

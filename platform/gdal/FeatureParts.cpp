@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "platform/gdal/Library.h"
+#include "platform/gdal/ErrorCapture.h"
 
 namespace orvo::gdal {
 namespace {
@@ -54,7 +54,7 @@ FeatureParts PartsOf(const OGRGeometry* geometry) {
         parts.holdsNothing = true;
         return parts;
     }
-    const Complaints ignored;
+    const ErrorCapture ignored;
     Add(*geometry, parts);
     parts.holdsNothing = parts.wkb.empty() && parts.reason.empty();
     if (parts.holdsNothing) parts.reason = "its geometry is empty";

@@ -8,14 +8,15 @@
 #include <atomic>
 
 #include "platform/RuntimeError.h"
-#include "platform/gdal/Library.h"
+#include "platform/gdal/ErrorCapture.h"
+#include "platform/gdal/ScopedOption.h"
 
 namespace orvo::gdal {
 namespace {
 
-[[noreturn]] void Fail(const Complaints& complaints) {
+[[noreturn]] void Fail(const ErrorCapture& errors) {
     throw RuntimeError(static_cast<Long>(Fault::AutomationError),
-                       complaints.Reason("the raster library cannot write this image"));
+                       errors.Reason("the raster library cannot write this image"));
 }
 
 GDALDriver& Driver(const char* name) {
@@ -37,37 +38,37 @@ GDALColorTable TableOf(const Palette& palette) {
     return table;
 }
 
-void Fill(GDALDataset& dataset, const Pixels& pixels, const Complaints& complaints) {
+void Fill(GDALDataset& dataset, const Pixels& pixels, const ErrorCapture& errors) {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): a write only reads them.
     auto* const bytes = const_cast<unsigned char*>(pixels.bytes.data());
     if (dataset.RasterIO(GF_Write, 0, 0, pixels.width, pixels.height, bytes, pixels.width, pixels.height,
                          GDT_Byte, pixels.Channels(), nullptr, pixels.Channels(),
                          static_cast<GSpacing>(pixels.RowBytes()), 1, nullptr) != CE_None) {
-        Fail(complaints);
+        Fail(errors);
     }
 }
 
 /// An open dataset of the image's size, with its palette and pixels.
 GDALDatasetUniquePtr Create(const char* driver, const std::string& name, const Pixels& pixels,
-                            CSLConstList options, const Complaints& complaints) {
+                            CSLConstList options, const ErrorCapture& errors) {
     GDALDatasetUniquePtr dataset(Driver(driver).Create(name.c_str(), pixels.width, pixels.height,
                                                        pixels.Channels(), GDT_Byte, options));
-    if (!dataset) Fail(complaints);
+    if (!dataset) Fail(errors);
     if (pixels.form == Form::Indexed) {
         GDALColorTable table = TableOf(pixels.palette);
         dataset->GetRasterBand(1)->SetColorTable(&table);
     }
     if (HasAlpha(pixels.form))
         dataset->GetRasterBand(pixels.Channels())->SetColorInterpretation(GCI_AlphaBand);
-    Fill(*dataset, pixels, complaints);
+    Fill(*dataset, pixels, errors);
     return dataset;
 }
 
 /// Closing writes what is left.
-void Close(GDALDatasetUniquePtr dataset, const Complaints& complaints) {
+void Close(GDALDatasetUniquePtr dataset, const ErrorCapture& errors) {
     dataset->FlushCache(true);
     dataset.reset();
-    if (complaints.Failed()) Fail(complaints);
+    if (errors.Failed()) Fail(errors);
 }
 
 }  // namespace
@@ -92,8 +93,8 @@ std::span<const unsigned char> FileInMemory::Bytes() const {
 
 void WriteGif(const Pixels& indexed, const FileInMemory& file) {
     const NoSideFiles noSideFiles;
-    const Complaints complaints;
-    const auto image = Create("MEM", "", indexed, nullptr, complaints);
+    const ErrorCapture errors;
+    const auto image = Create("MEM", "", indexed, nullptr, errors);
     const auto hidden = std::find_if(indexed.palette.begin(), indexed.palette.end(),
                                      [](const Colour& colour) { return colour.alpha == 0; });
     if (hidden != indexed.palette.end()) {
@@ -103,19 +104,19 @@ void WriteGif(const Pixels& indexed, const FileInMemory& file) {
     options.SetNameValue("INTERLACING", "NO");
     GDALDatasetUniquePtr gif(
         Driver("GIF").CreateCopy(file.Name().c_str(), image.get(), FALSE, options.List(), nullptr, nullptr));
-    if (!gif) Fail(complaints);
-    Close(std::move(gif), complaints);
+    if (!gif) Fail(errors);
+    Close(std::move(gif), errors);
 }
 
 void WriteBmp(const Pixels& pixels, const FileInMemory& file) {
     const NoSideFiles noSideFiles;
-    const Complaints complaints;
-    Close(Create("BMP", file.Name(), pixels, nullptr, complaints), complaints);
+    const ErrorCapture errors;
+    Close(Create("BMP", file.Name(), pixels, nullptr, errors), errors);
 }
 
 void WriteTiff(const Pixels& pixels, const FileInMemory& file) {
     const NoSideFiles noSideFiles;
-    const Complaints complaints;
+    const ErrorCapture errors;
     CPLStringList options;
     const bool colour = pixels.form == Form::RGB || pixels.form == Form::RGBA;
     if (pixels.form == Form::Indexed) {
@@ -124,7 +125,7 @@ void WriteTiff(const Pixels& pixels, const FileInMemory& file) {
         options.SetNameValue("PHOTOMETRIC", colour ? "RGB" : "MINISBLACK");
     }
     if (HasAlpha(pixels.form)) options.SetNameValue("ALPHA", "YES");
-    Close(Create("GTiff", file.Name(), pixels, options.List(), complaints), complaints);
+    Close(Create("GTiff", file.Name(), pixels, options.List(), errors), errors);
 }
 
 }  // namespace orvo::gdal

@@ -1,4 +1,5 @@
-// Encoding JPEG.
+// Encoding JPEG. Our own since it hands pixels to the codec as they are, with optimised Huffman tables and
+// without a dataset of the raster library in between.
 #pragma once
 
 #include <span>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/gdal/BandPlan.h"
-#include "platform/gdal/Once.h"
+#include "platform/gdal/Lazy.h"
 #include "platform/gdal/Pixels.h"
 #include "platform/gdal/RasterLayer.h"
 #include "platform/gdal/ReadAhead.h"
@@ -53,7 +53,7 @@ class LayerReader {
     RasterLayer& layer_;
     BandPlan plan_;
     ReadAhead ahead_;
-    Once<Stretch> stretch_;
+    Lazy<Stretch> stretch_;
     std::vector<double> cells_;
     std::vector<std::uint16_t> indices_;
 };

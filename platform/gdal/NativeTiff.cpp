@@ -8,17 +8,18 @@
 #include <numeric>
 
 #include "platform/RuntimeError.h"
-#include "platform/gdal/Library.h"
+#include "platform/gdal/ErrorCapture.h"
+#include "platform/gdal/ScopedOption.h"
 
 namespace orvo::gdal {
 namespace {
 
 constexpr std::size_t kPieceBytes = std::size_t{8} << 20;
 
-void Require(bool done, const Complaints& complaints) {
+void Require(bool done, const ErrorCapture& errors) {
     if (done) return;
     throw RuntimeError(static_cast<Long>(Fault::AutomationError),
-                       complaints.Reason("the TIFF cannot be written"));
+                       errors.Reason("the TIFF cannot be written"));
 }
 
 GDALDataType CommonType(GDALDataset& source) {
@@ -112,12 +113,12 @@ void CopyCells(GDALDataset& source, const TileWindow& window, GDALDataset& targe
         cells.resize(line * static_cast<std::size_t>(rows));
         ReadWindow(source, bands, window.IsExact() ? RowsOf(window, row, rows) : window, resample,
                    cells.data(), {.type = type, .pixel = pixel, .line = line, .band = bandBytes});
-        const Complaints complaints;
+        const ErrorCapture errors;
         Require(target.RasterIO(GF_Write, 0, row, window.columns, rows, cells.data(), window.columns, rows,
                                 type, static_cast<int>(bands.size()), bands.data(),
                                 static_cast<GSpacing>(pixel), static_cast<GSpacing>(line),
                                 static_cast<GSpacing>(bandBytes), nullptr) == CE_None,
-                complaints);
+                errors);
     }
 }
 
@@ -126,33 +127,33 @@ void CopyMask(GDALDataset& source, const TileWindow& window, GDALDataset& target
                                     static_cast<std::size_t>(window.rows));
     ReadWindow(*source.GetRasterBand(1)->GetMaskBand(), window, Resample::Nearest, mask.data(),
                {.type = GDT_Byte});
-    const Complaints complaints;
-    const Option inside("GDAL_TIFF_INTERNAL_MASK", "YES");
-    Require(target.CreateMaskBand(GMF_PER_DATASET) == CE_None, complaints);
+    const ErrorCapture errors;
+    const ScopedOption inside("GDAL_TIFF_INTERNAL_MASK", "YES");
+    Require(target.CreateMaskBand(GMF_PER_DATASET) == CE_None, errors);
     Require(target.GetRasterBand(1)->GetMaskBand()->RasterIO(GF_Write, 0, 0, window.columns, window.rows,
                                                              mask.data(), window.columns, window.rows,
                                                              GDT_Byte, 0, 0, nullptr) == CE_None,
-            complaints);
+            errors);
 }
 
 }  // namespace
 
 void CopyAsTiff(GDALDataset& source, const TileWindow& window, Place place, const FileInMemory& file) {
     const NoSideFiles noSideFiles;
-    const Complaints complaints;
+    const ErrorCapture errors;
     GDALDriver* const driver = GetGDALDriverManager()->GetDriverByName("GTiff");
-    Require(driver != nullptr, complaints);
+    Require(driver != nullptr, errors);
     GDALDatasetUniquePtr target(driver->Create(file.Name().c_str(), window.columns, window.rows,
                                                source.GetRasterCount(), CommonType(source),
                                                Options(source).List()));
-    Require(target != nullptr, complaints);
+    Require(target != nullptr, errors);
     CopyBandProperties(source, *target);
     if (place == Place::Keep) CopyPlace(source, window, *target);
     CopyCells(source, window, *target);
     if (HasOwnMask(source)) CopyMask(source, window, *target);
     target->FlushCache(true);
     target.reset();
-    Require(!complaints.Failed(), complaints);
+    Require(!errors.Failed(), errors);
 }
 
 }  // namespace orvo::gdal

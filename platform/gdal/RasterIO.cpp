@@ -10,13 +10,14 @@
 #include "platform/RuntimeError.h"
 #include "platform/files/PartFile.h"
 #include "platform/gdal/ColourTable.h"
+#include "platform/gdal/ErrorCapture.h"
 #include "platform/gdal/FileInMemory.h"
 #include "platform/gdal/JpegEncoder.h"
 #include "platform/gdal/LayerReader.h"
-#include "platform/gdal/Library.h"
 #include "platform/gdal/NativeTiff.h"
 #include "platform/gdal/PngEncoder.h"
 #include "platform/gdal/RasterLayer.h"
+#include "platform/gdal/Startup.h"
 #include "platform/raster/ImageFormat.h"
 #include "support/SystemPath.h"
 
@@ -156,11 +157,11 @@ std::string RasterIO::ExportRasterWindow(IRasterLayer& layer, const std::string&
 
 GDALDataset& RasterIO::OpenSource(const std::string& sourceFile) {
     if (source_ && sourceFile_ == sourceFile) return *source_;
-    const Complaints complaints;
+    const ErrorCapture errors;
     source_.reset(GDALDataset::Open(SystemPath(sourceFile).c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR));
     if (!source_ || source_->GetRasterCount() == 0) {
         source_.reset();
-        throw RuntimeError(Fault::FileNotFound, complaints.Reason(sourceFile + " holds no image"));
+        throw RuntimeError(Fault::FileNotFound, errors.Reason(sourceFile + " holds no image"));
     }
     sourceFile_ = sourceFile;
     return *source_;
@@ -187,7 +188,7 @@ bool RasterIO::CutWindow(const std::string& sourceFile, PixelWindow& window, con
 }
 
 std::optional<ImageLayout> RasterIO::LayoutOf(const std::string& file) {
-    const Complaints ignored;
+    const ErrorCapture ignored;
     const GDALDatasetUniquePtr image(GDALDataset::Open(SystemPath(file).c_str(), GDAL_OF_RASTER));
     if (!image || image->GetRasterCount() == 0) return std::nullopt;
     GDALRasterBand& first = *image->GetRasterBand(1);

@@ -9,7 +9,9 @@
 
 #include "platform/Platform.h"
 #include "platform/gdal/DatasetName.h"
-#include "platform/gdal/Library.h"
+#include "platform/gdal/ErrorCapture.h"
+#include "platform/gdal/ScopedOption.h"
+#include "platform/gdal/Startup.h"
 #include "support/SystemPath.h"
 
 namespace orvo::gdal {
@@ -40,11 +42,11 @@ std::unique_ptr<GDALDataset> Open(const std::string& name) {
                            "File not found: " + name + ". Check the path and the spelling.");
     }
     if (IsEmptyFile(path)) Refuse(name, "is an empty file. Fetch or copy it again.");
-    const Complaints complaints;
+    const ErrorCapture errors;
     std::unique_ptr<GDALDataset> dataset(
         GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
     if (!dataset) {
-        Refuse(name, "cannot be opened as a raster (" + complaints.Reason("no driver takes it") +
+        Refuse(name, "cannot be opened as a raster (" + errors.Reason("no driver takes it") +
                          "). Check that it is complete, and in a format that 'gdalinfo --formats' lists.");
     }
     return dataset;
@@ -157,7 +159,7 @@ std::unique_ptr<GDALDataset> RasterLayer::OpenAgain() const {
 
 GDALDataset& RasterLayer::DatasetForRows() {
     if (!triedRows_ && format_ == "GTiff") {
-        const Option past("GTIFF_DIRECT_IO", "YES");
+        const ScopedOption past("GTIFF_DIRECT_IO", "YES");
         forRows_ = OpenAgain();
     }
     triedRows_ = true;

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "platform/RuntimeError.h"
-#include "platform/gdal/Library.h"
 #include "platform/gdal/RasterLayer.h"
 #include "support/SystemPath.h"
 

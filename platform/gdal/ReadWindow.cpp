@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "platform/RuntimeError.h"
-#include "platform/gdal/Library.h"
+#include "platform/gdal/ErrorCapture.h"
 
 namespace orvo::gdal {
 namespace {
@@ -39,9 +39,9 @@ GDALRasterIOExtraArg Arguments(const TileWindow& window, Resample resample) {
     return arguments;
 }
 
-void Require(CPLErr result, const Complaints& complaints) {
-    if (result == CE_None && !complaints.Failed()) return;
-    throw RuntimeError(Fault::DeviceIOError, complaints.Reason("the source cannot be read"));
+void Require(CPLErr result, const ErrorCapture& errors) {
+    if (result == CE_None && !errors.Failed()) return;
+    throw RuntimeError(Fault::DeviceIOError, errors.Reason("the source cannot be read"));
 }
 
 }  // namespace
@@ -52,12 +52,12 @@ void ReadWindow(GDALDataset& dataset, std::span<const int> bands, const TileWind
     const Cells y = Touched(window.top, window.bottom, dataset.GetRasterYSize());
     GDALRasterIOExtraArg arguments = Arguments(window, resample);
     std::vector<int> list(bands.begin(), bands.end());
-    const Complaints complaints;
+    const ErrorCapture errors;
     const CPLErr result = dataset.RasterIO(
         GF_Read, x.first, y.first, x.count, y.count, target, window.columns, window.rows, layout.type,
         static_cast<int>(list.size()), list.data(), static_cast<GSpacing>(layout.pixel),
         static_cast<GSpacing>(layout.line), static_cast<GSpacing>(layout.band), &arguments);
-    Require(result, complaints);
+    Require(result, errors);
 }
 
 void ReadWindow(GDALRasterBand& band, const TileWindow& window, Resample resample, void* target,
@@ -65,11 +65,11 @@ void ReadWindow(GDALRasterBand& band, const TileWindow& window, Resample resampl
     const Cells x = Touched(window.left, window.right, band.GetXSize());
     const Cells y = Touched(window.top, window.bottom, band.GetYSize());
     GDALRasterIOExtraArg arguments = Arguments(window, resample);
-    const Complaints complaints;
+    const ErrorCapture errors;
     const CPLErr result = band.RasterIO(GF_Read, x.first, y.first, x.count, y.count, target, window.columns,
                                         window.rows, layout.type, static_cast<GSpacing>(layout.pixel),
                                         static_cast<GSpacing>(layout.line), &arguments);
-    Require(result, complaints);
+    Require(result, errors);
 }
 
 void ReserveBlockCache(GDALDataset& dataset, const TileWindow& window) {

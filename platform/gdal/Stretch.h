@@ -1,4 +1,6 @@
-// How cells that no web format holds become 8 bits.
+// How cells that no web format holds become 8 bits. Our own measure since the raster library's statistics let
+// one infinite cell blacken all tiles, do not say exactly whether cells lack data, and decode a file of
+// interleaved bands once for each.
 #pragma once
 
 #include "platform/gdal/BandPlan.h"

@@ -6,6 +6,8 @@
 
 #include "platform/RuntimeError.h"
 #include "platform/gdal/Attributes.h"
+#include "platform/gdal/ScopedOption.h"
+#include "platform/gdal/Startup.h"
 
 namespace orvo::gdal {
 namespace {
@@ -111,15 +113,15 @@ VectorFormat FindVectorFormat(const std::string& text) {
 
 TileDataset::TileDataset(const std::string& path, const std::string& name, const TileSchema& schema)
     : schema_(schema), path_(path), name_(name) {
-    const Complaints complaints(&warnings_);
+    const ErrorCapture errors(&warnings_);
     // A tile that is not complete is thrown away, so nothing has to survive a crash.
-    const Option quick("OGR_SQLITE_SYNCHRONOUS", "OFF");
+    const ScopedOption quick("OGR_SQLITE_SYNCHRONOUS", "OFF");
     GDALDriver& driver = *GetGDALDriverManager()->GetDriverByName(schema.format.name.c_str());
     dataset_.reset(driver.Create(path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
-    if (!dataset_) Fail(path + " cannot be created: " + complaints.Reason("no reason was given"));
+    if (!dataset_) Fail(path + " cannot be created: " + errors.Reason("no reason was given"));
     CPLStringList options = LayerOptions(schema);
     layer_ = dataset_->CreateLayer(name.c_str(), schema.system, TypeOf(schema), options.List());
-    if (layer_ == nullptr) Fail(path + " cannot be created: " + complaints.Reason("no reason was given"));
+    if (layer_ == nullptr) Fail(path + " cannot be created: " + errors.Reason("no reason was given"));
     if (layer_->GetGeomType() == wkbNone)
         Fail(schema.format.name + " holds no geometries; choose another --format");
     CreateFields();
@@ -128,13 +130,13 @@ TileDataset::TileDataset(const std::string& path, const std::string& name, const
 }
 
 TileDataset::~TileDataset() {
-    const Complaints ignored;
+    const ErrorCapture ignored;
     source_.reset();
     dataset_.reset();
 }
 
 void TileDataset::CreateFields() {
-    const Complaints complaints(&warnings_);
+    const ErrorCapture errors(&warnings_);
     const std::string types = Metadata(*dataset_->GetDriver(), GDAL_DMD_CREATIONFIELDDATATYPES);
     const auto create = [&](OGRFieldDefn&& field) {
         Adapt(field, types);
@@ -145,7 +147,7 @@ void TileDataset::CreateFields() {
         const int there = layer_->GetLayerDefn()->GetFieldIndex(field.GetNameRef());
         if (there >= 0) return there;
         Fail(schema_.format.name + " cannot hold the field \"" + field.GetNameRef() + "\" (" +
-             complaints.Reason("no reason was given") + "); choose another --format");
+             errors.Reason("no reason was given") + "); choose another --format");
     };
     for (int i = 0; i < schema_.fields->GetFieldCount(); ++i)
         targets_.push_back(create(OGRFieldDefn(schema_.fields->GetFieldDefn(i))));
@@ -154,7 +156,7 @@ void TileDataset::CreateFields() {
 }
 
 void TileDataset::Add(std::string_view attributes, std::int64_t id, std::span<const unsigned char> wkb) {
-    const Complaints complaints(&warnings_);
+    const ErrorCapture errors(&warnings_);
     source_->Reset();
     ReadAttributes(attributes, *source_);
     OGRFeature feature(layer_->GetLayerDefn());
@@ -169,24 +171,22 @@ void TileDataset::Add(std::string_view attributes, std::int64_t id, std::span<co
     if (wkbFlatten(type) != wkbUnknown) geometry = OGRGeometryFactory::forceTo(geometry, type);
     feature.SetGeometryDirectly(geometry);
     if (layer_->CreateFeature(&feature) != OGRERR_NONE)
-        Fail("a feature cannot be written: " + complaints.Reason("no reason was given"));
+        Fail("a feature cannot be written: " + errors.Reason("no reason was given"));
     ++added_;
 }
 
 void TileDataset::Close() {
-    const Complaints complaints(&warnings_);
+    const ErrorCapture errors(&warnings_);
     source_.reset();
     if (dataset_->TestCapability(ODsCTransactions) != 0) dataset_->CommitTransaction();
     dataset_->FlushCache(true);
     dataset_.reset();
-    if (complaints.Failed())
-        throw RuntimeError(static_cast<Long>(Fault::DeviceIOError), complaints.Reason(""));
+    if (errors.Failed()) throw RuntimeError(static_cast<Long>(Fault::DeviceIOError), errors.Reason(""));
     const GDALDatasetUniquePtr written(GDALDataset::Open(path_.c_str(), GDAL_OF_VECTOR));
     OGRLayer* const layer = written ? written->GetLayer(0) : nullptr;
     if (layer == nullptr || layer->GetFeatureCount(TRUE) != added_) {
-        throw RuntimeError(
-            static_cast<Long>(Fault::DeviceIOError),
-            "not all features got into the file: " + complaints.Reason("it reads back shorter"));
+        throw RuntimeError(static_cast<Long>(Fault::DeviceIOError),
+                           "not all features got into the file: " + errors.Reason("it reads back shorter"));
     }
 }
 

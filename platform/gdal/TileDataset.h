@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/gdal/Library.h"
+#include "platform/gdal/ErrorCapture.h"
 
 class GDALDataset;
 class GDALDriver;

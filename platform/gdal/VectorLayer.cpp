@@ -6,7 +6,8 @@
 #include <filesystem>
 
 #include "platform/Platform.h"
-#include "platform/gdal/Library.h"
+#include "platform/gdal/ErrorCapture.h"
+#include "platform/gdal/Startup.h"
 
 namespace orvo::gdal {
 namespace {
@@ -23,7 +24,7 @@ bool IsOnDisk(const std::string& path) {
 }
 
 bool IsRaster(const std::string& source) {
-    const Complaints ignored;
+    const ErrorCapture ignored;
     return GDALDatasetUniquePtr(GDALDataset::Open(source.c_str(), GDAL_OF_RASTER)) != nullptr;
 }
 
@@ -32,13 +33,13 @@ std::unique_ptr<GDALDataset> Open(const std::string& source) {
         throw RuntimeError(static_cast<Long>(Fault::FileNotFound),
                            "File not found: " + source + ". Check the path and the spelling.");
     }
-    const Complaints complaints;
+    const ErrorCapture errors;
     std::unique_ptr<GDALDataset> dataset(
         GDALDataset::Open(source.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
     if (dataset && dataset->GetLayerCount() > 0) return dataset;
     if (IsRaster(source)) Refuse(source, "is a raster, not a vector layer. Cut it with 'orvo-tile raster'.");
     if (dataset) Refuse(source, "holds no vector layers. 'ogrinfo' shows what is in it.");
-    Refuse(source, "cannot be opened as a vector layer (" + complaints.Reason("no driver takes it") +
+    Refuse(source, "cannot be opened as a vector layer (" + errors.Reason("no driver takes it") +
                        "). Check that it is complete, and in a format that 'ogrinfo --formats' lists.");
 }
 
@@ -60,7 +61,7 @@ OGRLayer& Choose(GDALDataset& dataset, const std::string& source, const std::str
         RefuseChoice(source,
                      "holds several layers. Choose one with --layer NAME: " + LayerNames(dataset) + ".");
     }
-    const Complaints ignored;
+    const ErrorCapture ignored;
     OGRLayer* const layer = dataset.GetLayerByName(name.c_str());
     if (layer == nullptr)
         RefuseChoice(source, "holds no layer \"" + name + "\". It holds: " + LayerNames(dataset) + ".");
@@ -87,7 +88,7 @@ OGREnvelope FiniteExtent(OGRLayer& layer) {
 
 /// Asked of the source itself, which may keep it in its header.
 OGREnvelope ExtentOf(OGRLayer& layer, const std::string& source, const std::string& name) {
-    const Complaints complaints;
+    const ErrorCapture errors;
     if (layer.GetGeomType() == wkbNone)
         Refuse(source, "has no geometries in its layer \"" + name + "\". Choose a layer that has some.");
     OGREnvelope extent;
@@ -95,7 +96,7 @@ OGREnvelope ExtentOf(OGRLayer& layer, const std::string& source, const std::stri
     if (IsFinite(extent)) return extent;
     if (layer.GetFeatureCount(TRUE) == 0) Refuse(source, "has no features in its layer \"" + name + "\".");
     Refuse(source, "has no extent in its layer \"" + name + "\": no feature there has a geometry" +
-                       (complaints.Failed() ? " (" + complaints.Reason("") + ")." : "."));
+                       (errors.Failed() ? " (" + errors.Reason("") + ")." : "."));
 }
 
 }  // namespace
@@ -119,10 +120,10 @@ std::shared_ptr<IEnvelope> VectorLayer::AreaOfInterest() {
 }
 
 std::unique_ptr<OGRFeature> VectorLayer::Next() {
-    const Complaints complaints;
+    const ErrorCapture errors;
     std::unique_ptr<OGRFeature> feature(layer_->GetNextFeature());
-    complaint_ = complaints.Reason("");
-    if (!feature && complaints.Failed())
+    complaint_ = errors.Reason("");
+    if (!feature && errors.Failed())
         throw RuntimeError(static_cast<Long>(Fault::DeviceIOError), source_ + " breaks off: " + complaint_);
     return feature;
 }

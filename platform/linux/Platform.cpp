@@ -16,7 +16,7 @@
 #include "platform/posix/ProcessRunner.h"
 #include "platform/posix/Registry.h"
 #include "platform/posix/TextFiles.h"
-#include "platform/utility/Library.h"
+#include "platform/utility/Services.h"
 
 namespace orvo::linux_platform {
 namespace {

@@ -87,7 +87,7 @@ class DesktopOnDemand final : public IDesktop {
                              MessageButtons buttons) override {
         return Used().MessageBox(text, title, icon, buttons);
     }
-    void ShowModal(IDialogEvents& dialog) override { Used().ShowModal(dialog); }
+    void ShowModal(IDialogEvents& events) override { Used().ShowModal(events); }
     void Beep() override { Used().Beep(); }
     /// Before the first window there is no pointer of ours, and the module need not be loaded for it.
     void ResetPointer() override {

@@ -65,7 +65,7 @@ void PutOnClipboard(const std::string& text, const std::string& helper) {
     clipboard.clear();
     clipboard.setText(wanted);
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
-    if (clipboard.text() != wanted) throw RuntimeError(521, "Can't open Clipboard");
+    if (clipboard.text() != wanted) throw RuntimeError(Fault::CannotOpenClipboard);
     if (QGuiApplication::platformName() == "xcb" && !helper.empty()) HandOver(clipboard, helper);
 }
 

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <utility>
 
+#include "platform/dialog/Answers.h"
 #include "platform/qt/Application.h"
 #include "platform/qt/Delivery.h"
 #include "platform/qt/FormWindow.h"
@@ -17,7 +18,6 @@
 namespace orvo::qt {
 namespace {
 
-constexpr Integer kLeave = 2;
 constexpr int kWatchPause = 100;  // ms
 
 }  // namespace
@@ -54,18 +54,13 @@ MessageAnswer Desktop::MessageBox(const std::string& text, const std::string& ti
     return asks && box.clickedButton() == yes ? MessageAnswer::Yes : otherwise;
 }
 
-void Desktop::ShowModal(IDialogEvents& dialog) {
+void Desktop::ShowModal(IDialogEvents& events) {
     CheckThread();
-    if (options_.interrupted()) {
-        dialog.Form_Activate();
-        dialog.cmdContinue_Click(kLeave);
-        return;
-    }
+    const auto tell = [this](const RuntimeError& failure) { TellFailure(failure); };
+    if (options_.interrupted()) return dialog::AnswerUnseen(events, dialog::kLeaveProcedure, tell);
     options_.makeRoom();
-    for (const Control& control : dialog.Controls().controls)
-        if (control.name == "lblError" && control.index == 0) options_.onFailure(control.Caption());
-    FormWindow window(dialog, options_.interrupted,
-                      [this](const RuntimeError& failure) { TellFailure(failure); });
+    options_.onFailure(events.Controls().At("lblError", 0).Caption());
+    FormWindow window(events, options_.interrupted, tell);
     window.Wait();
 }
 

@@ -19,7 +19,7 @@ class Desktop final : public IDesktop {
 
     MessageAnswer MessageBox(const std::string& text, const std::string& title, MessageIcon icon,
                              MessageButtons buttons) override;
-    void ShowModal(IDialogEvents& dialog) override;
+    void ShowModal(IDialogEvents& events) override;
     void Beep() override;
     void ResetPointer() override;
     Box Screen() override;

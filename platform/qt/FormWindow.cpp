@@ -7,7 +7,7 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/FailureInFlight.h"
+#include "platform/dialog/Answers.h"
 #include "platform/qt/Controls.h"
 #include "platform/qt/Fit.h"
 #include "platform/qt/Texts.h"
@@ -17,7 +17,6 @@ namespace orvo::qt {
 namespace {
 
 constexpr double kTwipsPerInch = 1440;
-constexpr Integer kLeave = 2;
 constexpr int kWatchPause = 100;  // ms
 
 }  // namespace
@@ -34,7 +33,7 @@ FormWindow::FormWindow(IDialogEvents& events, std::function<bool()> interrupted,
     for (const Control& control : events.Controls().controls) widgets_.push_back(Made(control));
     for (std::size_t n = 1; n < widgets_.size(); ++n) setTabOrder(widgets_[n - 1], widgets_[n]);
     QObject::connect(&watch_, &QTimer::timeout, this, [this] {
-        if (interrupted_()) Run([this] { events_.cmdContinue_Click(kLeave); });
+        if (interrupted_()) Run([this] { events_.cmdContinue_Click(dialog::kLeaveProcedure); });
     });
 }
 
@@ -89,11 +88,7 @@ QWidget* FormWindow::ContainerOf(const Control& control) {
 }
 
 void FormWindow::Run(const std::function<void()>& handler) {
-    try {
-        handler();
-    } catch (...) {
-        tell_(FailureInFlight());
-    }
+    dialog::Guard(handler, tell_);
     Refresh();
     if (!events_.Controls().self.visible) done(Accepted);
 }

@@ -19,7 +19,7 @@ constexpr double kPoints = 10;
 constexpr double kLeastPoints = 6;
 
 [[noreturn]] void Fail(const std::string& why) {
-    throw RuntimeError(482, "Printer error: " + why);
+    throw RuntimeError(Fault::PrinterError, why);
 }
 
 /// Ten points, or as much less as the widest lines need.

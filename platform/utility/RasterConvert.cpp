@@ -114,7 +114,7 @@ std::string RasterConvert::ExportRasterWindow(const std::shared_ptr<IRasterLayer
     }
     const std::string name = SystemPath(path);
     if (LCase(ExtensionOf(DiskPath(name))).starts_with("tif"))
-        library_->exported.insert_or_assign(name, extent);
+        state_->exported.insert_or_assign(name, extent);
     Written({path, asked, std::nullopt, extent});
     return path;
 }
@@ -127,10 +127,10 @@ bool RasterConvert::ConvertExtern(const std::string& program, const std::string&
     Job job{program, sourceFile, raster::QualityOf(quality), {}};
     job.image.path = targetFile;
     if (window != nullptr) job.image.window = *window;
-    const auto extension = library_->reservations.OnlyExtension(targetFile);
+    const auto extension = state_->reservations.OnlyExtension(targetFile);
     if (extension && !extension->empty()) job.image.path += "." + *extension;
-    const auto exported = library_->exported.find(SystemPath(sourceFile));
-    if (window == nullptr && exported != library_->exported.end()) job.image.extent = exported->second;
+    const auto exported = state_->exported.find(SystemPath(sourceFile));
+    if (window == nullptr && exported != state_->exported.end()) job.image.extent = exported->second;
     job.image.asked = {job.image.path, job.image.window, job.image.extent};
     std::string reason = Occupied(job.image.path);
     if (reason.empty()) reason = Convert(job);
@@ -188,7 +188,7 @@ std::string RasterConvert::ProvideSource(Job& job, const std::string& folder, st
 /// Tells the host first: should that fail, the call can be made again.
 void RasterConvert::Written(const WrittenImage& image) {
     settings_.onWritten(image);
-    library_->reservations.Release(image.path);
+    state_->reservations.Release(image.path);
 }
 
 void RasterConvert::StopIfInterrupted() const {

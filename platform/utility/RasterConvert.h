@@ -5,16 +5,18 @@
 #include <optional>
 #include <string>
 
-#include "platform/utility/Library.h"
+#include "platform/Process.h"
+#include "platform/RasterIO.h"
+#include "platform/utility/SharedState.h"
 
 namespace orvo::utility {
 
 /// Both services tell the host what they wrote and what failed, except for a call without a program.
 class RasterConvert final : public IRasterConvert {
   public:
-    RasterConvert(std::shared_ptr<Library> library, Settings settings, std::shared_ptr<IRasterIO> rasters,
+    RasterConvert(std::shared_ptr<SharedState> state, Settings settings, std::shared_ptr<IRasterIO> rasters,
                   std::shared_ptr<IProcessRunner> runner)
-        : library_(std::move(library)),
+        : state_(std::move(state)),
           settings_(std::move(settings)),
           rasters_(std::move(rasters)),
           runner_(std::move(runner)) {}
@@ -37,7 +39,7 @@ class RasterConvert final : public IRasterConvert {
     void Written(const WrittenImage& image);
     void StopIfInterrupted() const;
 
-    std::shared_ptr<Library> library_;
+    std::shared_ptr<SharedState> state_;
     Settings settings_;
     std::shared_ptr<IRasterIO> rasters_;
     std::shared_ptr<IProcessRunner> runner_;

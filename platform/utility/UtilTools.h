@@ -5,16 +5,16 @@
 #include <string>
 #include <vector>
 
-#include "platform/utility/Library.h"
+#include "platform/utility/SharedState.h"
 
 namespace orvo::utility {
 
 /// Names that it gave out stay reserved until a file stands under them, at most as long as it lives.
 class UtilTools final : public IUtilTools {
   public:
-    UtilTools(std::shared_ptr<Library> library, const Settings& settings)
-        : library_(std::move(library)), languageOffset_(settings.languageOffset) {}
-    ~UtilTools() override { library_->reservations.ReleaseAll(this); }
+    UtilTools(std::shared_ptr<SharedState> state, const Settings& settings)
+        : state_(std::move(state)), languageOffset_(settings.languageOffset) {}
+    ~UtilTools() override { state_->reservations.ReleaseAll(this); }
     UtilTools(const UtilTools&) = delete;
     UtilTools& operator=(const UtilTools&) = delete;
 
@@ -22,11 +22,11 @@ class UtilTools final : public IUtilTools {
     /// Errors as in Reservations::Reserve.
     std::string GetFreeFileName(const std::string& folder, const std::string& baseName,
                                 const std::vector<std::string>& extensions) override {
-        return library_->reservations.Reserve(this, folder, baseName, extensions);
+        return state_->reservations.Reserve(this, folder, baseName, extensions);
     }
 
   private:
-    std::shared_ptr<Library> library_;
+    std::shared_ptr<SharedState> state_;
     Integer languageOffset_;
 };
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <random>
 
+#include "platform/gdal/ScopedOption.h"
 #include "tests/adapters/GdalRasters.h"
 
 namespace orvo {
@@ -281,7 +282,7 @@ TEST_F(GdalTileTest, MasksAndTransparentPalettesAreShownAsAlpha) {
 
     Make("masked.tif", {.width = 8, .height = 4});
     {
-        const gdal::Option inside("GDAL_TIFF_INTERNAL_MASK", "YES");
+        const gdal::ScopedOption inside("GDAL_TIFF_INTERNAL_MASK", "YES");
         const auto file = OpenFile(folder_ / "masked.tif", GDAL_OF_UPDATE);
         ASSERT_EQ(file->CreateMaskBand(GMF_PER_DATASET), CE_None);
         std::vector<unsigned char> mask(32, 255);

@@ -15,9 +15,9 @@
 #include <vector>
 
 #include "platform/Platform.h"
-#include "platform/gdal/Library.h"
 #include "platform/gdal/RasterIO.h"
 #include "platform/gdal/RasterLayer.h"
+#include "platform/gdal/Startup.h"
 #include "platform/memory/Envelope.h"
 #include "tests/adapters/TempFolder.h"
 

@@ -9,7 +9,7 @@
 #include "platform/memory/Envelope.h"
 #include "platform/posix/ProcessRunner.h"
 #include "platform/utility/Converter.h"
-#include "platform/utility/Library.h"
+#include "platform/utility/Services.h"
 #include "tests/adapters/TinyRasters.h"
 
 namespace orvo::utility {

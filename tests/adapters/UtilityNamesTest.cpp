@@ -21,7 +21,7 @@ using testing::IsEmpty;
 
 /// The number and the text that asking for a name fails with.
 std::pair<Long, std::string> RefusalIn(const std::string& folder, const std::string& extension = "png") {
-    UtilTools tools(std::make_shared<Library>(), {});
+    UtilTools tools(std::make_shared<SharedState>(), {});
     try {
         tools.GetFreeFileName(folder, "i", {extension});
         return {};
@@ -50,7 +50,7 @@ TEST(UtilityNames, JoinsWithTheFoldersKindOfSeparator) {
                                                          {".\\x\\", ".\\x\\i_1"},
                                                          {"./x\\y", "./x\\y/i_1"}};
     for (const auto& [path, expected] : cases) {
-        UtilTools tools(std::make_shared<Library>(), {});
+        UtilTools tools(std::make_shared<SharedState>(), {});
         EXPECT_EQ(tools.GetFreeFileName(path, "i", {"png"}), expected);
     }
     EXPECT_TRUE(std::filesystem::is_empty("x/y"));
@@ -59,19 +59,19 @@ TEST(UtilityNames, JoinsWithTheFoldersKindOfSeparator) {
 
 TEST(UtilityNames, HoldsANameUntilItsFileStandsOrItsObjectEnds) {
     const TempFolder folder;
-    const auto library = std::make_shared<Library>();
-    UtilTools run(library, {});
+    const auto state = std::make_shared<SharedState>();
+    UtilTools run(state, {});
     {
-        UtilTools once(library, {});
+        UtilTools once(state, {});
         const std::string first = run.GetFreeFileName(folder.Path(), "i", {"png"});
         const std::string second = once.GetFreeFileName(folder.Path(), "i", {"jpg", "gif"});
         const std::string third = once.GetFreeFileName(folder.Path(), "i", {"png"});
         EXPECT_THAT(folder.Names(), ElementsAre(".i_1.reserved", ".i_2.reserved", ".i_3.reserved"));
-        EXPECT_EQ(library->reservations.OnlyExtension(first), "png");
-        EXPECT_EQ(library->reservations.OnlyExtension(second), std::nullopt);
-        library->reservations.Release(second + ".gif");
+        EXPECT_EQ(state->reservations.OnlyExtension(first), "png");
+        EXPECT_EQ(state->reservations.OnlyExtension(second), std::nullopt);
+        state->reservations.Release(second + ".gif");
         EXPECT_THAT(folder.Names(), ElementsAre(".i_1.reserved", ".i_3.reserved"));
-        UtilTools stranger(std::make_shared<Library>(), {});
+        UtilTools stranger(std::make_shared<SharedState>(), {});
         EXPECT_EQ(stranger.GetFreeFileName(folder.Path(), "i", {"png"}), folder / "i_2");
         EXPECT_EQ(stranger.GetFreeFileName(folder.Path(), "i", {"png"}), folder / "i_4");
     }
@@ -82,13 +82,13 @@ TEST(UtilityNames, HoldsANameUntilItsFileStandsOrItsObjectEnds) {
 TEST(UtilityNames, StrangersNeverGetTheSameName) {
     const TempFolder folder;
     const auto take = [&] {
-        const auto library = std::make_shared<Library>();
-        UtilTools tools(library, {});
+        const auto state = std::make_shared<SharedState>();
+        UtilTools tools(state, {});
         std::vector<std::string> names;
         for (int i = 0; i < 300; ++i) {
             names.push_back(tools.GetFreeFileName(folder.Path(), "i", {"tif", "png"}));
             std::ofstream(names.back() + ".png") << "x";
-            library->reservations.Release(names.back() + ".png");
+            state->reservations.Release(names.back() + ".png");
         }
         return names;
     };

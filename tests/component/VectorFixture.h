@@ -63,13 +63,7 @@ class VectorTest : public ComponentTest {
             .GetString();
     }
     static std::string Shown(const std::shared_ptr<IGeometry>& geometry) {
-        if (!geometry) return "none";
-        testing::Message text;
-        for (const auto& part : fake::ShapeOf(geometry).parts) {
-            for (const auto& point : part) text << point.X << "," << point.Y << " ";
-            text << "/";
-        }
-        return text.GetString();
+        return geometry ? fake::ContentOf(geometry) : "none";
     }
 
     std::shared_ptr<IEnvelope> extent;

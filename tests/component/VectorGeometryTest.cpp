@@ -4,16 +4,17 @@
 namespace orvo {
 namespace {
 
-using fake::MakeMultipoint;
 using fake::MakePoint;
-using fake::MakePolygon;
-using fake::MakePolyline;
 using Geometry = std::shared_ptr<IGeometry>;
 
 /// Tiles of 100 × 50 from (10, 20); tile (2, 1) spans 110 to 210 and 20 to 70.
 class VectorGeometryTest : public VectorTest {
   protected:
     VectorGeometryTest() { BuildGrid(); }
+    /// In tile (2, 1).
+    Geometry Inside(GeometryType type) {
+        return fake::MakeGeometry(world, type, "inside", {{.rectangle = {110, 20, 210, 70}, .within = true}});
+    }
     /// The answer and the numbers as they are afterwards, as "true 3,2".
     std::string Ask(Long x, Long y, const Geometry& geometry) {
         world->failures.clear();
@@ -22,40 +23,42 @@ class VectorGeometryTest : public VectorTest {
     }
 };
 
-TEST_F(VectorGeometryTest, ClipGivesTheShareOfATile) {
-    const auto line = [&](std::vector<Point> path) { return MakePolyline(world, {std::move(path)}); };
-    const auto area = [&](std::vector<fake::Box> boxes) { return MakePolygon(world, boxes); };
-    const std::string tile = "110,20 210,20 210,70 110,70 110,20 /";
-    for (const auto& [geometry, result] : std::vector<std::pair<Geometry, std::string>>{
-             {line({{120, 30}, {130, 30}}), "120,30 130,30 /"},
-             {line({{0, 30}, {120, 30}, {120, 90}}), "110,30 120,30 120,70 /"},
-             {line({{150, 60}, {150, 90}, {160, 90}, {160, 60}}), "150,60 150,70 /160,70 160,60 /"},
-             {line({{120, 30}, {120, 70}}), "120,30 120,70 /"},
-             {line({{120, 70}, {130, 70}}), "none"},  // along the edge
-             {line({{120, 70}, {120, 90}}), "none"},  // touches it
-             {area({{120, 30, 130, 40}}), "120,30 130,30 130,40 120,40 120,30 /"},
-             {area({{0, 0, 120, 30}}), "110,20 120,20 120,30 110,30 110,20 /"},
-             {area({{110, 20, 210, 70}}), tile},
-             {area({{0, 0, 300, 300}}), "none"},  // covers the tile
-             {area({{0, 0, 300, 300}, {150, 10, 220, 80}}), tile + "150,20 210,20 210,70 150,70 150,20 /"},
-             {area({{0, 0, 300, 300}, {100, 10, 220, 80}}), "none"},  // the tile lies in its hole
-             {area({{0, 20, 110, 70}}), "none"},
-             {MakeMultipoint(world, {{120, 30}, {130, 30}}), "120,30 /130,30 /"},
-             {MakeMultipoint(world, {{20, 30}, {130, 30}, {150, 40}}), "130,30 /150,40 /"},
-             {MakeMultipoint(world, {{20, 30}}), "none"},
-             {MakePoint(world, {120, 30}), "none"}}) {
-        const std::string input = Shown(geometry);
+TEST_F(VectorGeometryTest, ClipFollowsTheRelationsOfTheKind) {
+    const fake::Box tile{110, 20, 210, 70};
+    const std::string part = "part";
+    struct Case {
+        GeometryType type;
+        bool within, crosses, overlaps;
+        std::string clipped, result;
+    };
+    std::vector<Case> cases{{GeometryType::Multipoint, true, false, false, part, "whole"},
+                            {GeometryType::Multipoint, false, false, false, part, part},
+                            {GeometryType::Multipoint, false, true, true, "", "none"},
+                            {GeometryType::Point, true, true, true, part, "none"},
+                            {GeometryType::Other, true, true, true, part, "none"}};
+    for (const GeometryType type : {GeometryType::Polyline, GeometryType::Polygon}) {
+        cases.insert(cases.end(),
+                     {{type, true, true, true, part, "whole"},
+                      {type, false, true, false, part, part},
+                      {type, false, false, true, part, part},
+                      {type, false, true, true, "", "none"},
+                      {type, false, false, false, part, "none"}});  // touches the tile or covers it
+    }
+    for (const Case& c : cases) {
+        const Geometry geometry =
+            fake::MakeGeometry(world, c.type, "whole", {{tile, c.within, c.crosses, c.overlaps, c.clipped}});
         const Geometry clipped = grid->Clip(2, 1, geometry);
-        EXPECT_EQ(Shown(clipped), result) << input;
+        EXPECT_EQ(Shown(clipped), c.result) << c.within << c.crosses << c.overlaps << c.clipped;
         EXPECT_NE(clipped, geometry);
-        EXPECT_EQ(Shown(geometry), input) << "the input stays";
+        EXPECT_EQ(Shown(geometry), "whole") << "the input stays";
     }
     EXPECT_EQ(grid->Clip(2, 1, extent), nullptr) << "an envelope is none of the kinds";
     EXPECT_TRUE(world->failures.empty());
 }
 
 TEST_F(VectorGeometryTest, ClipFailsTowardsNothingAndGoesOnAsAsked) {
-    const auto line = MakePolyline(world, {{{120, 30}, {130, 30}}});
+    const auto line =
+        fake::MakeGeometry(world, GeometryType::Polyline, "line", {{.rectangle = {}, .within = true}});
     EXPECT_EQ(grid->Clip(4, 1, line), nullptr);
     EXPECT_EQ(grid->Clip(1, 1, nullptr), nullptr);
     Do("h0 i0");
@@ -90,8 +93,8 @@ TEST_F(VectorGeometryTest, IsInsideWritesBackTheTileItFindsOrWhereItStopped) {
         EXPECT_EQ(Ask(c.x, c.y, MakePoint(world, c.point)), c.answer) << c.point.X << " " << c.point.Y;
         EXPECT_EQ(world->failures.size(), c.failures);
     }
-    EXPECT_EQ(Ask(-1, -1, MakePolyline(world, {{{120, 30}, {130, 30}}})), "false -1,-1");
-    EXPECT_EQ(Ask(2, 1, MakeMultipoint(world, {{120, 30}})), "false 2,1");
+    EXPECT_EQ(Ask(-1, -1, Inside(GeometryType::Polyline)), "false -1,-1");
+    EXPECT_EQ(Ask(2, 1, Inside(GeometryType::Multipoint)), "false 2,1");
 }
 
 TEST_F(VectorGeometryTest, IsInsideTestsTheProbableTileFirstAndSearchesOnlyWhereThatFails) {

@@ -1,74 +1,44 @@
 // Geometries for tests: from text, asked by the library itself, and measured.
 #pragma once
 
-#include <geos_c.h>
-
 #include <memory>
-#include <random>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "platform/memory/Envelope.h"
+#include "tiling/vector/geometry/Convert.h"
 #include "tiling/vector/geometry/Geometry.h"
 
 namespace orvo::geos::test {
 
-inline GEOSContextHandle_t Library() {
-    static GEOSContextHandle_HS* const handle = GEOS_init_r();
-    return handle;
-}
-
-struct Free {
-    void operator()(GEOSGeometry* geometry) const { GEOSGeom_destroy_r(Library(), geometry); }
-};
-using Reference = std::unique_ptr<GEOSGeometry, Free>;
-
-inline Reference FromText(const std::string& wkt) {
-    GEOSWKTReader* reader = GEOSWKTReader_create_r(Library());
-    Reference geometry(GEOSWKTReader_read_r(Library(), reader, wkt.c_str()));
-    GEOSWKTReader_destroy_r(Library(), reader);
-    if (!geometry) throw std::invalid_argument(wkt);
-    return geometry;
-}
-
-inline std::string ToText(const GEOSGeometry& geometry) {
-    GEOSWKTWriter* writer = GEOSWKTWriter_create_r(Library());
-    GEOSWKTWriter_setTrim_r(Library(), writer, 1);
-    GEOSWKTWriter_setOutputDimension_r(Library(), writer, 3);
-    char* text = GEOSWKTWriter_write_r(Library(), writer, &geometry);
-    GEOSWKTWriter_destroy_r(Library(), writer);
-    std::string result = text;
-    GEOSFree_r(Library(), text);
-    return result;
+inline Handle FromText(const std::string& wkt) {
+    return Owned(GEOSGeomFromWKT_r(GeosContext(), wkt.c_str()));
 }
 
 /// The library's own WKB of a geometry.
 inline std::vector<unsigned char> Bytes(const GEOSGeometry& geometry) {
-    GEOSWKBWriter* writer = GEOSWKBWriter_create_r(Library());
-    GEOSWKBWriter_setOutputDimension_r(Library(), writer, 3);
+    GEOS_setWKBOutputDims_r(GeosContext(), 3);
     std::size_t size = 0;
-    unsigned char* bytes = GEOSWKBWriter_write_r(Library(), writer, &geometry, &size);
-    GEOSWKBWriter_destroy_r(Library(), writer);
+    unsigned char* bytes = GEOSGeomToWKB_buf_r(GeosContext(), &geometry, &size);
     std::vector<unsigned char> result(bytes, bytes + size);
-    GEOSFree_r(Library(), bytes);
+    GEOSFree_r(GeosContext(), bytes);
     return result;
-}
-
-inline Reference FromBytes(const std::vector<unsigned char>& bytes) {
-    GEOSWKBReader* reader = GEOSWKBReader_create_r(Library());
-    Reference geometry(GEOSWKBReader_read_r(Library(), reader, bytes.data(), bytes.size()));
-    GEOSWKBReader_destroy_r(Library(), reader);
-    if (!geometry) throw std::invalid_argument("the library cannot read the WKB");
-    return geometry;
 }
 
 inline std::shared_ptr<Geometry> Read(const std::string& wkt) {
     return Geometry::FromWkb(Bytes(*FromText(wkt)));
 }
 
-inline Reference Reread(const Geometry& geometry) {
-    return FromBytes(geometry.ToWkb());
+inline Handle Reread(const Geometry& geometry) {
+    const auto bytes = geometry.ToWkb();
+    return Owned(GEOSGeomFromWKB_buf_r(GeosContext(), bytes.data(), bytes.size()));
+}
+
+/// The same bytes for the same vertices, wherever rings start; none for an empty geometry.
+inline std::vector<unsigned char> Normal(const Geometry& geometry) {
+    const Handle normal = Reread(geometry);
+    GEOSNormalize_r(GeosContext(), normal.get());
+    return geometry.IsEmpty() ? std::vector<unsigned char>{} : Bytes(*normal);
 }
 
 inline std::shared_ptr<IEnvelope> Rectangle(double xMin, double yMin, double xMax, double yMax) {
@@ -80,49 +50,33 @@ inline std::shared_ptr<IEnvelope> Rectangle(double xMin, double yMin, double xMa
     return envelope;
 }
 
-/// An envelope as the library's polygon, line or point.
-inline Reference ReferenceOf(const IEnvelope& e) {
-    if (e.IsEmpty()) return FromText("POLYGON EMPTY");
-    const bool wide = e.Width() > 0, high = e.Height() > 0;
-    if (wide && high)
-        return Reference(GEOSGeom_createRectangle_r(Library(), e.XMin(), e.YMin(), e.XMax(), e.YMax()));
-    GEOSCoordSequence* ends = GEOSCoordSeq_create_r(Library(), wide || high ? 2 : 1, 2);
-    GEOSCoordSeq_setXY_r(Library(), ends, 0, e.XMin(), e.YMin());
-    if (!wide && !high) return Reference(GEOSGeom_createPoint_r(Library(), ends));
-    GEOSCoordSeq_setXY_r(Library(), ends, 1, e.XMax(), e.YMax());
-    return Reference(GEOSGeom_createLineString_r(Library(), ends));
-}
-
-/// Area of areas, length of lines, count of points.
-inline double Measure(const GEOSGeometry& geometry) {
+/// Area of areas, length of lines, count of points; what is of a lower dimension counts nothing.
+inline double Measure(const GEOSGeometry& geometry, int dimension) {
     double result = 0;
-    const int dimension = GEOSGeom_getDimensions_r(Library(), &geometry);
-    if (dimension == 2) GEOSArea_r(Library(), &geometry, &result);
-    if (dimension == 1) GEOSLength_r(Library(), &geometry, &result);
-    if (dimension == 0 && GEOSisEmpty_r(Library(), &geometry) == 0)
-        result = GEOSGetNumGeometries_r(Library(), &geometry);
+    if (dimension == 2) GEOSArea_r(GeosContext(), &geometry, &result);
+    if (dimension == 1) GEOSLength_r(GeosContext(), &geometry, &result);
+    if (dimension == 0 && GEOSisEmpty_r(GeosContext(), &geometry) == 0)
+        result = GEOSGetNumGeometries_r(GeosContext(), &geometry);
     return result;
 }
 
-struct Relations {
-    bool within, crosses, overlaps;
-    bool operator==(const Relations&) const = default;
-};
-
-inline std::ostream& operator<<(std::ostream& out, const Relations& r) {
-    return out << (r.within ? "within " : "") << (r.crosses ? "crosses " : "")
-               << (r.overlaps ? "overlaps " : "");
+inline int Dimension(const GEOSGeometry& geometry) {
+    return GEOSGeom_getDimensions_r(GeosContext(), &geometry);
 }
 
-inline Relations Ours(const Geometry& geometry, const std::shared_ptr<IEnvelope>& envelope) {
-    return {geometry.Within(envelope), geometry.Crosses(envelope), geometry.Overlaps(envelope)};
+/// Within, crosses, overlaps, as "w", "c" and "o".
+inline std::string Relations(bool within, bool crosses, bool overlaps) {
+    return std::string(within ? "w" : "") + (crosses ? "c" : "") + (overlaps ? "o" : "");
 }
 
-inline Relations Theirs(const GEOSGeometry& geometry, const IEnvelope& envelope) {
-    const Reference other = ReferenceOf(envelope);
-    return {GEOSWithin_r(Library(), &geometry, other.get()) == 1,
-            GEOSCrosses_r(Library(), &geometry, other.get()) == 1,
-            GEOSOverlaps_r(Library(), &geometry, other.get()) == 1};
+inline std::string Ours(const Geometry& geometry, const std::shared_ptr<IEnvelope>& envelope) {
+    return Relations(geometry.Within(envelope), geometry.Crosses(envelope), geometry.Overlaps(envelope));
+}
+
+inline std::string Theirs(const GEOSGeometry& geometry, const IEnvelope& envelope) {
+    const Handle other = ToGeos(Bounds::Of(envelope));
+    const auto ask = [&](auto predicate) { return predicate(GeosContext(), &geometry, other.get()) == 1; };
+    return Relations(ask(GEOSWithin_r), ask(GEOSCrosses_r), ask(GEOSOverlaps_r));
 }
 
 }  // namespace orvo::geos::test

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tiling/vector/EdgeStretches.h"
+#include "tiling/vector/EdgeSections.h"
 
 namespace orvo::tiling {
 
@@ -18,7 +18,7 @@ std::size_t GeometryCutter::Cut(const std::shared_ptr<geos::Geometry>& geometry)
         [&](std::size_t column, std::size_t row, const std::shared_ptr<geos::Geometry>& around) {
             CutAtTile(static_cast<Long>(column) + 1, static_cast<Long>(row) + 1, around);
         });
-    if (geometry->GeometryType() == GeometryType::Polyline) AddStretches(geometry->Coordinates());
+    if (geometry->GeometryType() == GeometryType::Polyline) AddSections(geometry->Coordinates());
     return placed_.size();
 }
 
@@ -36,13 +36,13 @@ void GeometryCutter::CutAtTile(Long column, Long row, const std::shared_ptr<geos
     if (!covered->IsEmpty()) Give(column, row, *covered);
 }
 
-void GeometryCutter::AddStretches(const geos::Shape& line) {
+void GeometryCutter::AddSections(const geos::Shape& line) {
     std::ranges::sort(placed_);
     const auto holds = [&, count = placed_.size()](Long column, Long row) {
         return std::binary_search(placed_.begin(), placed_.begin() + static_cast<std::ptrdiff_t>(count),
                                   Numbers{column, row});
     };
-    for (auto& [tile, shape] : EdgeStretches(line, grid_.Edges(), holds))
+    for (auto& [tile, shape] : EdgeSections(line, grid_.Edges(), holds))
         Give(tile.first, tile.second, *geos::Geometry::Make(std::move(shape)));
 }
 

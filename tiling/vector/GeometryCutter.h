@@ -22,7 +22,7 @@ class GeometryCutter {
         : grid_(grid), strict_(strict), sink_(std::move(sink)) {}
 
     /// Gives the sink the pieces of the geometry, tile by tile. A single point goes to the tile that the grid
-    /// locates it in; an area that covers a tile gives its rectangle; a stretch of a line that lies on a
+    /// locates it in; an area that covers a tile gives its rectangle; a section of a line that lies on a
     /// tile's edge, and that no tile beside it holds, goes to the tile north-east of it. All else is as
     /// `Clip` gives it. Fails as the geometry does. @return the number of pieces
     std::size_t Cut(const std::shared_ptr<geos::Geometry>& geometry);
@@ -36,7 +36,7 @@ class GeometryCutter {
     using Numbers = std::pair<Long, Long>;
 
     void CutAtTile(Long column, Long row, const std::shared_ptr<geos::Geometry>& around);
-    void AddStretches(const geos::Shape& line);
+    void AddSections(const geos::Shape& line);
     void Give(Long column, Long row, const geos::Geometry& piece);
 
     VectorGrid& grid_;

@@ -24,8 +24,8 @@ mode_t UsualMode() {
 
 }  // namespace
 
-PartFile::PartFile(const std::filesystem::path& folder, const std::string& extension,
-                   std::error_code& failed, Readers readers) {
+PartFile::PartFile(const std::filesystem::path& folder, const std::string& extension, std::error_code& failed,
+                   Readers readers) {
     std::string name = (folder / ".orvo-tile-XXXXXX").string() + extension;
     const int file = ::mkostemps(name.data(), static_cast<int>(extension.size()), O_CLOEXEC);
     failed = file < 0 ? LastError() : std::error_code();

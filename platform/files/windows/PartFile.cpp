@@ -33,8 +33,8 @@ std::string FreshName(const std::string& extension) {
 }  // namespace
 
 /// A file's readers are those of its folder.
-PartFile::PartFile(const std::filesystem::path& folder, const std::string& extension,
-                   std::error_code& failed, Readers /*readers*/) {
+PartFile::PartFile(const std::filesystem::path& folder, const std::string& extension, std::error_code& failed,
+                   Readers /*readers*/) {
     const auto name = folder / DiskPath(FreshName(extension));
     const HANDLE file = Open(name, CREATE_NEW);
     failed = file == INVALID_HANDLE_VALUE ? LastError() : std::error_code();

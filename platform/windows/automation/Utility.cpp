@@ -1,6 +1,6 @@
 #include "platform/windows/automation/Utility.h"
 
-#include "platform/utility/Library.h"
+#include "platform/utility/Services.h"
 #include "platform/windows/Platform.h"
 #include "platform/windows/automation/Automation.h"
 #include "platform/windows/automation/HostObjects.h"

@@ -14,9 +14,6 @@ namespace orvo::windows {
 namespace {
 
 constexpr const wchar_t* kUsualTitle = L"Orvo_Tile";
-constexpr Integer kNextStatement = 1;
-constexpr Integer kLeave = 2;
-constexpr Long kCannotOpenClipboard = 521;
 constexpr double kTwipsPerInch = 1440;
 constexpr int kClipboardAttempts = 10;
 constexpr DWORD kClipboardPause = 20;  // milliseconds
@@ -27,8 +24,7 @@ class Clipboard {
     explicit Clipboard(HWND owner) {
         int attempt = 0;
         while (::OpenClipboard(owner) == 0) {
-            if (++attempt == kClipboardAttempts)
-                throw RuntimeError(kCannotOpenClipboard, "Can't open Clipboard");
+            if (++attempt == kClipboardAttempts) throw RuntimeError(Fault::CannotOpenClipboard);
             ::Sleep(kClipboardPause);
         }
         ::EmptyClipboard();
@@ -48,7 +44,7 @@ class Clipboard {
         ::GlobalUnlock(memory);
         if (::SetClipboardData(format, memory) != nullptr) return;
         ::GlobalFree(memory);
-        throw RuntimeError(kCannotOpenClipboard, "Can't open Clipboard");
+        throw RuntimeError(Fault::CannotOpenClipboard);
     }
 };
 
@@ -62,13 +58,10 @@ std::string AnsiOf(const std::wstring& wide) {
     return ansi;
 }
 
-/// Prepares a dialog that nobody sees: what fails then does not stand in the way of its choice.
-void Activate(IDialogEvents& dialog) {
-    try {
-        dialog.Form_Activate();
-    } catch (...) {
-        ::OutputDebugStringW(L"Orvo_Tile: a dialog could not be prepared\n");
-    }
+/// What fails while nobody looks stands in a debugger's window.
+void TellDebugger(const RuntimeError& failure) {
+    ::OutputDebugStringW(
+        Wide("Orvo_Tile: a dialog could not be prepared: " + failure.Description() + "\n").c_str());
 }
 
 }  // namespace
@@ -98,17 +91,16 @@ MessageAnswer Desktop::MessageBox(const std::string& text, const std::string& ti
     return answer == IDYES ? MessageAnswer::Yes : otherwise;
 }
 
-void Desktop::ShowModal(IDialogEvents& dialog) {
+void Desktop::ShowModal(IDialogEvents& events) {
     const Policy policy = CurrentPolicy();
     if (policy == Policy::Ask) {
-        FormWindow window(dialog, front_, [this](const RuntimeError& failure) {
+        FormWindow window(events, front_, [this](const RuntimeError& failure) {
             MessageBox(std::to_string(failure.Number()) + " (" + failure.Description() + ")", "",
                        MessageIcon::Critical, MessageButtons::OK);
         });
         if (window.Wait()) return;
     }
-    Activate(dialog);
-    dialog.cmdContinue_Click(policy == Policy::Next ? kNextStatement : kLeave);
+    dialog::AnswerUnseen(events, dialog::ChoiceOf(policy), TellDebugger);
 }
 
 void Desktop::Beep() {

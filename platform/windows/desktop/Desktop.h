@@ -1,13 +1,12 @@
 // What a person sees and uses on Windows.
 #pragma once
 
-#include "platform/Desktop.h"
+#include "platform/dialog/Answers.h"
 #include "platform/windows/system/Win32.h"
 
 namespace orvo::windows {
 
-/// Who answers failures: the user, or "next statement" or "leave the procedure" for every one.
-enum class Policy { Ask, Next, Leave };
+using dialog::Policy;
 
 /// The policy that the environment names now.
 Policy CurrentPolicy();
@@ -18,7 +17,7 @@ class Desktop final : public IDesktop {
   public:
     MessageAnswer MessageBox(const std::string& text, const std::string& title, MessageIcon icon,
                              MessageButtons buttons) override;
-    void ShowModal(IDialogEvents& dialog) override;
+    void ShowModal(IDialogEvents& events) override;
     void Beep() override;
     void ResetPointer() override;
     Box Screen() override;

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "platform/FailureInFlight.h"
+#include "platform/dialog/Answers.h"
 #include "platform/windows/desktop/Desktop.h"
 #include "platform/windows/system/WideText.h"
 #include "support/LabelRoom.h"
@@ -165,11 +165,7 @@ void FormWindow::Close() {
 }
 
 void FormWindow::Run(const std::function<void()>& handler) {
-    try {
-        handler();
-    } catch (...) {
-        tell_(FailureInFlight());
-    }
+    dialog::Guard(handler, tell_);
     Refresh();
     if (!events_.Controls().self.visible) Close();
 }

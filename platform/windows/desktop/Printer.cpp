@@ -10,14 +10,13 @@
 namespace orvo::windows {
 namespace {
 
-constexpr Long kPrinterError = 482;
 constexpr int kPoints = 9;
 constexpr int kPointsPerInch = 72;
 constexpr int kMarginParts = 2;  // the margin is an inch through this
 constexpr const wchar_t* kFamily = L"Courier New";
 
 [[noreturn]] void Fail(const std::string& reason) {
-    throw RuntimeError(kPrinterError, "Printer error: " + reason);
+    throw RuntimeError(Fault::PrinterError, reason);
 }
 
 std::wstring DefaultPrinter() {

@@ -13,6 +13,7 @@ namespace orvo::geos {
 /// quickly and checked; where that leaves a doubt, by the library's overlay; an area that is not valid is
 /// repaired on the way (even-odd rule). What the rectangle holds as a whole stays as it is, valid or not.
 /// Fails with number 440 where the library does.
-Shape Clip(const Shape& shape, const Bounds& rectangle);
+/// @param whole what `shape` has been reduced from, or itself
+Shape Clip(const Shape& shape, const Bounds& rectangle, const Shape& whole);
 
 }  // namespace orvo::geos

@@ -7,52 +7,52 @@
 namespace orvo::geos {
 namespace {
 
-/// Follows one line and collects its stretches.
+/// Follows one line and collects its sections.
 class LineCutter {
   public:
     explicit LineCutter(const Bounds& rectangle) : rectangle_(rectangle) {}
 
     void Cut(Shape::Path line, Shape& into) {
-        stretches_.clear();
+        sections_.clear();
         current_.clear();
-        const bool startsInside = OutsideOf(line.front(), rectangle_) == 0;
+        const bool startsInside = Outcode(line.front(), rectangle_) == 0;
         if (startsInside) current_.push_back(line.front());
         for (std::size_t n = 1; n < line.size(); ++n) Follow(line[n - 1], line[n]);
         const bool endsInside = !current_.empty();
         End();
         const bool isClosed = SamePlace(line.front(), line.back());
-        if (isClosed && startsInside && endsInside && stretches_.size() > 1) JoinLastToFirst();
-        for (const auto& stretch : stretches_) into.AddPath(stretch);
+        if (isClosed && startsInside && endsInside && sections_.size() > 1) JoinLastToFirst();
+        for (const auto& section : sections_) into.AddPath(section);
     }
 
   private:
     void Follow(const Coordinate& a, const Coordinate& b) {
-        const auto held = HeldStretch(a, b, rectangle_);
+        const auto held = ClipSegment(a, b, rectangle_);
         if (!held) return End();
-        if (held->enters) {
+        if (held->entry) {
             End();
-            current_.push_back(held->enters->at);
+            current_.push_back(*held->entry);
         }
-        const Coordinate& next = held->leaves ? held->leaves->at : b;
+        const Coordinate& next = held->exit ? *held->exit : b;
         if (!SamePlace(current_.back(), next)) current_.push_back(next);
-        if (held->leaves) End();
+        if (held->exit) End();
     }
 
     void End() {
-        if (current_.size() > 1) stretches_.push_back(current_);
+        if (current_.size() > 1) sections_.push_back(current_);
         current_.clear();
     }
 
     void JoinLastToFirst() {
-        auto& first = stretches_.front();
-        auto& last = stretches_.back();
+        auto& first = sections_.front();
+        auto& last = sections_.back();
         if (!SamePlace(last.back(), first.front())) return;
         last.insert(last.end(), first.begin() + 1, first.end());
-        stretches_.erase(stretches_.begin());
+        sections_.erase(sections_.begin());
     }
 
     Bounds rectangle_;
-    std::vector<std::vector<Coordinate>> stretches_;
+    std::vector<std::vector<Coordinate>> sections_;
     std::vector<Coordinate> current_;
 };
 

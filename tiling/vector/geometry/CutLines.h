@@ -8,7 +8,7 @@ namespace orvo::geos {
 /// The points that the closed rectangle holds.
 Shape CutPoints(const Shape& shape, const Bounds& rectangle);
 
-/// What the closed rectangle holds of the lines, stretches along its edges with it; a mere contact gives
+/// What the closed rectangle holds of the lines, sections along its edges with it; a mere contact gives
 /// nothing.
 Shape CutLines(const Shape& shape, const Bounds& rectangle);
 

@@ -78,7 +78,7 @@ void Geometry::Clip(const std::shared_ptr<IEnvelope>& clipEnvelope) {
     const Bounds rectangle = Bounds::Of(Object(clipEnvelope));
     const bool isHeld = !rectangle.IsEmpty() && rectangle.HasArea() && rectangle.Holds(Extent());
     if (isHeld && state_.shape->type != GeometryType::Other) return;
-    auto cut = std::make_shared<const Shape>(geos::Clip(*state_.shape, rectangle));
+    auto cut = std::make_shared<const Shape>(geos::Clip(*state_.shape, rectangle, *state_.whole));
     state_ = {cut, cut, nullptr};
 }
 

@@ -46,7 +46,7 @@ double Distance(const Coordinate& a, const Coordinate& b) {
 }
 
 /// Fills the unknown heights of a closed ring from their known neighbours, evenly by distance.
-void FillBetween(std::vector<Coordinate>& ring, double otherwise) {
+void FillHeights(std::vector<Coordinate>& ring, double otherwise) {
     const std::size_t count = ring.size() - 1;
     std::size_t known = 0;
     while (known < count && std::isnan(ring[known].z)) ++known;
@@ -80,8 +80,9 @@ Shape WithHeightsOf(const Shape& source, const Shape& rings) {
     for (std::size_t area = 0; area < rings.AreaCount(); ++area) {
         for (std::size_t n = rings.AreaBegin(area); n < rings.AreaEnd(area); ++n) {
             std::vector<Coordinate> ring(rings.PathAt(n).begin(), rings.PathAt(n).end());
-            for (Coordinate& c : ring) c.z = HeightAt(source, c);
-            FillBetween(ring, source.meanZ);
+            for (Coordinate& c : ring)
+                if (std::isnan(c.z)) c.z = HeightAt(source, c);
+            FillHeights(ring, source.meanZ);
             result.AddPath(ring);
         }
         result.EndArea();

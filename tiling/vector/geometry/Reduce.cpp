@@ -9,10 +9,10 @@ namespace {
 void Thin(Shape::Path path, const Bounds& range, std::vector<Coordinate>& into) {
     into.clear();
     into.push_back(path.front());
-    unsigned kept = OutsideOf(path.front(), range);
-    unsigned current = OutsideOf(path[1], range);
+    unsigned kept = Outcode(path.front(), range);
+    unsigned current = Outcode(path[1], range);
     for (std::size_t n = 1; n + 1 < path.size(); ++n) {
-        const unsigned next = OutsideOf(path[n + 1], range);
+        const unsigned next = Outcode(path[n + 1], range);
         if ((kept & current & next) == 0) {
             into.push_back(path[n]);
             kept = current;
@@ -25,7 +25,7 @@ void Thin(Shape::Path path, const Bounds& range, std::vector<Coordinate>& into) 
 /// Once around the range or through it; not so where all of it stays beyond one edge.
 bool MayMatter(Shape::Path path, const Bounds& range) {
     unsigned common = ~0U;
-    for (const Coordinate& c : path) common &= OutsideOf(c, range);
+    for (const Coordinate& c : path) common &= Outcode(c, range);
     return common == 0;
 }
 

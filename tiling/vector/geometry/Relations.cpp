@@ -2,15 +2,11 @@
 
 #include <algorithm>
 
-#include "tiling/vector/geometry/Library.h"
+#include "tiling/vector/geometry/Convert.h"
 #include "tiling/vector/geometry/Segment.h"
 
 namespace orvo::geos {
 namespace {
-
-bool IsMadeOfPoints(const Shape& shape) {
-    return shape.type == GeometryType::Point || shape.type == GeometryType::Multipoint;
-}
 
 /// For a slanted segment whose own bounds reach into the rectangle while neither end does.
 Finding SlantEnters(const Coordinate& a, const Coordinate& b, const Bounds& r) {
@@ -44,7 +40,7 @@ bool LeavesEdges(const Shape& shape, const Bounds& r) {
     const Bounds& extent = shape.Extent();
     if (extent.xMin > r.xMin && extent.xMax < r.xMax && extent.yMin > r.yMin && extent.yMax < r.yMax)
         return true;
-    if (IsMadeOfPoints(shape))
+    if (shape.IsMadeOfPoints())
         return std::ranges::any_of(shape.Points(), [&](const Coordinate& c) { return r.HoldsInside(c); });
     for (std::size_t n = 0; n < shape.PathCount(); ++n) {
         const Shape::Path path = shape.PathAt(n);
@@ -64,7 +60,7 @@ bool HasPathWithoutLength(const Shape& shape) {
 
 /// Some of it inside the rectangle and some outside. Only where its bounds reach out.
 Finding LiesOnBothSides(const Shape& shape, const Bounds& r) {
-    if (!IsMadeOfPoints(shape)) return HasPathWithoutLength(shape) ? Finding::Doubt : EntersInside(shape, r);
+    if (!shape.IsMadeOfPoints()) return HasPathWithoutLength(shape) ? Finding::Doubt : EntersInside(shape, r);
     const auto isInside = [&](const Coordinate& c) { return r.HoldsInside(c); };
     return std::ranges::any_of(shape.Points(), isInside) ? Finding::Yes : Finding::No;
 }
@@ -76,9 +72,15 @@ bool HoldsEvenOdd(const Shape& shape, const Coordinate& c) {
     return holds;
 }
 
-/// No common area or stretch, or nothing there at all.
+/// No point in common, or nothing there at all.
 bool IsApart(const Shape& shape, const Bounds& rectangle) {
     return shape.IsEmpty() || rectangle.IsEmpty() || !shape.Extent().Meets(rectangle);
+}
+
+using Predicate = decltype(GEOSWithin_r);
+
+bool Ask(Predicate predicate, const Shape& shape, const Bounds& rectangle) {
+    return Answer(predicate(GeosContext(), ToGeos(shape).get(), ToGeos(rectangle).get()));
 }
 
 }  // namespace
@@ -99,26 +101,26 @@ Finding EntersInside(const Shape& shape, const Bounds& rectangle) {
 
 bool Within(const Shape& shape, const Bounds& rectangle, const Shape& whole) {
     if (IsApart(shape, rectangle) || !rectangle.Holds(shape.Extent())) return false;
-    if (!rectangle.HasArea()) return Within(*ToGeos(whole), *ToGeos(rectangle));
+    if (!rectangle.HasArea()) return Ask(GEOSWithin_r, whole, rectangle);
     return shape.type == GeometryType::Polygon || LeavesEdges(shape, rectangle);
 }
 
 bool Crosses(const Shape& shape, const Bounds& rectangle, const Shape& whole) {
     if (IsApart(shape, rectangle)) return false;
-    if (!rectangle.HasArea()) return Crosses(*ToGeos(whole), *ToGeos(rectangle));
+    if (!rectangle.HasArea()) return Ask(GEOSCrosses_r, whole, rectangle);
     if (shape.type == GeometryType::Polygon || rectangle.Holds(shape.Extent())) return false;
     const Finding finding = LiesOnBothSides(shape, rectangle);
-    return finding == Finding::Doubt ? Crosses(*ToGeos(whole), *ToGeos(rectangle)) : finding == Finding::Yes;
+    return finding == Finding::Doubt ? Ask(GEOSCrosses_r, whole, rectangle) : finding == Finding::Yes;
 }
 
 bool Overlaps(const Shape& shape, const Bounds& rectangle, const Shape& whole) {
     if (IsApart(shape, rectangle)) return false;
-    if (!rectangle.HasArea()) return Overlaps(*ToGeos(whole), *ToGeos(rectangle));
+    if (!rectangle.HasArea()) return Ask(GEOSOverlaps_r, whole, rectangle);
     // An area that reaches out of the rectangle overlaps it where its boundary runs inside: it then has
     // points of the rectangle on either side. Where none does, it covers the rectangle or leaves it alone.
     if (shape.type != GeometryType::Polygon || rectangle.Holds(shape.Extent())) return false;
     const Finding finding = EntersInside(shape, rectangle);
-    return finding == Finding::Doubt ? Overlaps(*ToGeos(whole), *ToGeos(rectangle)) : finding == Finding::Yes;
+    return finding == Finding::Doubt ? Ask(GEOSOverlaps_r, whole, rectangle) : finding == Finding::Yes;
 }
 
 bool Covers(const Shape& shape, const Bounds& rectangle) {

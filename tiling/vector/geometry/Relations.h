@@ -1,4 +1,6 @@
-// How a shape lies to a rectangle, by Simple Features.
+// How a shape lies to a rectangle, by Simple Features. Ours, because the library's own predicates, prepared
+// ones too, walk and index every vertex for each tile, where bounds and one walk around the tile nearly
+// always tell.
 #pragma once
 
 #include "tiling/vector/geometry/Shape.h"

@@ -7,6 +7,14 @@
 namespace orvo::geos {
 namespace {
 
+enum class Edge { Bottom, Right, Top, Left };
+
+/// Where a segment crosses an edge.
+struct Crossing {
+    Coordinate at;
+    Edge edge = Edge::Bottom;
+};
+
 bool IsUpright(Edge edge) {
     return edge == Edge::Left || edge == Edge::Right;
 }
@@ -64,26 +72,25 @@ Crossing Innermost(const Beyond& beyond, const Coordinate& outer, const Coordina
 }
 
 /// Whether the segment's two crossings come in order, enough apart to be more than a contact with a corner.
-bool Passes(const Coordinate& a, const Coordinate& b, const Stretch& stretch, const Bounds& r) {
-    if (Share(a, b, stretch.enters->edge, r) > Share(a, b, stretch.leaves->edge, r)) return false;
-    const Coordinate& from = stretch.enters->at;
-    const Coordinate& to = stretch.leaves->at;
+bool Passes(const Coordinate& a, const Coordinate& b, const Crossing& entry, const Crossing& exit,
+            const Bounds& r) {
+    if (Share(a, b, entry.edge, r) > Share(a, b, exit.edge, r)) return false;
     constexpr double kRounding = 1e-15;
-    return std::abs(from.x - to.x) > kRounding * (std::abs(a.x) + std::abs(b.x)) ||
-           std::abs(from.y - to.y) > kRounding * (std::abs(a.y) + std::abs(b.y));
+    return std::abs(entry.at.x - exit.at.x) > kRounding * (std::abs(a.x) + std::abs(b.x)) ||
+           std::abs(entry.at.y - exit.at.y) > kRounding * (std::abs(a.y) + std::abs(b.y));
 }
 
 }  // namespace
 
-std::optional<Stretch> HeldStretch(const Coordinate& a, const Coordinate& b, const Bounds& r) {
-    const unsigned outsideA = OutsideOf(a, r), outsideB = OutsideOf(b, r);
-    if ((outsideA & outsideB) != 0) return std::nullopt;
-    Stretch stretch;
-    if (outsideA != 0) stretch.enters = Innermost(Beyond(outsideA), a, b, r);
-    if (outsideB != 0) stretch.leaves = Innermost(Beyond(outsideB), b, a, r);
-    const bool crossesBoth = stretch.enters && stretch.leaves;
-    if (crossesBoth && !Passes(a, b, stretch, r)) return std::nullopt;
-    return stretch;
+std::optional<ClippedSegment> ClipSegment(const Coordinate& a, const Coordinate& b, const Bounds& r) {
+    const unsigned outcodeA = Outcode(a, r), outcodeB = Outcode(b, r);
+    if ((outcodeA & outcodeB) != 0) return std::nullopt;
+    if ((outcodeA | outcodeB) == 0) return ClippedSegment{};
+    if (outcodeB == 0) return ClippedSegment{Innermost(Beyond(outcodeA), a, b, r).at, std::nullopt};
+    if (outcodeA == 0) return ClippedSegment{std::nullopt, Innermost(Beyond(outcodeB), b, a, r).at};
+    const Crossing entry = Innermost(Beyond(outcodeA), a, b, r), exit = Innermost(Beyond(outcodeB), b, a, r);
+    if (!Passes(a, b, entry, exit, r)) return std::nullopt;
+    return ClippedSegment{entry.at, exit.at};
 }
 
 }  // namespace orvo::geos

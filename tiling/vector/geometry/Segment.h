@@ -8,8 +8,8 @@
 
 namespace orvo::geos {
 
-/// Outside which edges a vertex lies, as bits; 0 for a vertex inside or on an edge.
-inline unsigned OutsideOf(const Coordinate& c, const Bounds& r) {
+/// Beyond which edges a vertex lies, as bits; 0 for a vertex inside or on an edge.
+inline unsigned Outcode(const Coordinate& c, const Bounds& r) {
     return (c.x < r.xMin ? 1U : 0U) | (c.x > r.xMax ? 2U : 0U) | (c.y < r.yMin ? 4U : 0U) |
            (c.y > r.yMax ? 8U : 0U);
 }
@@ -23,23 +23,14 @@ inline int Side(const Coordinate& a, const Coordinate& b, const Coordinate& c) {
     return left - right > margin ? 1 : right - left > margin ? -1 : 0;
 }
 
-/// The edges, in the order of a walk around the rectangle with its inside on the left.
-enum class Edge { Bottom, Right, Top, Left };
-
-/// Where a segment crosses an edge.
-struct Crossing {
-    Coordinate at;
-    Edge edge = Edge::Bottom;
-};
-
-/// The part of a segment that the closed rectangle holds; an end is set where it is cut.
-struct Stretch {
-    std::optional<Crossing> enters;
-    std::optional<Crossing> leaves;
+/// The part of a segment that the closed rectangle holds: where it crosses an edge on its way in, and out.
+struct ClippedSegment {
+    std::optional<Coordinate> entry;
+    std::optional<Coordinate> exit;
 };
 
 /// Nothing where the segment misses the rectangle. The same segment gives the same crossings in both
 /// directions, so that neighbours that share a border are cut alike; a crossing lies exactly on its edge.
-std::optional<Stretch> HeldStretch(const Coordinate& a, const Coordinate& b, const Bounds& r);
+std::optional<ClippedSegment> ClipSegment(const Coordinate& a, const Coordinate& b, const Bounds& r);
 
 }  // namespace orvo::geos

@@ -67,6 +67,9 @@ class Shape {
     Shape EmptyCopy() const;
 
     bool IsEmpty() const { return points_.empty(); }
+    bool IsMadeOfPoints() const {
+        return type == orvo::GeometryType::Point || type == orvo::GeometryType::Multipoint;
+    }
     /// Of the whole, where this is what is left of one.
     const Bounds& Extent() const { return extent_; }
     void Extend(const Bounds& whole) { extent_.Include(whole); }

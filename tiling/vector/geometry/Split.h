@@ -24,7 +24,7 @@ struct TileGrid {
 /// Column and row count from 0.
 ///
 /// `around` is the geometry thinned out around the tile: relating it to the tile and cutting it to the tile
-/// gives what the whole geometry gives, bit for bit.
+/// gives what the whole geometry gives, vertex by vertex; only a ring may start at another one.
 using TileVisit =
     std::function<void(std::size_t column, std::size_t row, const std::shared_ptr<Geometry>& around)>;
 

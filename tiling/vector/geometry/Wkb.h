@@ -1,4 +1,4 @@
-// Well-known binary, the form in which geometries come in and go out.
+// Well-known binary, the form in which geometries come in and go out, read and written by GEOS.
 #pragma once
 
 #include <span>
@@ -10,10 +10,9 @@ namespace orvo::geos {
 
 /// Reads ISO and extended WKB of either byte order; measures and reference-system numbers are passed over.
 ///
-/// Collections, curves and surfaces give a shape of type `Other` without coordinates: the caller keeps the
-/// bytes. Bytes that end early, counts that cannot be, coordinates that are not finite or beyond 1e100, open
-/// rings and lines of one point fail with number 440 and say what was wrong. Nothing is allocated beyond the
-/// size of the input.
+/// Collections, curves and surfaces give a shape of type `Other` without coordinates, unread: the caller
+/// keeps the bytes. What GEOS cannot read, and coordinates that are not finite or beyond 1e100, fail with
+/// number 440 and say what was wrong.
 Shape ReadWkb(std::span<const unsigned char> bytes);
 
 /// ISO WKB, little-endian. Not for shapes of type `Other`.

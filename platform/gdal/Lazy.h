@@ -1,4 +1,4 @@
-// Facts about a whole layer that cost a pass over all its cells.
+// Values that cost much, such as a pass over all cells of a layer, made when they are needed.
 #pragma once
 
 #include <optional>
@@ -9,7 +9,7 @@ namespace orvo::gdal {
 
 /// A value that is made on first use. A failure to make it is final: it is thrown again, not tried again.
 template <class Value>
-class Once {
+class Lazy {
   public:
     template <class Make>
     const Value& Get(Make&& make) {

@@ -1,4 +1,4 @@
-#include "tiling/vector/EdgeStretches.h"
+#include "tiling/vector/EdgeSections.h"
 
 #include <algorithm>
 #include <optional>
@@ -86,19 +86,19 @@ class Collector {
 
 }  // namespace
 
-std::map<TilePair, geos::Shape> EdgeStretches(const geos::Shape& line, const geos::TileGrid& edges,
-                                              const std::function<bool(Long column, Long row)>& holds) {
+std::map<TilePair, geos::Shape> EdgeSections(const geos::Shape& line, const geos::TileGrid& edges,
+                                             const std::function<bool(Long column, Long row)>& holds) {
     Collector collector(edges, holds);
     for (std::size_t n = 0; n < line.PathCount(); ++n) {
         const geos::Shape::Path path = line.PathAt(n);
         for (std::size_t i = 1; i < path.size(); ++i) collector.Add(path[i - 1], path[i]);
     }
-    std::map<TilePair, geos::Shape> stretches;
+    std::map<TilePair, geos::Shape> sections;
     for (const auto& [tile, paths] : collector.paths) {
-        geos::Shape& shape = stretches.emplace(tile, line.EmptyCopy()).first->second;
+        geos::Shape& shape = sections.emplace(tile, line.EmptyCopy()).first->second;
         for (const auto& path : paths) shape.AddPath(path);
     }
-    return stretches;
+    return sections;
 }
 
 }  // namespace orvo::tiling
