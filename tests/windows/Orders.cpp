@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <iostream>
 
-#include "platform/windows/system/System.h"
 #include "platform/windows/system/Win32.h"
 #include "support/SystemPath.h"
 
@@ -18,21 +17,13 @@ std::string Self() {
 
 std::optional<int> FollowOrder(int count, char** arguments) {
     const std::string order = count > 1 ? arguments[1] : "";
-    if (order == "--append") {  // TEXT TIMES
-        for (int i = 0; i < std::stoi(arguments[3]); ++i)
-            windows::TextFiles().Append("shared.txt", std::string(arguments[2]) + "\r\n");
-        return 0;
-    }
-    if (order == "--wait") {
-        ::Sleep(30'000);
-        return 0;
-    }
+    if (order == "--wait") ::Sleep(30'000);
     if (order.starts_with("./")) {  // SOURCE TARGET QUALITY
         std::error_code refused;
         std::filesystem::copy_file(arguments[1], arguments[2], refused);
         return refused || count != 4 ? 1 : 0;
     }
-    if (order != "--echo") return {};
+    if (order != "--echo" && order != "--wait") return {};
     for (int i = 2; i < count; ++i) std::cout << '[' << arguments[i] << "]\n";
     return 3;
 }
