@@ -67,34 +67,6 @@ TEST_F(ReportTest, AFailingActionIsToldAndTheDialogStays) {
     EXPECT_EQ(saved, "old");
 }
 
-class SystemMock : public IOperatingSystem {
-  public:
-    MOCK_METHOD(OSVersion, GetVersion, (), (override));
-    MOCK_METHOD(std::string, TempFolder, (), (override));
-};
-
-TEST_F(ReportTest, EveryExceptionOfAHandlerIsTold) {
-    LangOffset() = 10000;
-    const std::pair<std::function<OSVersion()>, const char*> cases[] = {
-        {[]() -> OSVersion { throw std::bad_alloc(); }, "Run-time error '7':\n\nOut of memory"},
-        {[]() -> OSVersion { throw std::invalid_argument("odd"); }, "Run-time error '440':\n\nodd"},
-        {[]() -> OSVersion { throw 3; }, "Run-time error '440':\n\nAutomation error"},
-    };
-    for (const auto& [fault, text] : cases) {
-        const auto system = std::make_shared<SystemMock>();
-        EXPECT_CALL(*system, TempFolder).WillOnce(testing::Return("C:\\Temp"));
-        // The report for the log is built, the one for the clipboard fails.
-        EXPECT_CALL(*system, GetVersion).WillOnce(testing::Return(OSVersion{})).WillOnce(fault);
-        platform::Platform made = world->MakePlatform();
-        made.desktop = desktop;
-        made.operatingSystem = system;
-        platform::Install(std::move(made));
-        Use("cmdProtocol(3)");
-        ASSERT_EQ(boxes.size(), 1U);
-        EXPECT_EQ(boxes[0].text, text);
-    }
-}
-
 TEST_F(ReportTest, ThePointerIsSetBackHoweverOftenItWasChanged) {
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     QGuiApplication::setOverrideCursor(Qt::BusyCursor);
