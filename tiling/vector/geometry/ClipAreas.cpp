@@ -21,17 +21,15 @@ Handle MadeValid(const GEOSGeometry& geometry) {
     return Owned(GEOSMakeValid_r(GeosContext(), &geometry));
 }
 
-/// The same areas with each ring changed.
+/// The same areas with each vertex changed.
 template <class Change>
-Shape WithRings(const Shape& shape, Change&& change) {
+Shape WithVertices(const Shape& shape, Change&& change) {
     Shape result = shape.EmptyCopy();
-    result.Reserve(shape.Points().size());
     std::vector<Coordinate> ring;
     for (std::size_t area = 0; area < shape.AreaCount(); ++area) {
-        const std::size_t shell = shape.AreaBegin(area);
-        for (std::size_t n = shell; n < shape.AreaEnd(area); ++n) {
+        for (std::size_t n = shape.AreaBegin(area); n < shape.AreaEnd(area); ++n) {
             ring.assign(shape.PathAt(n).begin(), shape.PathAt(n).end());
-            change(ring, n == shell);
+            std::ranges::for_each(ring, change);
             result.AddPath(ring);
         }
         result.EndArea();
@@ -67,6 +65,7 @@ void AppendNoded(Shape::Path path, const Bounds& r, std::vector<Coordinate>& rin
 Shape Noded(const Shape& shape, const Bounds& r) {
     constexpr std::size_t kLeastVertices = 4;
     Shape noded = shape.EmptyCopy();
+    noded.Reserve(shape.Points().size() + shape.Points().size() / 4);
     std::vector<Coordinate> ring;
     for (std::size_t area = 0; area < shape.AreaCount(); ++area) {
         const std::size_t shell = shape.AreaBegin(area);
@@ -171,15 +170,12 @@ Shape CutByOverlay(const Shape& shape, const Bounds& r, const Shape& whole) {
     if (!IsValid(*area)) area = MadeValid(*area);
     Shape cut = FromGeos(*Owned(GEOSIntersection_r(GeosContext(), area.get(), ToGeos(r).get())), shape);
     if (!cut.IsEmpty() && !r.Holds(cut.Extent())) {
-        const Handle moved = ToGeos(WithRings(cut, [&](auto& ring, bool) {
-            for (Coordinate& c : ring) c = {std::clamp(c.x, r.xMin, r.xMax), std::clamp(c.y, r.yMin, r.yMax)};
+        const Handle moved = ToGeos(WithVertices(cut, [&](Coordinate& c) {
+            c = {std::clamp(c.x, r.xMin, r.xMax), std::clamp(c.y, r.yMin, r.yMax)};
         }));
         cut = FromGeos(IsValid(*moved) ? *moved : *MadeValid(*moved), shape);
     }
-    // The library guesses at heights.
-    return WithRings(cut, [](auto& ring, bool) {
-        for (Coordinate& c : ring) c = {c.x, c.y};
-    });
+    return WithVertices(cut, [](Coordinate& c) { c = {c.x, c.y}; });  // the library guesses at heights
 }
 
 /// With heights where they are those of vertices and crossings.
@@ -194,9 +190,10 @@ Shape Cut(const Shape& shape, const Bounds& r, const Shape& whole) {
 
 Shape ClipAreas(const Shape& shape, const Bounds& r, const Shape& whole) {
     if (!r.HasArea()) return shape.EmptyCopy();
-    const Shape cut = WithRings(Cut(shape, r, whole), [&](auto& ring, bool isShell) {
-        if ((AreaWithin(ring, r) > 0) != isShell) std::ranges::reverse(ring);
-    });
+    Shape cut = Cut(shape, r, whole);
+    for (std::size_t area = 0; area < cut.AreaCount(); ++area)
+        for (std::size_t n = cut.AreaBegin(area); n < cut.AreaEnd(area); ++n)
+            if ((AreaWithin(cut.PathAt(n), r) > 0) != (n == cut.AreaBegin(area))) cut.ReversePath(n);
     return shape.hasZ ? WithHeightsOf(shape, cut) : cut;
 }
 

@@ -56,6 +56,11 @@ void Shape::AddPath(Path path) {
     extent_.Include(extent);
 }
 
+void Shape::ReversePath(std::size_t n) {
+    const std::size_t begin = n == 0 ? 0 : paths_[n - 1].end;
+    std::ranges::reverse(std::span(points_).subspan(begin, paths_[n].end - begin));
+}
+
 void Shape::EndArea() {
     if (paths_.size() > (areaEnds_.empty() ? 0 : areaEnds_.back())) areaEnds_.push_back(paths_.size());
 }

@@ -89,6 +89,8 @@ class Shape {
 
     void AddPoint(const Coordinate& point);
     void AddPath(Path path);
+    /// Turns a path around.
+    void ReversePath(std::size_t n);
     /// The rings added since the last call become one area.
     void EndArea();
     void Reserve(std::size_t points) { points_.reserve(points); }
