@@ -16,7 +16,7 @@ DesktopSubject WindowsDesktop() {
             }};
 }
 
-INSTANTIATE_TEST_SUITE_P(Windows, DesktopContract, testing::Values(&WindowsDesktop));
+INSTANTIATE_TEST_SUITE_P(Windows, UnaskedDesktopContract, testing::Values(&WindowsDesktop));
 
 TEST(WindowsDesktop, ServesWithoutAScreen) {
     windows::Desktop desktop;

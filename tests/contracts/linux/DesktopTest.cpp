@@ -77,8 +77,9 @@ DesktopSubject ConsoleDesktop() {
             [terminal](dialog::Policy policy) { terminal->Use(policy); }};
 }
 
-INSTANTIATE_TEST_SUITE_P(Linux, DesktopContract, testing::Values(&FakeDesktop, &ConsoleDesktop),
-                         [](const auto& subject) { return subject.index == 0 ? "Fake" : "Console"; });
+INSTANTIATE_TEST_SUITE_P(Fake, DesktopContract, testing::Values(&FakeDesktop));
+INSTANTIATE_TEST_SUITE_P(Console, DesktopContract, testing::Values(&ConsoleDesktop));
+INSTANTIATE_TEST_SUITE_P(Console, UnaskedDesktopContract, testing::Values(&ConsoleDesktop));
 
 }  // namespace
 }  // namespace orvo
