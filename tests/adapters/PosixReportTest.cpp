@@ -1,18 +1,15 @@
 // What the error report needs of the system: its files, the folder for them, programs that run on.
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
-
-#include "platform/fake/World.h"
 #include "platform/posix/OperatingSystem.h"
 #include "platform/posix/ProcessRunner.h"
 #include "platform/posix/TextFiles.h"
 #include "tests/Failure.h"
 #include "tests/Variable.h"
+#include "tests/adapters/FileSizeLimit.h"
 #include "tests/adapters/TempFolder.h"
 
 namespace orvo {
@@ -26,34 +23,6 @@ class PosixReport : public testing::Test {
     TempFolder folder;
     posix::TextFiles files;
 };
-
-/// What all text files do; "locked" cannot be written.
-/// @param content of a file of the folder
-void ExpectTextFiles(ITextFiles& files, const std::string& folder,
-                     const std::function<std::string(const std::string&)>& content) {
-    const std::string log = folder + "\\log";
-    EXPECT_FALSE(files.Exists(log));
-    files.Append(log, "one\r\n");
-    files.Append(folder + "/log", std::string("t\0o", 3));
-    EXPECT_TRUE(files.Exists(log));
-    EXPECT_EQ(content("log"), std::string("one\r\nt\0o", 8));
-    files.Replace(log, "new");
-    EXPECT_EQ(content("log"), "new");
-    for (const auto write : {&ITextFiles::Append, &ITextFiles::Replace}) {
-        EXPECT_EQ(NumberOf([&] { (files.*write)(folder + "\\none\\log", "x"); }), 76);
-        EXPECT_EQ(NumberOf([&] { (files.*write)(folder + "\\locked", "x"); }), 70);
-    }
-}
-
-TEST_F(PosixReport, FilesOnDiskAndInMemoryDoTheSame) {
-    fs::create_directory(folder / "locked");
-    ExpectTextFiles(files, folder.Path(), [&](const std::string& name) { return ReadFile(folder / name); });
-    EXPECT_THAT(folder.Names(), ElementsAre("locked", "log")) << "no pieces";
-    const auto world = fake::World::Make();
-    world->lockedFiles.insert("C:\\Temp\\locked");
-    ExpectTextFiles(*world->MakePlatform().textFiles, "C:\\Temp",
-                    [&](const std::string& name) { return world->files["C:\\Temp\\" + name]; });
-}
 
 TEST_F(PosixReport, FollowsNoLinksAndWaitsForNoReader) {
     const std::string other = folder.Put("other", "of somebody");
@@ -70,39 +39,17 @@ TEST_F(PosixReport, FollowsNoLinksAndWaitsForNoReader) {
 TEST_F(PosixReport, AFileThatCannotGrowKeepsWhatItHeld) {
     const std::string log = folder.Put("log", std::string(1000, 'o'));
     const std::string saved = folder.Put("saved", "old");
-    rlimit before{};
-    ::getrlimit(RLIMIT_FSIZE, &before);
-    const auto action = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit small{1010, before.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    const Long append = NumberOf([&] { files.Append(log, std::string(100, 'n')); });
-    const Long replace = NumberOf([&] { files.Replace(saved, std::string(2000, 'n')); });
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    static_cast<void>(std::signal(SIGXFSZ, action));
+    Long append = 0, replace = 0;
+    {
+        const FileSizeLimit limit(1010);
+        append = NumberOf([&] { files.Append(log, std::string(100, 'n')); });
+        replace = NumberOf([&] { files.Replace(saved, std::string(2000, 'n')); });
+    }
     EXPECT_EQ(append, 61);
     EXPECT_EQ(replace, 61);
     EXPECT_EQ(ReadFile(log), std::string(1000, 'o'));
     EXPECT_EQ(ReadFile(saved), "old");
     EXPECT_THAT(folder.Names(), ElementsAre("log", "saved"));
-}
-
-/// Bytes that this process has read so far, by any call.
-long BytesRead() {
-    const std::string text = ReadFile("/proc/self/io");
-    return std::stol(text.substr(text.find(' ')));
-}
-
-TEST_F(PosixReport, AGreatLogIsNeitherReadNorWrittenAnew) {
-    const std::string log = folder.Put("log", "");
-    constexpr std::uintmax_t kGreat = 1U << 30U;
-    fs::resize_file(log, kGreat);
-    const long before = BytesRead();
-    files.Append(log, "report");
-    EXPECT_LT(BytesRead() - before, 10000);
-    EXPECT_EQ(fs::file_size(log), kGreat + 6);
-    struct stat found {};
-    ::stat(log.c_str(), &found);
-    EXPECT_LT(found.st_blocks, 100);
 }
 
 TEST_F(PosixReport, ProcessesThatAppendAtOnceDoNotMix) {
