@@ -44,15 +44,10 @@ TEST(UtilityNames, JoinsWithTheFoldersKindOfSeparator) {
     const auto before = std::filesystem::current_path();
     std::filesystem::current_path(folder.Path());
     std::filesystem::create_directories("x/y");
-    const std::pair<const char*, const char*> cases[] = {{"", "i_1"},
-                                                         {"x\\y", "x\\y\\i_1"},
-                                                         {"x/y", "x/y/i_1"},
-                                                         {".\\x\\", ".\\x\\i_1"},
-                                                         {"./x\\y", "./x\\y/i_1"}};
-    for (const auto& [path, expected] : cases) {
-        UtilTools tools(std::make_shared<SharedState>(), {});
-        EXPECT_EQ(tools.GetFreeFileName(path, "i", {"png"}), expected);
-    }
+    for (const auto& [path, expected] :
+         {std::pair("", "i_1"), {"x\\y", "x\\y\\i_1"}, {".\\x\\", ".\\x\\i_1"}, {"./x\\y", "./x\\y/i_1"}})
+        EXPECT_EQ(UtilTools(std::make_shared<SharedState>(), {}).GetFreeFileName(path, "i", {"png"}),
+                  expected);
     EXPECT_TRUE(std::filesystem::is_empty("x/y"));
     std::filesystem::current_path(before);
 }
