@@ -44,10 +44,6 @@ TEST_F(GdalLayerTest, RastersInContainersNameContainerAndRaster) {
     EXPECT_TRUE(table->IsInGeodatabase());
     EXPECT_EQ(table->FilePath(), package + "\\relief");
     EXPECT_EQ(table->Width(), 300);
-
-    const std::string tiff = Make("pages.tif", {});
-    const auto page = gdal::OpenRasterLayer("GTIFF_DIR:1:" + tiff);
-    EXPECT_EQ(page->FilePath(), tiff + "\\1");
 }
 
 TEST_F(GdalLayerTest, RefusalsNameTheFileAndTheRemedy) {

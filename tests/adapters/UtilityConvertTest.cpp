@@ -62,23 +62,15 @@ class UtilityConvert : public testing::Test {
 };
 
 TEST_F(UtilityConvert, KnowsProgramsByTheirFileName) {
-    const std::string gdal = "-q --config GDAL_PAM_ENABLED NO ";
-    const std::string other = "./s.tif ./t.jpg 80 ";
-    for (const auto& [program, target, expected] :
-         {std::tuple("/opt/my gdal/gdal_translate", "./t.jpg", gdal + "-co QUALITY=80 ./s.tif ./t.jpg "),
-          {"gdal_translate", "./t.png", gdal + "./s.tif ./t.png "},
-          {"convert-im6.q16", "./t.JPG", "./s.tif[0] -quality 80 ./t.JPG "},
-          {"C:\\Magick\\MAGICK.EXE", "./t.png", "./s.tif[0] ./t.png "},
-          {"/usr/bin/gm", "./t.webp", "convert ./s.tif[0] -quality 80 ./t.webp "},
-          {"vips-8.14", "./t.jpg", "copy ./s.tif ./t.jpg[Q=80] "},
-          {"vips", "./t.gif", "copy ./s.tif ./t.gif "},
-          {"convert.sh", "./t.jpg", other},
-          {"/opt/vips/tool", "./t.jpg", other},
-          {"gm-tiles", "./t.jpg", other}}) {
-        std::string line;
-        for (const auto& a : ConverterArguments({program, "./s.tif", target, 80, {}})) line += a + " ";
-        EXPECT_EQ(line, expected) << program;
-    }
+    for (const auto& [program, first] : {std::pair("/opt/my gdal/gdal_translate", "-q"),
+                                         {"C:\\Magick\\MAGICK.EXE", "./s.tif[0]"},
+                                         {"convert-im6.q16", "./s.tif[0]"},
+                                         {"/usr/bin/gm", "convert"},
+                                         {"vips-8.14", "copy"},
+                                         {"convert.sh", "./s.tif"},
+                                         {"/opt/vips/tool", "./s.tif"},
+                                         {"gm-tiles", "./s.tif"}})
+        EXPECT_EQ(ConverterArguments({program, "./s.tif", "./t.jpg", 80, {}}).front(), first) << program;
 }
 
 /// The number of colour components in a JPEG's frame header.
