@@ -78,11 +78,12 @@ std::string Judge(const std::string& program, const ProcessResult& result, const
     return result.output.empty() ? reason : reason + ": " + result.output;
 }
 
+constexpr const char* kTaken = "a file of that name is there already";
+
 /// Why a target may not be written; empty where its name is free. A finished tile is never replaced.
 std::string Occupied(const std::string& target) {
     std::error_code failed;
-    return fs::exists(fs::symlink_status(DiskPath(target), failed)) ? "a file of that name is there already"
-                                                                    : "";
+    return fs::exists(fs::symlink_status(DiskPath(target), failed)) ? kTaken : "";
 }
 
 }  // namespace
@@ -160,7 +161,8 @@ std::string RasterConvert::Convert(Job& job) {
     StopIfInterrupted();
     reason = Judge(job.program, result, folder.Path() / tile);
     if (!reason.empty()) return reason;
-    const std::error_code failed = files::MoveOver(folder.Path() / tile, target);
+    const std::error_code failed = files::MoveNew(folder.Path() / tile, target);
+    if (failed == std::errc::file_exists) return kTaken;
     return failed ? failed.message() : std::string();
 }
 

@@ -1,9 +1,7 @@
 // Sources that break and disks that fill up: no tile, a reason, nothing left behind.
-#include <sys/resource.h>
-
-#include <csignal>
 #include <random>
 
+#include "tests/adapters/FileSizeLimit.h"
 #include "tests/adapters/GdalRasters.h"
 
 namespace orvo {
@@ -14,26 +12,6 @@ RasterSpec Noise(const char* driver) {
     spec.cell = [random = std::make_shared<std::mt19937>(5)](int, int, int) { return (*random)() % 256; };
     return spec;
 }
-
-/// Files larger than the limit cannot be written as long as it lives.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit limit{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        static_cast<void>(std::signal(SIGXFSZ, handler_));
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  private:
-    void (*handler_)(int);
-    rlimit before_{};
-};
 
 class GdalFailureTest : public GdalTest {};
 

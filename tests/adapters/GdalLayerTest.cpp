@@ -1,7 +1,6 @@
 // What layers say about their source, and which sources are refused.
 #include <gmock/gmock.h>
 
-#include "platform/gdal/RasterWorkspace.h"
 #include "tests/adapters/GdalRasters.h"
 
 namespace orvo {
@@ -24,14 +23,6 @@ class GdalLayerTest : public GdalTest {
     }
 };
 
-TEST_F(GdalLayerTest, AFileSaysWhatItHolds) {
-    const auto layer = MakeLayer({.width = 12, .height = 7, .bands = 3, .type = GDT_UInt16});
-    EXPECT_EQ(layer->RasterDataset()->FormatName(), "GTiff");
-    EXPECT_EQ(layer->BandCount(), 3);
-    EXPECT_EQ(layer->BandType(3), "UInt16");
-    EXPECT_TRUE(layer->IsGeoreferenced());
-}
-
 TEST_F(GdalLayerTest, WithoutGeoreferenceCellsAreUnits) {
     const auto layer = gdal::OpenRasterLayer(
         Make("plain.png", {.width = 12, .height = 7, .transform = {0, 1, 0, 0, 0, 1}, .driver = "PNG"}));
@@ -53,10 +44,6 @@ TEST_F(GdalLayerTest, RastersInContainersNameContainerAndRaster) {
     EXPECT_TRUE(table->IsInGeodatabase());
     EXPECT_EQ(table->FilePath(), package + "\\relief");
     EXPECT_EQ(table->Width(), 300);
-
-    const std::string tiff = Make("pages.tif", {});
-    const auto page = gdal::OpenRasterLayer("GTIFF_DIR:1:" + tiff);
-    EXPECT_EQ(page->FilePath(), tiff + "\\1");
 }
 
 TEST_F(GdalLayerTest, RefusalsNameTheFileAndTheRemedy) {
@@ -84,17 +71,6 @@ TEST_F(GdalLayerTest, RefusalsNameTheFileAndTheRemedy) {
     WriteRaster(package,
                 {.bands = 3, .driver = "GPKG", .options = {"RASTER_TABLE=two", "APPEND_SUBDATASET=YES"}});
     ExpectRefusal(package, "GPKG:" + package + ":one");
-}
-
-TEST_F(GdalLayerTest, FoldersAreWorkspaces) {
-    Make("a.tif", {});
-    const auto factory = gdal::NewRasterWorkspaceFactory();
-    const std::string path = folder_.Path() + "\\.";
-    const auto workspace = std::dynamic_pointer_cast<IRasterWorkspace>(factory->OpenFromFile(path, 0));
-    ASSERT_NE(workspace, nullptr);
-    EXPECT_EQ(workspace->PathName(), path);
-    EXPECT_EQ(workspace->OpenRasterDataset("a.tif")->FormatName(), "GTiff");
-    EXPECT_THROW(factory->OpenFromFile(folder_ / "a.tif", 0), RuntimeError);
 }
 
 }  // namespace

@@ -40,6 +40,14 @@ struct RasterSpec {
     std::vector<const char*> options{};
 };
 
+/// All cells of a band, row by row.
+inline void Fill(GDALRasterBand& band, std::vector<double>& cells) {
+    const int width = band.GetXSize(), height = band.GetYSize();
+    ASSERT_EQ(
+        band.RasterIO(GF_Write, 0, 0, width, height, cells.data(), width, height, GDT_Float64, 0, 0, nullptr),
+        CE_None);
+}
+
 inline void WriteRaster(const std::string& path, const RasterSpec& spec) {
     gdal::Start();
     CPLStringList options;
@@ -54,13 +62,10 @@ inline void WriteRaster(const std::string& path, const RasterSpec& spec) {
         if (spec.bands - (spec.alpha ? 1 : 0) == 3 && b < 3) band.SetColorInterpretation(kColours[b]);
         if (spec.alpha && b == spec.bands - 1) band.SetColorInterpretation(GCI_AlphaBand);
         if (spec.nodata) band.SetNoDataValue(*spec.nodata);
-        std::vector<double> row(static_cast<std::size_t>(spec.width));
-        for (int y = 0; y < spec.height; ++y) {
-            for (int x = 0; x < spec.width; ++x) row[static_cast<std::size_t>(x)] = spec.cell(x, y, b);
-            ASSERT_EQ(band.RasterIO(GF_Write, 0, y, spec.width, 1, row.data(), spec.width, 1, GDT_Float64, 0,
-                                    0, nullptr),
-                      CE_None);
-        }
+        std::vector<double> cells;
+        for (int i = 0; i < spec.width * spec.height; ++i)
+            cells.push_back(spec.cell(i % spec.width, i / spec.width, b));
+        Fill(band, cells);
     }
     if (!spec.palette.empty()) {
         GDALColorTable table;

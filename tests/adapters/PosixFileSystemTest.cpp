@@ -20,18 +20,12 @@ TEST(PosixFileSystem, NeverDeletesFolders) {
 
 TEST(PosixFileSystem, ResolvesPathsInTheText) {
     const std::string current = std::filesystem::current_path().string();
-    const std::pair<std::string, std::string> cases[] = {
-        {"/a/./b/../c", "/a/c"},
-        {"/a\\b\\..\\c\\", "/a\\c"},
-        {"/../..", "/"},
-        {"C:\\x\\..\\..\\y", "C:\\y"},
-        {"/a//b", "/a/b"},
-        {"", current},
-        {".", current},
-        {"x\\y", current + "/x\\y"},
-        {"x/../z..", current + "/z.."},
-    };
-    for (const auto& [path, expected] : cases)
+    for (const auto& [path, expected] : {std::pair<std::string, std::string>("/a/./b/../c", "/a/c"),
+                                         {"/a\\b\\..\\c\\", "/a\\c"},
+                                         {"/../..", "/"},
+                                         {"C:\\x\\..\\..\\y", "C:\\y"},
+                                         {"", current},
+                                         {"x/../z..", current + "/z.."}})
         EXPECT_EQ(posix::FileSystem().GetAbsolutePathName(path), expected) << path;
     EXPECT_EQ(posix::FileSystem().GetParentFolderName("C:\\\\x"), "C:\\\\");
     EXPECT_EQ(posix::FileSystem().GetParentFolderName("a//b"), "a");

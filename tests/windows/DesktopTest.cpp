@@ -1,7 +1,6 @@
 // The desktop where nobody looks at it: answers by policy, clipboard, printer.
-#include "platform/windows/desktop/Desktop.h"
-
 #include "platform/windows/Platform.h"
+#include "platform/windows/desktop/Desktop.h"
 #include "platform/windows/system/WideText.h"
 #include "tests/Failure.h"
 #include "tests/contracts/DesktopContract.h"

@@ -4,9 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 
 namespace orvo::files {
 namespace {
@@ -15,23 +15,29 @@ std::error_code LastError() {
     return {errno == EDQUOT ? ENOSPC : errno, std::generic_category()};  // a quota is a full disk
 }
 
-/// What new files of this process may be used for.
-mode_t UsualMode() {
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    return 0666 & ~mask;
+/// Unlike for every process that runs, and every file of this one.
+std::string FreshName(const std::string& extension) {
+    static std::atomic<unsigned> counter{0};
+    return ".orvo-tile-" + std::to_string(::getpid()) + "-" + std::to_string(++counter) + extension;
 }
 
 }  // namespace
 
 PartFile::PartFile(const std::filesystem::path& folder, const std::string& extension, std::error_code& failed,
                    Readers readers) {
-    std::string name = (folder / ".orvo-tile-XXXXXX").string() + extension;
-    const int file = ::mkostemps(name.data(), static_cast<int>(extension.size()), O_CLOEXEC);
-    failed = file < 0 ? LastError() : std::error_code();
+    constexpr mode_t kOwner = S_IRUSR | S_IWUSR;
+    constexpr mode_t kAll =
+        kOwner | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;  // less what the user's mask takes
+    int file = -1;
+    std::filesystem::path name;
+    do {  // a process that was killed, or another machine, may have left a name
+        name = folder / FreshName(extension);
+        file = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                      readers == Readers::All ? kAll : kOwner);
+        failed = file < 0 ? LastError() : std::error_code();
+    } while (failed == std::errc::file_exists);
     if (file < 0) return;
     path_ = name;
-    if (readers == Readers::All) ::fchmod(file, UsualMode());
     ::close(file);
 }
 

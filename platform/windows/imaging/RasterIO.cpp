@@ -4,6 +4,7 @@
 #include <optional>
 #include <system_error>
 
+#include "platform/FailureInFlight.h"
 #include "platform/files/PartFile.h"
 #include "platform/raster/TileWindow.h"
 #include "platform/windows/imaging/Image.h"
@@ -66,10 +67,8 @@ std::string RasterIO::ExportRasterWindow(IRasterLayer& layer, const std::string&
         }
         if (failed) reason = failed.message();
         return failed ? std::string() : path;
-    } catch (const RuntimeError& failure) {
-        reason = failure.Description();
-    } catch (const std::bad_alloc&) {
-        reason = FaultText(Fault::OutOfMemory);
+    } catch (...) {
+        reason = FailureInFlight().Description();
     }
     return {};
 }
@@ -83,10 +82,8 @@ bool RasterIO::CutWindow(const std::string& sourceFile, PixelWindow& window, con
         WriteImage(tiffFile, ImageFormat::Tiff,
                    source.Read(window.column, window.row, window.width, window.height), 0);
         return true;
-    } catch (const RuntimeError& failure) {
-        reason = failure.Description();
-    } catch (const std::bad_alloc&) {
-        reason = FaultText(Fault::OutOfMemory);
+    } catch (...) {
+        reason = FailureInFlight().Description();
     }
     return false;
 }
