@@ -9,13 +9,13 @@
 
 namespace orvo::tiling {
 
-WatchedPlatform::WatchedPlatform(const std::function<bool()>& interrupted, Hearing hearing)
+WatchedPlatform::WatchedPlatform(const std::function<bool()>& interrupted, Events events)
     : installed_(platform::Current()) {
     if (!installed_.desktop || !installed_.newUtilTools || !installed_.newEnvelope)
         throw RunError("no platform is installed; install one first, such as linux_platform::MakePlatform()");
     desktop_ = std::make_shared<WatchedDesktop>(
-        installed_.desktop, WatchedDesktop::Watch{std::move(hearing.onFailureShown), interrupted});
-    utility::Settings services = std::move(hearing.services);
+        installed_.desktop, WatchedDesktop::Watch{std::move(events.onFailureShown), interrupted});
+    utility::Settings services = std::move(events.services);
     services.languageOffset = installed_.newUtilTools()->GetLanguageOffset();
     services.interrupted = interrupted;
     auto made = utility::MakeServices(services, gdal::NewRasterIO, std::make_shared<posix::ProcessRunner>());
@@ -24,7 +24,7 @@ WatchedPlatform::WatchedPlatform(const std::function<bool()>& interrupted, Heari
     watched.newUtilTools = std::move(made.newUtilTools);
     watched.newRasterConvert = std::move(made.newRasterConvert);
     watched.newEnvelope = [interrupted, newEnvelope = installed_.newEnvelope,
-                           heard = std::move(hearing.onNewEnvelope)] {
+                           heard = std::move(events.onNewEnvelope)] {
         if (interrupted()) throw RuntimeError(Fault::UserInterrupt);
         heard();
         return newEnvelope();

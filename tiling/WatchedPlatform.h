@@ -16,7 +16,7 @@ namespace orvo::tiling {
 /// language; all else is the installed platform's own. Afterwards that is back as it was.
 class WatchedPlatform {
   public:
-    struct Hearing {
+    struct Events {
         /// Each failure that is shown, as "number (description)".
         std::function<void(const std::string& failure)> onFailureShown = [](const std::string&) {};
         /// An envelope is made; the walk over a raster's grid makes one for each cell.
@@ -25,7 +25,7 @@ class WatchedPlatform {
     };
 
     /// Fails with RunError where no platform is installed.
-    WatchedPlatform(const std::function<bool()>& interrupted, Hearing hearing);
+    WatchedPlatform(const std::function<bool()>& interrupted, Events events);
     ~WatchedPlatform();
     WatchedPlatform(const WatchedPlatform&) = delete;
     WatchedPlatform& operator=(const WatchedPlatform&) = delete;

@@ -140,23 +140,21 @@ class RasterRun {
                          " are cut in one run; --tile-size " + std::to_string(size) + " would do");
     }
 
-    static WatchedPlatform::Hearing HearingOf(TileLedger& ledger) {
-        WatchedPlatform::Hearing hearing;
-        hearing.onFailureShown = [&ledger](const std::string& failure) {
+    static WatchedPlatform::Events EventsOf(TileLedger& ledger) {
+        WatchedPlatform::Events events;
+        events.onFailureShown = [&ledger](const std::string& failure) {
             ledger.AddReason(PlainReason(failure, ""));
         };
-        hearing.onNewEnvelope = [&ledger] { ledger.AddEnvelope(); };
-        hearing.services.onFailure = [&ledger](const utility::Request& asked, const std::string& reason) {
+        events.onNewEnvelope = [&ledger] { ledger.AddEnvelope(); };
+        events.services.onFailure = [&ledger](const utility::Request& asked, const std::string& reason) {
             ledger.AddFailure(asked, PlainReason(reason, asked.target));
         };
-        hearing.services.onWritten = [&ledger](const utility::WrittenImage& image) {
-            ledger.AddImage(image);
-        };
-        return hearing;
+        events.services.onWritten = [&ledger](const utility::WrittenImage& image) { ledger.AddImage(image); };
+        return events;
     }
 
     void Cut(TileLedger& ledger) {
-        const WatchedPlatform watched(callbacks_.interrupted, HearingOf(ledger));
+        const WatchedPlatform watched(callbacks_.interrupted, EventsOf(ledger));
         const auto tiler = MakeTiler();
         tiler->SavePath(summary_.outdir);
         tiler->StatusObject(std::shared_ptr<IStatusDisplay>(&ledger, [](IStatusDisplay*) {}));

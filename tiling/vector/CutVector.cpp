@@ -51,7 +51,7 @@ class TwoPhaseProgress {
 class VectorRun {
   public:
     VectorRun(const VectorJob& job, const Callbacks& callbacks)
-        : job_(job), callbacks_(callbacks), watched_(callbacks.interrupted, Hearing()) {}
+        : job_(job), callbacks_(callbacks), watched_(callbacks.interrupted, EventsOfRun()) {}
 
     VectorSummary Run() {
         layer_ = OpenLayer(job_);
@@ -78,12 +78,12 @@ class VectorRun {
     }
 
   private:
-    WatchedPlatform::Hearing Hearing() {
-        WatchedPlatform::Hearing hearing;
-        hearing.onFailureShown = [this](const std::string& failure) {
+    WatchedPlatform::Events EventsOfRun() {
+        WatchedPlatform::Events events;
+        events.onFailureShown = [this](const std::string& failure) {
             if (intake_) intake_->AddFailure(failure);
         };
-        return hearing;
+        return events;
     }
 
     void PrepareWriter() {

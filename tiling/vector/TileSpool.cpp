@@ -53,7 +53,7 @@ void TileSpool::Spill() {
     std::string block;
     for (auto& [tile, bucket] : buckets_) {
         if (bucket.held.empty()) continue;
-        bucket.runs.push_back({end_, bucket.held.size()});
+        bucket.chunks.push_back({end_, bucket.held.size()});
         end_ += static_cast<std::int64_t>(bucket.held.size());
         block += bucket.held;
         std::string().swap(bucket.held);
@@ -74,11 +74,11 @@ std::map<std::int64_t, std::int64_t> TileSpool::Counts() const {
 void TileSpool::Read(std::int64_t tile, const std::function<void(std::string_view chunk)>& take) const {
     const Bucket& bucket = buckets_.at(tile);
     std::string chunk;
-    for (const Run& run : bucket.runs) {
-        chunk.resize(run.size);
-        for (std::size_t got = 0; got < run.size;) {
-            const ssize_t count = pread(file_, chunk.data() + got, run.size - got,
-                                        static_cast<off_t>(run.offset) + static_cast<off_t>(got));
+    for (const Chunk& stored : bucket.chunks) {
+        chunk.resize(stored.size);
+        for (std::size_t got = 0; got < stored.size;) {
+            const ssize_t count = pread(file_, chunk.data() + got, stored.size - got,
+                                        static_cast<off_t>(stored.offset) + static_cast<off_t>(got));
             if (count < 0 && errno == EINTR) continue;
             if (count <= 0) Fail("cannot read the temporary file in OUTDIR");
             got += static_cast<std::size_t>(count);

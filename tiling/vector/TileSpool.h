@@ -28,13 +28,13 @@ class TileSpool {
     void Read(std::int64_t tile, const std::function<void(std::string_view chunk)>& take) const;
 
   private:
-    struct Run {
+    struct Chunk {
         std::int64_t offset;
         std::size_t size;
     };
     struct Bucket {
         std::string held;
-        std::vector<Run> runs;  ///< in the file, before what is held
+        std::vector<Chunk> chunks;  ///< in the file, before what is held
         std::int64_t count = 0;
     };
     void Spill();
