@@ -38,22 +38,6 @@ Function NewEnvelope(x1, y1, x2, y2)
     NewEnvelope.YMax = y2
 End Function
 
-' What a statement fails with.
-Function ErrorOf(what)
-    Dim x
-    On Error Resume Next
-    Select Case what
-        Case "read Id": x = grid.Id
-        Case "write TileObjectDict": Set image.TileObjectDict = Nothing
-        Case "too few": x = grid.GetTileID(1)
-        Case "too many": x = grid.GetTileID(1, 1, 1)
-        Case "text for number": grid.TileWidth = "wide"
-        Case "too large": grid.TileCountX = 3000000000
-        Case "outside": x = grid.GetTileID(9, 9)
-    End Select
-    ErrorOf = Err.Number
-End Function
-
 ' --- the vector class, and a script's own geometry ---
 
 Dim grid, image, tile, where, i, column, row
@@ -83,13 +67,6 @@ Check "the point's tile is found", grid.IsInside(column, row, where)
 Check "and written back", column = 3 And row = 2 And VarType(column) = 3 And VarType(row) = 3
 Check "numbers that are no variables", grid.IsInside(3, 2, where)
 Check "nothing", grid.Clip(3, 2, where) Is Nothing
-
-Dim failing
-failing = Array("read Id", 438, "write TileObjectDict", 438, "too few", 449, "too many", 450, "text for number", 13, _
-    "too large", 6, "outside", 0)
-For i = 0 To UBound(failing) Step 2
-    Check failing(i), ErrorOf(failing(i)) = failing(i + 1)
-Next
 
 ' --- the image class: a job on a system without a map platform ---
 
