@@ -1,13 +1,13 @@
-#include "tests/contracts/Desktop.h"
+#include "tests/contracts/DesktopContract.h"
 
 namespace orvo {
 namespace {
 
-class FakeSubject final : public DesktopSubject {
+class FakeSubject {
   public:
-    explicit FakeSubject(fake::World& world) : world_(world) { printing = 0; }
-    std::shared_ptr<IDesktop> Desktop() override { return world_.MakePlatform().desktop; }
-    void Plan(const std::vector<Act>& acts) override {
+    explicit FakeSubject(fake::World& world) : world_(world) {}
+    std::shared_ptr<IDesktop> Desktop() { return world_.MakePlatform().desktop; }
+    void Plan(const std::vector<Act>& acts) {
         world_.reportClicks.clear();
         for (const Act act : acts) {
             const auto button = static_cast<Integer>(act);
@@ -19,7 +19,7 @@ class FakeSubject final : public DesktopSubject {
                 world_.messageAnswer = act == Act::Yes ? MessageAnswer::Yes : MessageAnswer::No;
         }
     }
-    std::string Shown() const override {
+    std::string Shown() const {
         std::string all;
         for (const fake::Message& message : world_.messages) all += message.text + "\n";
         for (const RuntimeError& failure : world_.eventFailures)
@@ -27,22 +27,22 @@ class FakeSubject final : public DesktopSubject {
         for (const std::string& address : world_.opened) all += address + "\n";
         return all;
     }
-    bool ClipboardHolds(const std::string& text) const override { return world_.clipboard == text; }
-    std::vector<std::pair<std::function<std::shared_ptr<IDesktop>()>, bool>> WithoutUser() override {
+    bool ClipboardHolds(const std::string& text) const { return world_.clipboard == text; }
+    static std::string Told(const std::string& number, const std::string& text) {
+        return number + " (" + text + ")";
+    }
+    std::vector<Unattended> WithoutUser() {
         Plan({Act::No, Act::Next});
         return {{[this] { return Desktop(); }, true}};
     }
+    static constexpr Long kPrinting = 0;
 
   private:
     fake::World& world_;
 };
 
+INSTANTIATE_TYPED_TEST_SUITE_P(Fake, DesktopContract, FakeSubject);
+INSTANTIATE_TYPED_TEST_SUITE_P(Fake, AttendedDesktop, FakeSubject);
+
 }  // namespace
-
-NamedDesktop FakeDesktop() {
-    return {"Fake", [](fake::World& world) -> std::unique_ptr<DesktopSubject> {
-                return std::make_unique<FakeSubject>(world);
-            }};
-}
-
 }  // namespace orvo

@@ -5,11 +5,13 @@
 #include "tests/Failure.h"
 #include "tests/qt/WindowUser.h"
 
-namespace orvo {
-namespace qt {
+namespace orvo::qt {
 namespace {
 
 using testing::HasSubstr;
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Window, DesktopContract, WindowUser);
+INSTANTIATE_TYPED_TEST_SUITE_P(Window, AttendedDesktop, WindowUser);
 
 TEST_F(WindowTest, BoxesAreInTheUsersLanguage) {
     const struct {
@@ -64,12 +66,4 @@ TEST_F(WindowTest, PaperTakesLongReportsAndLongLinesAndARefusalIsTold) {
 }
 
 }  // namespace
-}  // namespace qt
-
-std::vector<NamedDesktop> Desktops() {
-    return {{"Window", [](fake::World&) -> std::unique_ptr<DesktopSubject> {
-                 return std::make_unique<qt::WindowUser>();
-             }}};
-}
-
-}  // namespace orvo
+}  // namespace orvo::qt

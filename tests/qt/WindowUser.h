@@ -10,11 +10,14 @@
 #include <QTimer>
 #include <array>
 #include <deque>
+#include <functional>
+#include <string>
+#include <vector>
 
 #include "platform/qt/Application.h"
 #include "platform/qt/Desktop.h"
 #include "tests/adapters/TempFolder.h"
-#include "tests/contracts/Desktop.h"
+#include "tests/contracts/DesktopContract.h"
 
 namespace orvo::qt {
 
@@ -38,9 +41,9 @@ inline Step Press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     };
 }
 
-class WindowUser final : public DesktopSubject {
+class WindowUser {
   public:
-    WindowUser() {
+    explicit WindowUser(fake::World& /*world*/) {
         std::string whyNot;
         EXPECT_TRUE(EnsureApplication([] { return ""; }, whyNot)) << whyNot;
         qputenv("PATH", QByteArray::fromStdString(programs_.Path()) + ":/usr/bin:/bin");
@@ -52,14 +55,16 @@ class WindowUser final : public DesktopSubject {
         desktop = std::make_shared<qt::Desktop>(options);
         ActOnFrontWindow();
     }
-    ~WindowUser() override { EXPECT_TRUE(steps.empty()) << "a window closed early"; }
+    WindowUser(const WindowUser&) = delete;
+    WindowUser& operator=(const WindowUser&) = delete;
+    ~WindowUser() { EXPECT_TRUE(steps.empty()) << "a window closed early"; }
 
     /// The program that opens addresses notes them and then does as told.
     void MakeOpener(const std::string& commands) const {
         programs_.PutScript("xdg-open", "echo \"$1\" >> '" + programs_ / "opened" + "'\n" + commands);
     }
-    std::shared_ptr<IDesktop> Desktop() override { return desktop; }
-    void Plan(const std::vector<Act>& acts) override {
+    std::shared_ptr<IDesktop> Desktop() const { return desktop; }
+    void Plan(const std::vector<Act>& acts) {
         constexpr std::array kButtons{"cmdContinue(0)", "cmdContinue(1)", "cmdContinue(2)", "cmdProtocol(0)",
                                       "cmdProtocol(1)", "cmdProtocol(2)", "cmdProtocol(3)"};
         for (const Act act : acts) {
@@ -69,20 +74,19 @@ class WindowUser final : public DesktopSubject {
                 steps.push_back(Click(kButtons.at(static_cast<std::size_t>(act))));
         }
     }
-    std::string Shown() const override {
-        return boxes.join('\n').toStdString() + ReadFile(programs_ / "opened");
-    }
-    std::string Told(const std::string& number, const std::string& text) const override {
+    std::string Shown() const { return boxes.join('\n').toStdString() + ReadFile(programs_ / "opened"); }
+    static std::string Told(const std::string& number, const std::string& text) {
         return "Run-time error '" + number + "':\n\n" + text;
     }
-    bool ClipboardHolds(const std::string& text) const override {
+    static bool ClipboardHolds(const std::string& text) {
         return QApplication::clipboard()->text().toStdString() == text;
     }
-    std::vector<std::pair<std::function<std::shared_ptr<IDesktop>()>, bool>> WithoutUser() override {
+    std::vector<Unattended> WithoutUser() {
         interrupted = true;
         return {{[this] { return desktop; }, false}};
     }
 
+    static constexpr Long kPrinting = 482;
     std::shared_ptr<qt::Desktop> desktop;
     bool interrupted = false;
     std::vector<std::string> failures;  ///< that the desktop passed on
@@ -131,7 +135,7 @@ class WindowTest : public DialogTest {
         user.steps = std::move(steps);
         return Fail(failures, about);
     }
-    WindowUser user;
+    WindowUser user{*world};
 };
 
 }  // namespace orvo::qt

@@ -4,16 +4,16 @@
 #include <sstream>
 
 #include "platform/console/Desktop.h"
-#include "tests/contracts/Desktop.h"
+#include "tests/contracts/DesktopContract.h"
 
 namespace orvo::console {
 namespace {
 
 using testing::HasSubstr;
 
-class ConsoleSubject final : public DesktopSubject {
+class ConsoleSubject {
   public:
-    ConsoleSubject() {
+    explicit ConsoleSubject(fake::World& /*world*/) {
         options.out = &out;
         options.program = "program";
         options.clipboard = Clipboard::Terminal;
@@ -24,16 +24,19 @@ class ConsoleSubject final : public DesktopSubject {
             return line;
         };
     }
-    std::shared_ptr<IDesktop> Desktop() override { return std::make_shared<console::Desktop>(options); }
-    void Plan(const std::vector<Act>& acts) override {
+    std::shared_ptr<IDesktop> Desktop() { return std::make_shared<console::Desktop>(options); }
+    void Plan(const std::vector<Act>& acts) {
         constexpr std::array kLines{"1", "2", "3", "4", "5", "6", "7", "y", "n"};
         for (const Act act : acts) lines.emplace_back(kLines.at(static_cast<std::size_t>(act)));
     }
-    std::string Shown() const override { return out.str(); }
-    bool ClipboardHolds(const std::string& text) const override {
+    std::string Shown() const { return out.str(); }
+    bool ClipboardHolds(const std::string& text) const {
         return Shown().find(ClipboardSequence(text, Clipboard::Terminal)) != std::string::npos;
     }
-    std::vector<std::pair<std::function<std::shared_ptr<IDesktop>()>, bool>> WithoutUser() override {
+    static std::string Told(const std::string& number, const std::string& text) {
+        return "program: " + number + " (" + text + ")\n";
+    }
+    std::vector<Unattended> WithoutUser() {
         const auto with = [this](Policy policy, bool terminal, bool interrupted) {
             DesktopOptions changed = options;
             changed.policy = policy;
@@ -48,10 +51,14 @@ class ConsoleSubject final : public DesktopSubject {
                 {with(Policy::Ask, true, false), false}};  // the input is at its end
     }
 
+    static constexpr Long kPrinting = 482;
     std::ostringstream out;
     std::deque<std::string> lines;  ///< that the user types; then the input ends
     DesktopOptions options;
 };
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Console, DesktopContract, ConsoleSubject);
+INSTANTIATE_TYPED_TEST_SUITE_P(Console, AttendedDesktop, ConsoleSubject);
 
 class ConsoleDesktopTest : public DialogTest {
   protected:
@@ -61,7 +68,7 @@ class ConsoleDesktopTest : public DialogTest {
         ShowOn(user.Desktop());
         return Fail(1, "R\x1b[2J & D");
     }
-    ConsoleSubject user;
+    ConsoleSubject user{*world};
 };
 
 TEST_F(ConsoleDesktopTest, AnswersAreNumbersOrLettersThatOneButtonHas) {
@@ -91,22 +98,20 @@ TEST_F(ConsoleDesktopTest, AnswersAreNumbersOrLettersThatOneButtonHas) {
 }
 
 TEST_F(ConsoleDesktopTest, ShowsTheWholeFailureOrOneLine) {
-    const std::pair<Integer, std::vector<const char*>> kLanguages[] = {
+    const std::pair<Integer, const char*> kCases[] = {
+        {10000, "\nWARNING! an error has occured ...\n  There is a software problem."},
         {10000,
-         {"\nWARNING! an error has occured ...\n", "  There is a software problem.",
-          "  Error description: 61 (Disk full: R?[2J & D)\n", "  Modul: Demo\n", "  Procedure: Cut\n",
-          "  Program infos: Orvo_Tile  V", "  CallStack:\n    14:25:07 [Demo] Public Sub Cut()\n",
-          "Error protocoll...\n  4  [P]rint  5  [S]ave  6  EMail  7  [W]WW\n",
-          "Continue...\n  1  [R]edo Command\n  2  [C]ontinue with next Command\n  3  Exit Procedure\n"}},
-        {0, {"4  [D]rucken  5  [S]peichern  6  [E]Mail  7  [W]WW\n", "2  Fortsetzen mit [n]ächstem Befehl"}},
-        {20000,
-         {"4  [I]mprimer  5  [S]auver  6  [E]Mail  7  [W]WW\n",
-          "1  Commande répèter\n  2  Continuer avec la commande suivante\n"}},
+         "  Error description: 61 (Disk full: R?[2J & D)\n  Modul: Demo\n  Procedure: Cut\n  Record No.: "},
+        {10000, "\n  CallStack:\n    14:25:07 [Demo] Public Sub Cut()\nError protocoll...\n"},
+        {10000, "  4  [P]rint  5  [S]ave  6  EMail  7  [W]WW\nContinue...\n  1  [R]edo Command\n"},
+        {0, "  4  [D]rucken  5  [S]peichern  6  [E]Mail  7  [W]WW\n"},
+        {0, "  2  Fortsetzen mit [n]ächstem Befehl\n  3  [P]rozedur verlassen\n"},
+        {20000, "  1  Commande répèter\n  2  Continuer avec la commande suivante\n"},
     };
-    for (const auto& [language, texts] : kLanguages) {
+    for (const auto& [language, text] : kCases) {
         LangOffset() = language;
         FailAnd({"2"});
-        for (const char* text : texts) EXPECT_THAT(user.Shown(), HasSubstr(text));
+        EXPECT_THAT(user.Shown(), HasSubstr(text));
     }
     user.options.policy = Policy::Leave;
     FailAnd({"2"});
@@ -114,13 +119,12 @@ TEST_F(ConsoleDesktopTest, ShowsTheWholeFailureOrOneLine) {
                                                     "Procédure: Cut; .*: [0-9]+ -> Procédure de sortie\n"));
     user.options.interrupted = [] { return true; };
     FailAnd({"2"});
-    EXPECT_EQ(user.Shown(), "");
+    EXPECT_EQ(user.Shown(), "") << "the failure is the interruption";
 }
 
 TEST_F(ConsoleDesktopTest, ClipboardSequencesCarryTheText) {
-    const std::pair<const char*, const char*> kTexts[] = {
-        {"", ""}, {"f", "Zg=="}, {"fo", "Zm8="}, {"foo", "Zm9v"}, {"\xff\xfe\xfd", "//79"}};
-    for (const auto& [text, coded] : kTexts)
+    for (const auto& [text, coded] :
+         {std::pair("", ""), {"f", "Zg=="}, {"fo", "Zm8="}, {"foo", "Zm9v"}, {"\xff\xfe\xfd", "//79"}})
         EXPECT_EQ(ClipboardSequence(text, Clipboard::Terminal), "\033]52;c;" + std::string(coded) + "\a");
     EXPECT_EQ(ClipboardSequence("f", Clipboard::Tmux),
               "\033]52;c;Zg==\a\033Ptmux;\033\033]52;c;Zg==\a\033\\");
@@ -131,9 +135,3 @@ TEST_F(ConsoleDesktopTest, ClipboardSequencesCarryTheText) {
 
 }  // namespace
 }  // namespace orvo::console
-
-std::vector<orvo::NamedDesktop> orvo::Desktops() {
-    return {FakeDesktop(), {"Console", [](fake::World&) -> std::unique_ptr<DesktopSubject> {
-                                return std::make_unique<console::ConsoleSubject>();
-                            }}};
-}

@@ -1,20 +1,20 @@
 #include "platform/windows/Platform.h"
 #include "platform/windows/desktop/Desktop.h"
 #include "platform/windows/system/WideText.h"
-#include "tests/contracts/Desktop.h"
+#include "tests/contracts/DesktopContract.h"
 
 namespace orvo {
 namespace {
 
 /// Nobody looks at it.
-class WindowsSubject final : public DesktopSubject {
+class WindowsSubject {
   public:
-    WindowsSubject() { attended = false; }
-    ~WindowsSubject() override { ::SetEnvironmentVariableW(windows::kOnErrorVariable, nullptr); }
-    std::shared_ptr<IDesktop> Desktop() override { return std::make_shared<windows::Desktop>(); }
-    void Plan(const std::vector<Act>& /*acts*/) override {}
-    std::string Shown() const override { return ""; }
-    bool ClipboardHolds(const std::string& text) const override {
+    explicit WindowsSubject(fake::World& /*world*/) {}
+    WindowsSubject(const WindowsSubject&) = delete;
+    WindowsSubject& operator=(const WindowsSubject&) = delete;
+    ~WindowsSubject() { ::SetEnvironmentVariableW(windows::kOnErrorVariable, nullptr); }
+    static std::shared_ptr<IDesktop> Desktop() { return std::make_shared<windows::Desktop>(); }
+    static bool ClipboardHolds(const std::string& text) {
         if (::OpenClipboard(nullptr) == 0) return false;
         const HANDLE memory = ::GetClipboardData(CF_UNICODETEXT);
         const auto* const held = static_cast<const wchar_t*>(::GlobalLock(memory));
@@ -23,23 +23,19 @@ class WindowsSubject final : public DesktopSubject {
         ::CloseClipboard();
         return same;
     }
-    std::vector<std::pair<std::function<std::shared_ptr<IDesktop>()>, bool>> WithoutUser() override {
-        const auto with = [this](const wchar_t* policy) {
-            return [=, this] {
+    static std::vector<Unattended> WithoutUser() {
+        const auto with = [](const wchar_t* policy) {
+            return [=] {
                 ::SetEnvironmentVariableW(windows::kOnErrorVariable, policy);
                 return Desktop();
             };
         };
         return {{with(L"next"), true}, {with(L"leave"), false}, {with(L"ask"), false}};
     }
+    static constexpr Long kPrinting = 482;
 };
 
+INSTANTIATE_TYPED_TEST_SUITE_P(Windows, DesktopContract, WindowsSubject);
+
 }  // namespace
-
-std::vector<NamedDesktop> Desktops() {
-    return {FakeDesktop(), {"Windows", [](fake::World&) -> std::unique_ptr<DesktopSubject> {
-                                return std::make_unique<WindowsSubject>();
-                            }}};
-}
-
 }  // namespace orvo

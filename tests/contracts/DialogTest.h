@@ -5,12 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
-#include <ostream>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "errorreport/Ferrow.h"
 #include "errorreport/Procedure.h"
@@ -19,48 +16,12 @@
 
 namespace orvo {
 
-/// What the user does: the dialog's buttons, and answers to a question.
-enum class Act { Retry, Next, Leave, Print, Save, Mail, Web, Yes, No };
-
 /// What is left of a failing procedure: how often its statement ran, and whether the next one did.
 struct Outcome {
     int runs = 0;
     bool next = false;
     bool operator==(const Outcome&) const = default;
 };
-
-struct DesktopSubject {
-    DesktopSubject() = default;
-    virtual ~DesktopSubject() = default;
-    DesktopSubject(const DesktopSubject&) = delete;
-    DesktopSubject& operator=(const DesktopSubject&) = delete;
-
-    virtual std::shared_ptr<IDesktop> Desktop() = 0;
-    /// The user's acts at the next showing: report buttons with the answer to their question, then a choice.
-    virtual void Plan(const std::vector<Act>& acts) = 0;
-    /// Messages and addresses that came to the user, as text.
-    virtual std::string Shown() const = 0;
-    virtual bool ClipboardHolds(const std::string& text) const = 0;
-    /// How a handler's failure is told.
-    virtual std::string Told(const std::string& number, const std::string& text) const {
-        return number + " (" + text + ")";
-    }
-    /// Ways to answer without a user, and whether a failing procedure then goes on.
-    virtual std::vector<std::pair<std::function<std::shared_ptr<IDesktop>()>, bool>> WithoutUser() = 0;
-
-    Long printing = 482;   ///< the number that printing fails with: there is no printer
-    bool attended = true;  ///< a test can play the user
-};
-
-struct NamedDesktop {
-    const char* name;
-    std::unique_ptr<DesktopSubject> (*make)(fake::World& world);
-    friend void PrintTo(const NamedDesktop& desktop, std::ostream* out) { *out << desktop.name; }
-};
-
-NamedDesktop FakeDesktop();
-/// The desktops that a test program has.
-std::vector<NamedDesktop> Desktops();
 
 class DialogTest : public testing::Test {
   protected:
