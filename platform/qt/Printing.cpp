@@ -1,10 +1,11 @@
 #include "platform/qt/Printing.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QFontDatabase>
 #include <QFontMetricsF>
-#include <QPainter>
 #include <QPrinter>
 #include <QPrinterInfo>
+#include <QTextDocument>
 #include <algorithm>
 
 #include "platform/RuntimeError.h"
@@ -32,45 +33,29 @@ QFont PaperFont(QPrinter& printer) {
     return font;
 }
 
-}  // namespace
-
-QStringList PaperLines(const QString& line, int columns) {
+/// Tabs become blanks up to the next multiple of eight.
+QString WithoutTabs(const QString& line) {
     QString flat;
-    for (const QChar c : line) {
-        if (c == '\t') {
-            flat += QString(kTab - flat.size() % kTab, ' ');
-        } else {
-            flat += c;
-        }
-    }
-    QStringList lines;
-    do {
-        lines.push_back(flat.left(columns));
-        flat.remove(0, columns);
-    } while (!flat.isEmpty());
-    return lines;
+    for (const QChar c : line) flat += c == '\t' ? QString(kTab - flat.size() % kTab, ' ') : QString(c);
+    return flat;
 }
 
+}  // namespace
+
 void PrintLines(QPrinter& printer, const std::vector<std::string>& lines) {
-    const QFont font = PaperFont(printer);
-    const QFontMetricsF metrics(font, &printer);
-    const QRectF page = printer.pageRect(QPrinter::DevicePixel);
-    const int columns = std::max(1, static_cast<int>(page.width() / metrics.horizontalAdvance('M')));
-    QPainter painter;
-    if (!painter.begin(&printer)) Fail("the printer does not take the document");
-    painter.setFont(font);
-    double y = 0;
-    for (const std::string& line : lines) {
-        for (const QString& part : PaperLines(FromUtf8(line), columns)) {
-            if (y + metrics.lineSpacing() > page.height()) {
-                if (!printer.newPage()) Fail("the printer does not take a further page");
-                y = 0;
-            }
-            painter.drawText(QPointF(0, y + metrics.ascent()), part);
-            y += metrics.lineSpacing();
-        }
-    }
-    if (!painter.end() || printer.printerState() == QPrinter::Error) Fail("the document was not printed");
+    QTextDocument document;
+    document.documentLayout()->setPaintDevice(&printer);
+    document.setDocumentMargin(0);
+    document.setPageSize(printer.pageRect(QPrinter::DevicePixel).size());
+    document.setDefaultFont(PaperFont(printer));
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAnywhere);
+    document.setDefaultTextOption(option);
+    QStringList text;
+    for (const std::string& line : lines) text.push_back(WithoutTabs(FromUtf8(line)));
+    document.setPlainText(text.join('\n'));
+    document.print(&printer);
+    if (printer.printerState() == QPrinter::Error) Fail("the printer does not take the document");
 }
 
 void PrintOnDefault(const std::vector<std::string>& lines, const std::string& documentName) {

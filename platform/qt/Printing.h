@@ -1,7 +1,6 @@
 // Lines of text on paper.
 #pragma once
 
-#include <QStringList>
 #include <string>
 #include <vector>
 
@@ -9,11 +8,8 @@ class QPrinter;
 
 namespace orvo::qt {
 
-/// A line for paper of so many columns: tabs stand for blanks up to the next multiple of 8, and what goes
-/// past the paper's edge continues on further lines.
-QStringList PaperLines(const QString& line, int columns);
-
-/// Prints lines in a monospaced font, page by page, as one document; fails with number 482.
+/// Prints lines in a monospaced font, page by page, as one document. What goes past the paper's edge
+/// continues on further lines. Fails with number 482 where the printer does not take the document.
 void PrintLines(QPrinter& printer, const std::vector<std::string>& lines);
 
 /// The same on the default printer.

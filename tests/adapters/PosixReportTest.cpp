@@ -97,14 +97,10 @@ TEST_F(PosixReport, StartedProgramsRunOnInASessionOfTheirOwn) {
         "cd \"$0\"; echo lost; while [ ! -e go ]; do sleep 0.02; done; "
         "ps -o sid= -p $$ > sid.part; mv sid.part sid";
     const ProcessResult left = runner.Start("/bin/sh", {"-c", script, folder.Path()}, milliseconds(50));
-    EXPECT_TRUE(left.started);
-    EXPECT_EQ(left.exitCode, -1);
-    EXPECT_EQ(left.signal, 0);
+    EXPECT_TRUE(left.started && left.exitCode == -1 && left.signal == 0);
     folder.Put("go", "");
     for (int i = 0; i < 500 && !fs::exists(folder / "sid"); ++i) ::usleep(20000);
-    const std::string session = ReadFile(folder / "sid");
-    ASSERT_FALSE(session.empty());
-    EXPECT_NE(std::stoi(session), ::getsid(0));
+    EXPECT_NE(std::stoi(ReadFile(folder / "sid")), ::getsid(0));
     // Its end is taken note of at the next start.
     for (int i = 0; i < 500 && ::waitpid(-1, nullptr, WNOHANG) == 0; ++i) {
         runner.Start("/bin/true", {}, milliseconds(1000));

@@ -1,109 +1,153 @@
-// What every desktop does for the error dialog. Include it once in a program that instantiates
-// DesktopContract.
+// What every desktop does with the error dialog, its reports, and failures in between.
 #pragma once
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <functional>
-#include <memory>
 #include <new>
 #include <stdexcept>
-#include <string>
 #include <vector>
 
-#include "errorreport/Ferrow.h"
-#include "platform/dialog/Answers.h"
+#include "tests/Failure.h"
+#include "tests/contracts/DialogTest.h"
 
 namespace orvo {
 
-/// A desktop, and what its user does. Members that a desktop has nothing for stay empty.
-struct DesktopSubject {
-    std::shared_ptr<IDesktop> desktop;
-    /// The user will click these report buttons, then this choice.
-    std::function<void(std::vector<Integer> reports, Integer choice)> plan;
-    /// What was told since the last call.
-    std::function<std::string()> told;
-    /// From now on nobody is asked: one of the two other policies answers.
-    std::function<void(dialog::Policy)> answerBy;
+/// What the user does: the dialog's buttons, and answers to a question.
+enum class Act { Retry, Next, Leave, Print, Save, Mail, Web, Yes, No };
+
+/// A way to answer without a user, and whether a failing procedure then goes on.
+struct Unattended {
+    std::function<std::shared_ptr<IDesktop>()> desktop;
+    bool goesOn;
 };
 
-/// A dialog that notes what it hears, and whose handlers fail as told.
-class NotingDialog final : public IDialogEvents {
+/// Has something happen while the n-th report of a showing is made: the first is that for the log, the second
+/// that of a button.
+class EventfulSystem final : public IOperatingSystem {
   public:
-    std::string heard;
-    std::function<void()> onActivate = [] {}, onReport = [] {};
-
-    NotingDialog() { form_.self.visible = true; }
-    const Form& Controls() const override { return form_; }
-    void Form_Activate() override {
-        if (!heard.starts_with('a')) heard += 'a';  // windows may activate more than once
-        onActivate();
-    }
-    void cmdContinue_Click(Integer index) override {
-        heard += std::to_string(index);
-        form_.self.visible = false;
-    }
-    void cmdProtocol_Click(Integer index) override {
-        heard += static_cast<char>('p' + index);
-        onReport();
+    EventfulSystem(int report, std::function<void()> event) : report_(report), event_(std::move(event)) {}
+    std::string TempFolder() override { return "C:\\Temp"; }
+    OSVersion GetVersion() override {
+        if (--report_ == 0) event_();
+        return {};
     }
 
   private:
-    Form form_ = Ferrow().Controls();
+    int report_;
+    std::function<void()> event_;
 };
 
-class DesktopContract : public testing::TestWithParam<DesktopSubject (*)()> {
+/// A subject is made from the world and has Desktop(), WithoutUser() with ways to answer unattended,
+/// ClipboardHolds(text), and kPrinting, the number that printing fails with.
+template <class Subject>
+class DesktopContract : public DialogTest {
   protected:
-    DesktopSubject subject = GetParam()();
-    IDesktop& desktop = *subject.desktop;
+    void Begin(std::shared_ptr<IDesktop> desktop, int report, std::function<void()> event) {
+        ShowOn(std::move(desktop));
+        platform::Platform made = platform::Current();
+        made.operatingSystem = std::make_shared<EventfulSystem>(report, std::move(event));
+        platform::Install(std::move(made));
+    }
+    Subject subject{*world};
 };
-/// Of desktops that a policy can answer for.
-class UnaskedDesktopContract : public DesktopContract {};
 
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(DesktopContract);
-GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(UnaskedDesktopContract);
+/// Here a subject also has Plan(acts), report buttons with the answer to their question and then a choice,
+/// Shown() with all messages and addresses that came to the user, and Told(number, text), a handler's failure
+/// as shown.
+template <class Subject>
+class AttendedDesktop : public DesktopContract<Subject> {
+  protected:
+    AttendedDesktop() { this->ShowOn(subject.Desktop()); }
+    Outcome FailAnd(const std::vector<Act>& acts) {
+        subject.Plan(acts);
+        return this->Fail();
+    }
+    void ExpectShown(const std::string& text) { EXPECT_THAT(subject.Shown(), testing::HasSubstr(text)); }
+    using DesktopContract<Subject>::subject;
+};
 
-TEST_P(DesktopContract, AFailingHandlerIsToldByNumberAndEndsAlone) {
-    const std::pair<std::function<void()>, std::vector<std::string>> faults[] = {
-        {[] {}, {}},
-        {[] { throw RuntimeError(Fault::PermissionDenied, "R & D"); }, {"70", "Permission denied: R & D"}},
-        {[] { throw std::bad_alloc(); }, {"7", "Out of memory"}},
-        {[] { throw std::logic_error("odd"); }, {"440", "odd"}},
-        {[] { throw 3; }, {"440", "Automation error"}},
+TYPED_TEST_SUITE_P(DesktopContract);
+TYPED_TEST_SUITE_P(AttendedDesktop);
+
+TYPED_TEST_P(DesktopContract, AnswersWithoutAUserAndNeverWaits) {
+    for (const auto& [make, goesOn] : this->subject.WithoutUser()) {
+        for (const Integer language : {Integer{10000}, Integer{30000}}) {
+            LangOffset() = 10000;
+            this->log.clear();
+            const auto desktop = make();
+            // A language without texts: the window's activation fails.
+            this->Begin(desktop, 1, [=] { LangOffset() = language; });
+            EXPECT_EQ(this->Fail(), (Outcome{1, goesOn}));
+            EXPECT_THAT(this->log, testing::HasSubstr("61 (Disk full: R & D)"));
+            EXPECT_EQ(desktop->MessageBox("?", "", MessageIcon::None, MessageButtons::YesNo),
+                      MessageAnswer::No);
+        }
+    }
+}
+
+TYPED_TEST_P(DesktopContract, CopiesTextsAndSaysWhereThereIsNoPrinter) {
+    const std::string text = "Grüße\r\n\"€\"";
+    this->subject.Desktop()->CopyToClipboard(text);
+    EXPECT_TRUE(this->subject.ClipboardHolds(text));
+    EXPECT_EQ(NumberOf([&] { this->subject.Desktop()->Print({"line"}); }), this->subject.kPrinting);
+}
+
+TYPED_TEST_P(AttendedDesktop, EachChoiceHasItsEnd) {
+    EXPECT_EQ(this->FailAnd({Act::Retry}), (Outcome{2, true}));
+    EXPECT_EQ(this->FailAnd({Act::Next}), (Outcome{1, true}));
+    EXPECT_EQ(this->FailAnd({Act::Leave}), (Outcome{1, false}));
+}
+
+TYPED_TEST_P(AttendedDesktop, SaveAsksBeforeItReplaces) {
+    EXPECT_EQ(this->FailAnd({Act::Save, Act::No, Act::Next}), (Outcome{1, true}));
+    EXPECT_EQ(this->saved, "old");
+    this->ExpectShown("'C:\\Temp\\Orvo_Tile.ERR' exists, overwrite file ?");
+    EXPECT_THAT(this->subject.Shown(), testing::Not(testing::HasSubstr("was written into")));
+    EXPECT_EQ(this->FailAnd({Act::Save, Act::Yes, Act::Leave}), (Outcome{1, false}));
+    EXPECT_THAT(this->saved, testing::HasSubstr("\t61 (Disk full: R & D)\r\n"));
+    this->ExpectShown("was written into 'C:\\Temp\\Orvo_Tile.ERR'");
+}
+
+TYPED_TEST_P(AttendedDesktop, MailAndWebHandOnWhatIsLogged) {
+    this->FailAnd({Act::Leave});  // its activation brings the texts of the report
+    for (const auto& [act, address] :
+         {std::pair(Act::Mail, "mailto:support@example.com"), {Act::Web, "www.example.com/support/en"}}) {
+        this->log.clear();
+        EXPECT_EQ(this->FailAnd({act, Act::Leave}), (Outcome{1, false}));
+        EXPECT_TRUE(this->subject.ClipboardHolds(this->log.substr(0, this->log.size() - 2)));
+        this->ExpectShown(address);
+        this->ExpectShown("All error information are copied to the clipboard");
+    }
+}
+
+TYPED_TEST_P(AttendedDesktop, EveryExceptionOfAHandlerIsToldAndTheDialogStays) {
+    const struct {
+        void (*raise)();
+        const char *number, *text;
+    } cases[] = {
+        {[] { throw RuntimeError(Fault::ResourceNotFound, "8007"); }, "326", "Resource not found: 8007"},
+        {[] { throw std::bad_alloc(); }, "7", "Out of memory"},
+        {[] { throw std::invalid_argument("odd"); }, "440", "odd"},
+        {[] { throw 3; }, "440", "Automation error"},
     };
-    for (const auto& [fault, texts] : faults) {
-        for (const Integer choice : {dialog::kRetry, dialog::kNextStatement, dialog::kLeaveProcedure}) {
-            NotingDialog shown;
-            shown.onReport = fault;
-            subject.plan({0, 3}, choice);
-            desktop.ShowModal(shown);
-            EXPECT_EQ(shown.heard, "aps" + std::to_string(choice)) << "the dialog stays until a choice";
-            const std::string told = subject.told();
-            for (const std::string& text : texts) EXPECT_THAT(told, testing::HasSubstr(text));
-        }
+    for (const auto& [raise, number, text] : cases) {
+        this->Begin(this->subject.Desktop(), 2, raise);
+        EXPECT_EQ(this->FailAnd({Act::Web, Act::Next}), (Outcome{1, true}));
+        this->ExpectShown(this->subject.Told(number, text));
     }
-    NotingDialog unprepared;
-    unprepared.onActivate = [] { throw RuntimeError(Fault::ResourceNotFound); };
-    subject.plan({}, dialog::kNextStatement);
-    desktop.ShowModal(unprepared);
-    EXPECT_EQ(unprepared.heard, "a1");
-    EXPECT_THAT(subject.told(), testing::HasSubstr("326"));
 }
 
-TEST_P(UnaskedDesktopContract, WhereNobodyIsAskedTheChoiceIsMadeWhateverFails) {
-    for (const auto& [policy, heard] :
-         {std::pair{dialog::Policy::Next, "a1"}, std::pair{dialog::Policy::Leave, "a2"}}) {
-        subject.answerBy(policy);
-        for (const bool fails : {false, true}) {
-            NotingDialog unseen;
-            if (fails) unseen.onActivate = [] { throw RuntimeError(Fault::DeviceIOError); };
-            desktop.ShowModal(unseen);
-            EXPECT_EQ(unseen.heard, heard);
-        }
-        EXPECT_EQ(desktop.MessageBox("t", "", MessageIcon::Critical, MessageButtons::OK), MessageAnswer::OK);
-        EXPECT_EQ(desktop.MessageBox("t", "", MessageIcon::None, MessageButtons::YesNo), MessageAnswer::No);
-    }
+TYPED_TEST_P(AttendedDesktop, AFailureWhileOneIsShownReachesTheCallerOfTheSecond) {
+    Long second = 0;
+    this->Begin(this->subject.Desktop(), 2, [&] { second = NumberOf([] { DialogTest::Fail(); }); });
+    EXPECT_EQ(this->FailAnd({Act::Web, Act::Next}), (Outcome{1, true}));
+    EXPECT_EQ(second, 400);
+    EXPECT_EQ(this->FailAnd({Act::Leave}), (Outcome{1, false})) << "shown again once the first is closed";
 }
+
+REGISTER_TYPED_TEST_SUITE_P(DesktopContract, AnswersWithoutAUserAndNeverWaits,
+                            CopiesTextsAndSaysWhereThereIsNoPrinter);
+REGISTER_TYPED_TEST_SUITE_P(AttendedDesktop, EachChoiceHasItsEnd, SaveAsksBeforeItReplaces,
+                            MailAndWebHandOnWhatIsLogged, EveryExceptionOfAHandlerIsToldAndTheDialogStays,
+                            AFailureWhileOneIsShownReachesTheCallerOfTheSecond);
 
 }  // namespace orvo

@@ -15,6 +15,7 @@ from host_run import ORVO_TILE, HostTest
 
 LEAVE = {"de": "Prozedur verlassen", "en": "Exit Procedure", "fr": "Procédure de sortie"}
 PROMPT = "(1-7) > "
+MAIL, WEB = "support@example.com", "https://www.example.com/support/en"
 
 
 class ErrorDemoTest(HostTest):
@@ -77,10 +78,9 @@ class ErrorDemoTest(HostTest):
         self.assertEqual(json.loads(done.stdout)["answer"], "leave")
 
     def test_report_actions_at_a_terminal(self):
-        self.program("lp", f'/bin/cat "$1" > "{self.folder}/printed"')
+        self.program("lpr", f'/bin/cat "$1" > "{self.folder}/printed"; echo "$1" > "{self.folder}/document"')
         self.program("xdg-open", f'echo "$1" >> "{self.folder}/opened"')
-        answers = ("p", "s", "s", "6", "e", "w", "r", "3")
-        turns = [(PROMPT, answer + "\n") for answer in answers]
+        turns = [(PROMPT, answer + "\n") for answer in ("p", "s", "s", "6", "e", "w", "r", "3")]
         turns.insert(3, ("[y/n] > ", "n\n"))  # the second file would replace the first
         answer, shown = self.session(*turns, DISPLAY=":9999")
         self.assertEqual(answer, {"shown": 2, "answer": "leave", "log": self.path("Orvo_Tile.EPT"),
@@ -89,12 +89,30 @@ class ErrorDemoTest(HostTest):
                      "Please give the number: 3, 6\n",
                      "technical Support of Example ."):  # the second notice is complete
             self.assertIn(text, shown)
-        self.assertEqual(self.read("opened"), "mailto:support@example.com\nhttps://www.example.com/support/en\n")
+        self.assertEqual(self.read("opened"), f"mailto:{MAIL}\n{WEB}\n")
         copies = [base64.b64decode(text).decode() for text in re.findall("\033]52;c;([^\a]*)\a", shown)]
         self.assertEqual(len(copies), 2)
         for text in (*copies, self.read("Orvo_Tile.ERR")):
             self.assertIn("Error description:\t11 (Division by zero", text)
         self.assertIn("          Modul:\tErrorDemo \n", self.read("printed"))
+        self.assertFalse(os.path.exists(self.read("document").strip()))
+
+    def test_what_fails_or_is_missing_is_said_and_what_else_serves_is_used(self):
+        self.program("xdg-open", "exit 3")
+        self.program("lynx", f'echo "$@" >> "{self.folder}/opened"')
+        missing = self.session((PROMPT, "p\n"), (PROMPT, "6\n"), (PROMPT, "w\n"), (PROMPT, "\x04"),
+                               TERM="dumb", DISPLAY=":9999", BROWSER="lynx -x %s:other")[1]
+        self.program("lp", "echo no; echo default; exit 1")
+        self.program("lpr", "exit 0")  # is not asked after lp
+        answer, failing = self.session((PROMPT, "p\n"), (PROMPT, "w\n"), (PROMPT, "\x04"), BROWSER="lynx")
+        self.assertEqual(answer["answer"], "leave")
+        for shown, text in ((missing, "482 (Printer error: there is no lp or lpr; install cups-client"),
+                            (missing, "The report stands last in " + self.path("Orvo_Tile.EPT")),
+                            (missing, "open this address yourself: mailto:" + MAIL),  # a browser sends none
+                            (failing, "482 (Printer error: lp says: no default (lpoptions"),
+                            (failing, "open this address yourself: " + WEB)):  # there is no display
+            self.assertIn(text, shown)
+        self.assertEqual(self.read("opened"), f"-x {WEB}\n")
 
     def test_a_log_that_cannot_be_written_hides_nothing(self):
         cannot = "The error report cannot be logged. Path not found: /no/folder/Orvo_Tile.EPT"

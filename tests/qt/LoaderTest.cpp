@@ -4,7 +4,6 @@
 
 #include <clocale>
 
-#include "platform/fake/World.h"
 #include "platform/linux/WindowModule.h"
 #include "tests/Failure.h"
 #include "tests/Variable.h"
@@ -41,22 +40,6 @@ TEST(WindowModule, WithoutADisplayOrAModuleThereIsAReasonAndNoCrash) {
     EXPECT_THAT(WhyNot(folder.Path()), HasSubstr("orvo_window.so is not installed"));
     folder.Put("orvo_window.so", "no library");
     EXPECT_THAT(WhyNot(folder.Path()), HasSubstr(folder / "orvo_window.so"));
-}
-
-TEST(WindowModule, OnDemandTheOtherDesktopServesWhereThereIsNoWindow) {
-    const auto world = fake::World::Make();
-    const TempFolder empty;
-    WindowOptions options;
-    options.moduleFolder = empty.Path();
-    int told = 0;
-    const auto desktop =
-        WindowOnDemand(options, world->MakePlatform().desktop, [&](const std::string&) { ++told; });
-    EXPECT_EQ(told, 0);
-    desktop->Beep();
-    desktop->Open("mailto:a@example.com");
-    EXPECT_EQ(world->beeps, 1);
-    EXPECT_EQ(world->opened, std::vector<std::string>{"mailto:a@example.com"});
-    EXPECT_EQ(told, 1);
 }
 
 TEST(WindowModule, OpensBesideTheProgramAndLeavesTheLocaleAlone) {

@@ -1,106 +1,68 @@
 // The report's ways out of the window, and the desktop's services.
-#include <QClipboard>
 #include <QPrinter>
 
 #include "platform/qt/Printing.h"
 #include "tests/Failure.h"
-#include "tests/qt/WindowFixture.h"
+#include "tests/qt/WindowUser.h"
 
 namespace orvo::qt {
 namespace {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::StartsWith;
 
-class ReportTest : public WindowTest {
-  protected:
-    ReportTest() { QApplication::clipboard()->setText("before"); }
-    /// Clicks a report button; the dialog must stay open, and is left.
-    void Use(const char* button) {
-        boxes.clear();
-        EXPECT_EQ(Fail({Click(button), Click("cmdContinue(2)")}), (Outcome{1, false}));
-    }
-    std::string& saved = world->files["C:\\Temp\\Orvo_Tile.ERR"] = "old";
-};
+INSTANTIATE_TYPED_TEST_SUITE_P(Window, DesktopContract, WindowUser);
+INSTANTIATE_TYPED_TEST_SUITE_P(Window, AttendedDesktop, WindowUser);
 
-TEST_F(ReportTest, MailAndWebGoThroughTheClipboard) {
-    LangOffset() = 10000;
-    Use("cmdProtocol(2)");
-    ASSERT_EQ(boxes.size(), 1U);
-    EXPECT_THAT(boxes[0].text, StartsWith("All error information are copied to the clipboard\n.\n\nPlease"));
-    EXPECT_THAT(Clipboard(), StartsWith(std::string(70, '-') + "\r\nF E H L E R"));
-
-    MakeOpener("sleep 4");  // a browser in the foreground
-    Use("cmdProtocol(3)");
-    EXPECT_THAT(boxes, IsEmpty());
-    EXPECT_EQ(Opened(), "mailto:" + Text(9106) + "\n" + Text(9108) + "\n");
-
-    QApplication::clipboard()->setText("before");
-    MakeOpener("exit 3");
-    Use("cmdProtocol(3)");
-    ASSERT_EQ(boxes.size(), 1U);
-    EXPECT_EQ(boxes[0].text, "No program opens this address:\n\n" + Text(9108) +
-                                 "\n\nThe error report is on the clipboard.");
-    EXPECT_NE(Clipboard(), "before");
-}
-
-TEST_F(ReportTest, AFailingActionIsToldAndTheDialogStays) {
-    world->lockedFiles.insert("C:\\Temp\\Orvo_Tile.ERR");
+TEST_F(WindowTest, BoxesAreInTheUsersLanguage) {
     const struct {
-        Integer offset;
-        const char *button, *text;
+        Integer language;
+        const char *button, *box;
     } cases[] = {
-        {0, "cmdProtocol(0)", "Laufzeitfehler '482':\n\nPrinter error: there is no default printer"},
-        {0, "cmdProtocol(1)", "Laufzeitfehler '70':\n\nPermission denied"},
-        {20000, "cmdProtocol(2)", "Erreur d'exécution '326' :\n\nResource"},
+        {0, "cmdProtocol(1)", "Orvo_Tile|&Ja|&Nein|'C:\\Temp\\Orvo_Tile.ERR' existiert"},
+        {10000, "cmdProtocol(2)", "Orvo_Tile|OK|All error information are copied to the clipboard\n.\n\nPl"},
+        {0, "cmdProtocol(0)", "Orvo_Tile|OK|Laufzeitfehler '482':\n\nPrinter error: there is no default p"},
+        {20000, "cmdProtocol(2)", "Orvo_Tile|OK|Erreur d'exécution '326' :\n\nResource"},
     };
-    for (const auto& [offset, button, text] : cases) {
-        LangOffset() = offset;
-        Use(button);
-        ASSERT_FALSE(boxes.empty());
-        EXPECT_THAT(boxes.back().text, StartsWith(text));
+    for (const auto& [language, button, box] : cases) {
+        LangOffset() = language;
+        FailAnd({Click(button), Click("cmdContinue(2)")});
+        EXPECT_THAT(user.Shown(), testing::StartsWith(box));
     }
-    EXPECT_EQ(Clipboard(), "before");
-    EXPECT_EQ(Opened(), "");
-    EXPECT_EQ(saved, "old");
 }
 
-TEST_F(ReportTest, ThePointerIsSetBackHoweverOftenItWasChanged) {
+TEST_F(WindowTest, ABrowserMayStayInTheForegroundOrBeMissing) {
+    const std::string missing =
+        "No program opens this address:\n\n" + Text(9108) + "\n\nThe error report is on the clipboard.";
+    for (const auto& [commands, opens] : {std::pair("sleep 4", true), {"exit 3", false}}) {
+        user.MakeOpener(commands);
+        FailAnd({Click("cmdProtocol(3)"), Click("cmdContinue(2)")});
+        EXPECT_THAT(user.Shown(), HasSubstr(Text(9108) + "\n"));
+        EXPECT_EQ(user.Shown().find(missing) == std::string::npos, opens);
+    }
+}
+
+TEST_F(WindowTest, ThePointerIsSetBackAndOtherThreadsAreRefused) {
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     QGuiApplication::setOverrideCursor(Qt::BusyCursor);
-    desktop->ResetPointer();
+    user.desktop->ResetPointer();
     EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    std::thread([&] { EXPECT_EQ(NumberOf([&] { user.desktop->Beep(); }), 429); }).join();
 }
 
-TEST_F(ReportTest, ThreadsThatMayNotUseWindowsAreRefused) {
-    std::thread([&] {
-        const auto box = [&] { desktop->MessageBox("", "", MessageIcon::None, MessageButtons::OK); };
-        EXPECT_EQ(NumberOf(box), 429);
-    }).join();
-}
-
-TEST(Paper, TabsAreExpandedAndNothingIsCutOff) {
-    EXPECT_EQ(PaperLines("ab\tc\t\td", 80), QStringList{"ab      c               d"});
-    EXPECT_EQ(PaperLines("", 80), QStringList{""});
-    EXPECT_EQ(PaperLines("abcdefgh", 3), (QStringList{"abc", "def", "gh"}));
-}
-
-TEST(Paper, LongReportsGoOverSeveralPages) {
-    std::string whyNot;
-    ASSERT_TRUE(EnsureApplication([] { return ""; }, whyNot)) << whyNot;
+TEST_F(WindowTest, PaperTakesLongReportsAndLongLinesAndARefusalIsTold) {
     const TempFolder folder;
-    const auto pages = [&](std::size_t lines) {
+    const auto print = [&](const std::string& file, std::size_t lines, const std::string& line) {
         QPrinter printer;
         printer.setPageSize(QPageSize(QPageSize::A4));
-        printer.setOutputFileName(QString::fromStdString(folder / "out.pdf"));
-        PrintLines(printer, std::vector<std::string>(lines, "Zeile"));
-        return QByteArray::fromStdString(ReadFile(folder / "out.pdf")).count("/Type /Page\n");
+        printer.setOutputFileName(QString::fromStdString(folder / file));
+        PrintLines(printer, std::vector<std::string>(lines, line));
+        return QByteArray::fromStdString(ReadFile(folder / file)).count("/Type /Page\n");
     };
-    EXPECT_EQ(pages(1), 1);
-    EXPECT_GE(pages(200), 3);  // at most 80 lines of 10 points on 842 points of paper
-    EXPECT_LE(pages(200), 5);
+    EXPECT_EQ(print("a.pdf", 50, std::string(5, '\t') + std::string(53, 'x')), 1)
+        << "93 columns are one line";
+    EXPECT_THAT(print("a.pdf", 200, "Zeile"), testing::AnyOf(3, 4));  // up to 80 lines on 842 points of paper
+    EXPECT_GE(print("a.pdf", 1, std::string(200UL * 93, 'x')), 3) << "nothing is cut off";
+    EXPECT_EQ(NumberOf([&] { print("none/a.pdf", 1, "x"); }), 482);
 }
 
 }  // namespace
