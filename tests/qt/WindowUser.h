@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 #include <array>
 #include <deque>
 #include <functional>
@@ -37,7 +38,11 @@ inline Step Press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     return [=](QDialog& window) {
         QWidget* focus = window.focusWidget();
         QTest::keyClick(focus == nullptr ? &window : focus, static_cast<Qt::Key>(key), modifiers);
-        QTest::qWait(150);  // a button stays down for a moment
+        // A button stays down for a moment before it clicks.
+        const auto buttons = window.findChildren<QPushButton*>();
+        QTest::qWait(20);
+        static_cast<void>(QTest::qWaitFor(
+            [&] { return std::ranges::none_of(buttons, [](const QPushButton* b) { return b->isDown(); }); }));
     };
 }
 
