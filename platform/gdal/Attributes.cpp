@@ -1,12 +1,13 @@
 #include "platform/gdal/Attributes.h"
 
-#include <cpl_json.h>
 #include <cpl_string.h>
 #include <ogr_feature.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <nlohmann/json.hpp>
 
 #include "platform/RuntimeError.h"
 
@@ -140,16 +141,13 @@ std::string IsoTime(OGRFieldType type, const OGRField& field) {
            CPLSPrintf("%c%02d:%02d", minutes < 0 ? '-' : '+', std::abs(minutes) / 60, std::abs(minutes) % 60);
 }
 
-void AppendText(std::string& text, const OGRFieldDefn& definition, const char* value) {
-    if (definition.GetSubType() == OFSTJSON) {
-        CPLJSONDocument document;
-        const CPLErrorHandlerPusher quiet(CPLQuietErrorHandler);
-        if (document.LoadMemory(std::string(value))) {
-            text += value;
-            return;
-        }
+/// JSON stays as it is, digit for digit; between its tokens line breaks become spaces.
+void AppendText(std::string& text, const OGRFieldDefn& definition, std::string_view value) {
+    if (definition.GetSubType() != OFSTJSON || !IsJson(value)) {
+        text += JsonText(value);
+        return;
     }
-    text += JsonText(value);
+    for (const char c : value) text += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
 }
 
 void AppendField(std::string& text, const OGRFeature& feature, int i) {
@@ -212,6 +210,35 @@ std::string_view ReadAttributes(std::string_view bytes, OGRFeature& feature) {
     return reader.Rest();
 }
 
+std::string MendTexts(OGRFeature& feature) {
+    std::string first;
+    const auto note = [&](int i) {
+        if (first.empty()) first = ValidUtf8(feature.GetFieldDefnRef(i)->GetNameRef());
+    };
+    for (int i = 0; i < feature.GetFieldCount(); ++i) {
+        const OGRFieldType type = feature.GetFieldDefnRef(i)->GetType();
+        if ((type != OFTString && type != OFTStringList) || !feature.IsFieldSetAndNotNull(i)) continue;
+        const OGRField& field = *feature.GetRawFieldRef(i);
+        if (type == OFTString) {
+            const std::string valid = ValidUtf8(field.String);
+            if (valid == field.String) continue;
+            note(i);
+            feature.SetField(i, valid.c_str());
+            continue;
+        }
+        CPLStringList texts;
+        bool isValid = true;
+        for (int n = 0; n < field.StringList.nCount; ++n) {
+            texts.AddString(ValidUtf8(field.StringList.paList[n]).c_str());
+            isValid = isValid && std::strcmp(texts[n], field.StringList.paList[n]) == 0;
+        }
+        if (isValid) continue;
+        note(i);
+        feature.SetField(i, texts.List());
+    }
+    return first;
+}
+
 std::string JsonMembers(const OGRFeature& feature) {
     std::string text;
     for (int i = 0; i < feature.GetFieldCount(); ++i) {
@@ -226,15 +253,35 @@ std::string JsonMembers(const OGRFeature& feature) {
     return text;
 }
 
+std::string JsonValue(const OGRFeature& feature, int field) {
+    std::string text;
+    AppendField(text, feature, field);
+    return text;
+}
+
+bool IsJson(std::string_view text) {
+    constexpr int kDeepest = 100;
+    bool tooDeep = false;
+    const auto parsed = nlohmann::json::parse(
+        text.begin(), text.end(),
+        [&](int depth, nlohmann::json::parse_event_t, nlohmann::json&) {
+            tooDeep = tooDeep || depth > kDeepest;
+            return !tooDeep;
+        },
+        false);
+    return !parsed.is_discarded() && !tooDeep;
+}
+
+std::string ValidUtf8(std::string_view text) {
+    if (std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
+        return std::string(text);
+    using nlohmann::json;
+    return json::parse(json(text).dump(-1, ' ', false, json::error_handler_t::replace)).get<std::string>();
+}
+
 std::string JsonText(std::string_view text) {
-    std::string valid(text);
-    if (!CPLIsUTF8(valid.data(), static_cast<int>(valid.size()))) {
-        char* const forced = CPLForceToASCII(valid.data(), static_cast<int>(valid.size()), '?');
-        valid = forced;
-        CPLFree(forced);
-    }
     std::string json = "\"";
-    for (const char c : valid) {
+    for (const char c : ValidUtf8(text)) {
         if (c == '"' || c == '\\') json += '\\';
         if (static_cast<unsigned char>(c) < 0x20)
             json += CPLSPrintf("\\u%04x", static_cast<unsigned>(c));

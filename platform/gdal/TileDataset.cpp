@@ -4,10 +4,12 @@
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
+#include <algorithm>
+#include <cstring>
+
 #include "platform/RuntimeError.h"
 #include "platform/gdal/Attributes.h"
 #include "platform/gdal/ScopedOption.h"
-#include "platform/gdal/Startup.h"
 
 namespace orvo::gdal {
 namespace {
@@ -19,28 +21,6 @@ namespace {
 std::string Metadata(GDALDriver& driver, const char* item) {
     const char* const value = driver.GetMetadataItem(item);
     return value == nullptr ? "" : value;
-}
-
-/// The first one; empty where the format is no file, or a folder.
-std::string ExtensionOf(GDALDriver& driver) {
-    const CPLStringList extensions(CSLTokenizeString(Metadata(driver, GDAL_DMD_EXTENSIONS).c_str()));
-    if (extensions.empty() || EQUAL(extensions[0], "gdb")) return "";
-    return extensions[0];
-}
-
-bool Writes(GDALDriver& driver) {
-    return Metadata(driver, GDAL_DCAP_VECTOR) == "YES" && Metadata(driver, GDAL_DCAP_CREATE) == "YES" &&
-           !ExtensionOf(driver).empty();
-}
-
-/// The extension that a name or an extension stands for; empty where it is none of the driver's.
-std::string ExtensionFor(GDALDriver& driver, const std::string& text) {
-    if (EQUAL(driver.GetDescription(), text.c_str())) return ExtensionOf(driver);
-    const CPLStringList extensions(CSLTokenizeString(Metadata(driver, GDAL_DMD_EXTENSIONS).c_str()));
-    const int found = extensions.FindString(text.c_str());
-    if (found < 0) return "";
-    // A table alone holds no geometries: its driver writes all files of the shapefile.
-    return EQUAL(extensions[found], "dbf") ? ExtensionOf(driver) : extensions[found];
 }
 
 OGRwkbGeometryType TypeOf(const TileSchema& schema) {
@@ -78,8 +58,8 @@ OGRFieldType Held(OGRFieldType type, const std::string& types) {
     return type == OFTInteger64 && knows(OFTReal) ? OFTReal : OFTString;
 }
 
-void Adapt(OGRFieldDefn& field, const std::string& types) {
-    const OGRFieldType type = Held(field.GetType(), types);
+void Adapt(OGRFieldDefn& field, const std::string& types, bool isText) {
+    const OGRFieldType type = isText ? OFTString : Held(field.GetType(), types);
     if (type != field.GetType()) {
         field.SetSubType(OFSTNone);
         field.SetType(type);
@@ -94,22 +74,23 @@ void Adapt(OGRFieldDefn& field, const std::string& types) {
     field.SetUnique(FALSE);
 }
 
-}  // namespace
-
-VectorFormat FindVectorFormat(const std::string& text) {
-    Start();
-    GDALDriverManager& manager = *GetGDALDriverManager();
-    std::string names;
-    for (int i = 0; i < manager.GetDriverCount(); ++i) {
-        GDALDriver& driver = *manager.GetDriver(i);
-        if (!Writes(driver)) continue;
-        const std::string name = driver.GetDescription();
-        const std::string extension = ExtensionFor(driver, text);
-        if (!extension.empty()) return {name, extension, name != "ESRI Shapefile"};
-        names += (names.empty() ? "" : ", ") + name;
-    }
-    Fail("\"" + text + "\" is no vector format that can be written; choose one of " + names);
+/// Whether the format's own library writes the files, and sees whatever fails; it needs their true names.
+bool ChecksItsWrites(const std::string& format) {
+    return format == "GPKG" || format == "SQLite" || format == "MBTiles" || format == "netCDF" ||
+           format == "FITS";
 }
+
+std::int64_t VertexCount(const OGRGeometry* geometry) {
+    struct Counter : OGRDefaultConstGeometryVisitor {
+        using OGRDefaultConstGeometryVisitor::visit;
+        void visit(const OGRPoint*) override { ++count; }
+        std::int64_t count = 0;
+    } counter;
+    if (geometry != nullptr) geometry->accept(&counter);
+    return counter.count;
+}
+
+}  // namespace
 
 TileDataset::TileDataset(const std::string& path, const std::string& name, const TileSchema& schema)
     : schema_(schema), path_(path), name_(name) {
@@ -117,11 +98,12 @@ TileDataset::TileDataset(const std::string& path, const std::string& name, const
     // A tile that is not complete is thrown away, so nothing has to survive a crash.
     const ScopedOption quick("OGR_SQLITE_SYNCHRONOUS", "OFF");
     GDALDriver& driver = *GetGDALDriverManager()->GetDriverByName(schema.format.name.c_str());
-    dataset_.reset(driver.Create(path.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
-    if (!dataset_) Fail(path + " cannot be created: " + errors.Reason("no reason was given"));
+    const std::string target = ChecksItsWrites(schema.format.name) ? path : files_.NameOf(path);
+    dataset_.reset(driver.Create(target.c_str(), 0, 0, 0, GDT_Unknown, nullptr));
+    if (!dataset_) FailToCreate(errors);
     CPLStringList options = LayerOptions(schema);
     layer_ = dataset_->CreateLayer(name.c_str(), schema.system, TypeOf(schema), options.List());
-    if (layer_ == nullptr) Fail(path + " cannot be created: " + errors.Reason("no reason was given"));
+    if (layer_ == nullptr) FailToCreate(errors);
     if (layer_->GetGeomType() == wkbNone)
         Fail(schema.format.name + " holds no geometries; choose another --format");
     CreateFields();
@@ -135,24 +117,57 @@ TileDataset::~TileDataset() {
     dataset_.reset();
 }
 
+void TileDataset::FailToCreate(const ErrorCapture& errors) const {
+    const std::string reason = files_.Failure();
+    Fail(path_ + " cannot be created: " +
+         (reason.empty() ? files_.WithPaths(errors.Reason("no reason was given")) : reason));
+}
+
+void TileDataset::FailToWrite(const std::string& reason) const {
+    throw RuntimeError(static_cast<Long>(Fault::DeviceIOError), files_.WithPaths(reason));
+}
+
 void TileDataset::CreateFields() {
-    const ErrorCapture errors(&warnings_);
     const std::string types = Metadata(*dataset_->GetDriver(), GDAL_DMD_CREATIONFIELDDATATYPES);
-    const auto create = [&](OGRFieldDefn&& field) {
-        Adapt(field, types);
-        const int count = layer_->GetLayerDefn()->GetFieldCount();
-        if (layer_->CreateField(&field) == OGRERR_NONE && layer_->GetLayerDefn()->GetFieldCount() > count)
-            return count;
-        // Some formats bring their own fields.
-        const int there = layer_->GetLayerDefn()->GetFieldIndex(field.GetNameRef());
-        if (there >= 0) return there;
+    std::set<int> taken;
+    const auto create = [&](OGRFieldDefn&& field, const std::string& name, bool isText) {
+        const ValueKind kind = KindOf(field);
+        Adapt(field, types, isText);
+        const int target = CreateField(field, taken);
+        taken.insert(target);
+        const std::string written = layer_->GetLayerDefn()->GetFieldDefn(target)->GetNameRef();
+        fields_.push_back({name, kind, target, written});
+    };
+    for (int i = 0; i < schema_.fields->GetFieldCount(); ++i) {
+        OGRFieldDefn field(schema_.fields->GetFieldDefn(i));
+        const std::string name = field.GetNameRef();
+        if (const auto other = schema_.renamed.find(i); other != schema_.renamed.end())
+            field.SetName(other->second.c_str());
+        create(std::move(field), name, schema_.asText.contains(i));
+    }
+    create(OGRFieldDefn(schema_.idField.c_str(), OFTInteger64), schema_.idField,
+           schema_.asText.contains(schema_.fields->GetFieldCount()));
+    create(OGRFieldDefn(schema_.tileField.c_str(), OFTString), schema_.tileField, false);
+}
+
+/// @return its number in the file
+int TileDataset::CreateField(OGRFieldDefn& field, const std::set<int>& taken) {
+    const ErrorCapture errors(&warnings_);
+    OGRFeatureDefn& there = *layer_->GetLayerDefn();
+    const auto create = [&] {
+        const int count = there.GetFieldCount();
+        const bool made = layer_->CreateField(&field) == OGRERR_NONE && there.GetFieldCount() > count;
+        return made ? count : there.GetFieldIndex(field.GetNameRef());
+    };
+    int made = create();  // some formats bring a field of that name
+    if (taken.contains(made)) {
+        field.SetName(FreeFieldName(there, field.GetNameRef()).c_str());
+        made = create();
+    }
+    if (made < 0 || taken.contains(made))
         Fail(schema_.format.name + " cannot hold the field \"" + field.GetNameRef() + "\" (" +
              errors.Reason("no reason was given") + "); choose another --format");
-    };
-    for (int i = 0; i < schema_.fields->GetFieldCount(); ++i)
-        targets_.push_back(create(OGRFieldDefn(schema_.fields->GetFieldDefn(i))));
-    idTarget_ = create(OGRFieldDefn(schema_.idField.c_str(), OFTInteger64));
-    tileTarget_ = create(OGRFieldDefn(schema_.tileField.c_str(), OFTString));
+    return made;
 }
 
 void TileDataset::Add(std::string_view attributes, std::int64_t id, std::span<const unsigned char> wkb) {
@@ -160,19 +175,39 @@ void TileDataset::Add(std::string_view attributes, std::int64_t id, std::span<co
     source_->Reset();
     ReadAttributes(attributes, *source_);
     OGRFeature feature(layer_->GetLayerDefn());
-    feature.SetFieldsFrom(source_.get(), targets_.data(), TRUE);
-    feature.SetField(idTarget_, static_cast<GIntBig>(id));
-    feature.SetField(tileTarget_, name_.c_str());
+    SetFields(feature, id);
     OGRGeometry* geometry = nullptr;
     if (OGRGeometryFactory::createFromWkb(wkb.data(), nullptr, &geometry, wkb.size(), wkbVariantIso) !=
         OGRERR_NONE)
         Fail("a geometry cannot be read back");
     const OGRwkbGeometryType type = TypeOf(schema_);
     if (wkbFlatten(type) != wkbUnknown) geometry = OGRGeometryFactory::forceTo(geometry, type);
+    vertices_ += VertexCount(geometry);
     feature.SetGeometryDirectly(geometry);
     if (layer_->CreateFeature(&feature) != OGRERR_NONE)
-        Fail("a feature cannot be written: " + errors.Reason("no reason was given"));
+        FailToWrite("a feature cannot be written: " + errors.Reason("no reason was given"));
     ++added_;
+}
+
+void TileDataset::SetFields(OGRFeature& feature, std::int64_t id) {
+    std::vector<int> targets;
+    const std::size_t count = fields_.size() - 2;
+    for (std::size_t i = 0; i < count; ++i) {
+        Field& field = fields_[i];
+        const int number = static_cast<int>(i);
+        // The library cuts lists short where it makes texts of them.
+        const bool isOurs = layer_->GetLayerDefn()->GetFieldDefn(field.target)->GetType() == OFTString &&
+                            (field.kind == ValueKind::List || field.kind == ValueKind::Whole);
+        targets.push_back(isOurs ? -1 : field.target);
+        if (isOurs && source_->IsFieldSetAndNotNull(number))
+            feature.SetField(field.target, JsonValue(*source_, number).c_str());
+        field.values.Add(PlainValue(*source_, number, field.kind));
+    }
+    feature.SetFieldsFrom(source_.get(), targets.data(), TRUE);
+    feature.SetField(fields_[count].target, static_cast<GIntBig>(id));
+    feature.SetField(fields_[count + 1].target, name_.c_str());
+    fields_[count].values.Add(std::to_string(id));
+    fields_[count + 1].values.Add(name_);
 }
 
 void TileDataset::Close() {
@@ -181,13 +216,84 @@ void TileDataset::Close() {
     if (dataset_->TestCapability(ODsCTransactions) != 0) dataset_->CommitTransaction();
     dataset_->FlushCache(true);
     dataset_.reset();
-    if (errors.Failed()) throw RuntimeError(static_cast<Long>(Fault::DeviceIOError), errors.Reason(""));
+    if (!files_.Failure().empty()) FailToWrite(files_.Failure());
+    if (errors.Failed()) FailToWrite(errors.Reason(""));
+    ReadBack();
+}
+
+/// Feature by feature: a count in a header says nothing of what stands behind it.
+void TileDataset::ReadBack() {
+    const ErrorCapture errors;
     const GDALDatasetUniquePtr written(GDALDataset::Open(path_.c_str(), GDAL_OF_VECTOR));
     OGRLayer* const layer = written ? written->GetLayer(0) : nullptr;
-    if (layer == nullptr || layer->GetFeatureCount(TRUE) != added_) {
-        throw RuntimeError(static_cast<Long>(Fault::DeviceIOError),
-                           "not all features got into the file: " + errors.Reason("it reads back shorter"));
+    if (layer == nullptr)
+        FailToWrite(schema_.format.name + " cannot be read back (" + errors.Reason("no driver takes it") +
+                    "); choose another --format, for example GPKG");
+    const std::vector<int> places = FindFields(*layer->GetLayerDefn());
+    std::vector<ValueSum> sums(fields_.size());
+    std::int64_t count = 0, vertices = 0;
+    for (const auto& feature : layer) {
+        const OGRGeometry* const geometry = feature->GetGeometryRef();
+        if (geometry == nullptr || geometry->IsEmpty() != 0) continue;
+        ++count;
+        vertices += VertexCount(geometry);
+        for (std::size_t i = 0; i < fields_.size(); ++i)
+            if (places[i] >= 0) sums[i].Add(PlainValue(*feature, places[i], fields_[i].kind));
     }
+    if (count != added_ || errors.Failed())
+        FailToWrite(schema_.format.name + " gives " + std::to_string(count) + " of " +
+                    std::to_string(added_) + " features back" +
+                    (errors.Failed() ? " (" + errors.Reason("") + ")" : "") +
+                    "; choose another --format, for example GPKG");
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        if (places[i] < 0 || sums[i] == fields_[i].values) continue;
+        changes_.values.insert(static_cast<int>(i));
+        changes_.fields["have other values"].insert(fields_[i].name);
+    }
+    if (vertices != vertices_) changes_.others.insert("have other vertices");
+    CompareSystem(*layer);
+}
+
+/// Where the fields stand in the file that is read back; −1 for those that do not.
+std::vector<int> TileDataset::FindFields(OGRFeatureDefn& fields) {
+    std::vector<int> places;
+    for (const Field& field : fields_) {
+        int place = fields.GetFieldIndexCaseSensitive(field.written.c_str());
+        if (place < 0) place = fields.GetFieldIndex(field.written.c_str());
+        const bool isShared = place >= 0 && std::ranges::find(places, place) != places.end();
+        places.push_back(isShared ? -1 : place);
+        if (places.back() < 0) {
+            changes_.missing.insert(static_cast<int>(places.size()) - 1);
+            changes_.fields["are missing"].insert(field.name);
+            continue;
+        }
+        if (field.name != fields.GetFieldDefn(place)->GetNameRef())
+            changes_.fields["have another name"].insert(field.name);
+        const ValueKind kind = KindOf(*fields.GetFieldDefn(place));
+        if (kind != field.kind)
+            changes_.fields[std::string("have become ") + NameOf(kind)].insert(field.name);
+    }
+    return places;
+}
+
+void TileDataset::CompareSystem(OGRLayer& layer) {
+    const OGRSpatialReference* const found = layer.GetSpatialRef();
+    if (found == nullptr || schema_.system == nullptr) {
+        if (found != schema_.system)
+            changes_.others.insert(found == nullptr ? "have no coordinate system"
+                                                    : "have another coordinate system");
+        return;
+    }
+    const char* const options[] = {"IGNORE_DATA_AXIS_TO_SRS_AXIS_MAPPING=YES", "CRITERION=EQUIVALENT",
+                                   nullptr};
+    if (found->IsSame(schema_.system, options) == 0) changes_.others.insert("have another coordinate system");
+}
+
+void Changes::Add(const Changes& more) {
+    values.insert(more.values.begin(), more.values.end());
+    missing.insert(more.missing.begin(), more.missing.end());
+    for (const auto& [what, names] : more.fields) fields[what].insert(names.begin(), names.end());
+    others.insert(more.others.begin(), more.others.end());
 }
 
 }  // namespace orvo::gdal

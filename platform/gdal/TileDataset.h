@@ -3,32 +3,26 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/gdal/CheckedFiles.h"
 #include "platform/gdal/ErrorCapture.h"
+#include "platform/gdal/FieldValues.h"
+#include "platform/gdal/VectorFormat.h"
 
 class GDALDataset;
-class GDALDriver;
 class OGRFeature;
 class OGRFeatureDefn;
 class OGRLayer;
 class OGRSpatialReference;
 
 namespace orvo::gdal {
-
-struct VectorFormat {
-    std::string name;         ///< the library's, for example "ESRI Shapefile"
-    std::string extension;    ///< without dot
-    bool mixesKinds = false;  ///< points, lines and areas may stand in one file
-};
-
-/// @param text a name or an extension, whatever the case. Fails with number 440 and names the formats that
-/// there are.
-VectorFormat FindVectorFormat(const std::string& text);
 
 /// What all tiles of a run have in common.
 struct TileSchema {
@@ -40,6 +34,19 @@ struct TileSchema {
     std::array<double, 4> area{};                       ///< where all tiles lie: xMin, yMin, xMax, yMax
     std::string idField;                                ///< gets the source's feature id
     std::string tileField;                              ///< gets the tile's name
+    // What the format needs so that values stay what they are, by the fields' numbers in the source.
+    std::set<int> asText;
+    std::map<int, std::string> renamed;
+};
+
+/// What a file that is read back does not hold as it was put in.
+struct Changes {
+    std::set<int> values, missing;  ///< numbers of the source's fields, the id and the tile behind them
+    /// For users: what fields "have" or "are", with their names.
+    std::map<std::string, std::set<std::string>> fields;
+    std::set<std::string> others;  ///< likewise of the tiles
+
+    void Add(const Changes& more);
 };
 
 class TileDataset {
@@ -53,25 +60,44 @@ class TileDataset {
 
     /// @param attributes as WriteAttributes gave them
     void Add(std::string_view attributes, std::int64_t id, std::span<const unsigned char> wkb);
-    /// Writes what is left; fails with number 57 where not all features got into the file.
+    /// Writes what is left and reads all back. Fails with number 57 where a write failed, or not all features
+    /// got into the file.
     void Close();
-    /// What did not go into the file as it was, such as names that were cut short.
-    const gdal::Warnings& Warnings() const { return warnings_; }
+    /// What the library said while it wrote, such as names that were cut short.
+    const Warnings& Warned() const { return warnings_; }
+    /// Known once the file is closed.
+    const Changes& Changed() const { return changes_; }
 
   private:
+    /// A field of the source, or one of ours.
+    struct Field {
+        std::string name;  ///< in the source
+        ValueKind kind;
+        int target;           ///< in the file that is written
+        std::string written;  ///< its name there
+        ValueSum values = {};
+    };
     void CreateFields();
+    int CreateField(OGRFieldDefn& field, const std::set<int>& taken);
+    void SetFields(OGRFeature& feature, std::int64_t id);
+    void ReadBack();
+    std::vector<int> FindFields(OGRFeatureDefn& fields);
+    void CompareSystem(OGRLayer& layer);
+    [[noreturn]] void FailToCreate(const ErrorCapture& errors) const;
+    [[noreturn]] void FailToWrite(const std::string& reason) const;
 
     const TileSchema& schema_;
     std::string path_;
     std::string name_;
+    CheckedFiles files_;
     std::unique_ptr<GDALDataset> dataset_;
     OGRLayer* layer_ = nullptr;  ///< of the dataset
-    std::vector<int> targets_;   ///< of the source's fields; −1 for none
+    std::vector<Field> fields_;  ///< the source's, then the id's and the tile's
     std::unique_ptr<OGRFeature> source_;
-    int idTarget_ = -1;
-    int tileTarget_ = -1;
     std::int64_t added_ = 0;
+    std::int64_t vertices_ = 0;
     gdal::Warnings warnings_;
+    Changes changes_;
 };
 
 }  // namespace orvo::gdal

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "platform/Platform.h"
+#include "platform/gdal/Attributes.h"
 #include "platform/gdal/ErrorCapture.h"
 #include "platform/gdal/Startup.h"
 
@@ -125,6 +126,9 @@ std::unique_ptr<OGRFeature> VectorLayer::Next() {
     complaint_ = errors.Reason("");
     if (!feature && errors.Failed())
         throw RuntimeError(static_cast<Long>(Fault::DeviceIOError), source_ + " breaks off: " + complaint_);
+    const std::string mended = feature ? MendTexts(*feature) : "";
+    mended_ += mended.empty() ? 0 : 1;
+    if (mendedField_.empty()) mendedField_ = mended;
     return feature;
 }
 

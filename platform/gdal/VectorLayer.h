@@ -31,6 +31,10 @@ class VectorLayer final : public ILayer {
     /// What the source complained about while it gave the last feature; empty for nothing. Such a feature may
     /// lack its geometry.
     const std::string& Complaint() const { return complaint_; }
+    /// How many features had texts that were no UTF-8, and in which field the first one; their bad bytes are
+    /// U+FFFD now.
+    std::int64_t MendedCount() const { return mended_; }
+    const std::string& MendedField() const { return mendedField_; }
     /// Back to the first feature.
     void Rewind();
     /// How many features there are; −1 where counting would cost a pass.
@@ -51,6 +55,8 @@ class VectorLayer final : public ILayer {
     OGRLayer* layer_;  ///< of the dataset
     std::shared_ptr<IEnvelope> extent_;
     std::string complaint_;
+    std::int64_t mended_ = 0;
+    std::string mendedField_;
 };
 
 /// @param layer its name; empty for the only one

@@ -18,7 +18,7 @@ struct Grid {
 };
 
 /// @param width, height of a tile in map units, −1 for the whole axis
-/// Fails with UsageError where a tile's size in pixels does not fit into 32 bits.
+/// Fails with UsageError where a tile's size in pixels is 0 or does not fit into 32 bits.
 Grid PlanGrid(IRaster& raster, Long width, Long height);
 
 /// The smallest size of square tiles, in map units, that gives at most kMostTiles; −1 where only the whole

@@ -123,6 +123,8 @@ class VectorRun {
         TwoPhaseProgress progress(callbacks_.progress);
         ReadFeatures(progress);
         writer_->CheckRecords();
+        writer_->Prepare(work.Path());
+        work.Clear();
         WriteTiles(work, folder, progress);
         for (std::string& notice : writer_->Notices()) summary_.notices.push_back(std::move(notice));
     }

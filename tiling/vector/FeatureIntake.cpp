@@ -131,6 +131,8 @@ void FeatureIntake::Report(VectorSummary& summary) const {
     note(linearised_, "had curves, which became lines of short segments");
     note(surfaces_, "had triangles or faces, which became areas");
     note(measured_, "had measures, which are not kept");
+    note(layer_.MendedCount(), "had texts that are not UTF-8, first in the field \"" + layer_.MendedField() +
+                                   "\": what cannot be read is U+FFFD now; bring the source to UTF-8 first");
     if (cutter_.CoveredLeftOut() > 0) {
         summary.notices.push_back(
             std::to_string(cutter_.CoveredLeftOut()) +

@@ -25,6 +25,9 @@ class PieceWriter {
     virtual const std::string& Record(const std::string& tile, const geos::Geometry& piece) = 0;
     /// Fails where the format cannot hold what the records hold. Called once, before the first file.
     virtual void CheckRecords() const {}
+    /// Tries what the records hold in the format. Called once, before the first file.
+    /// @param folder for files that nobody needs afterwards
+    virtual void Prepare(const std::string& /*folder*/) {}
     /// Writes the file of a tile, and those that go with it. Fails with RunError or RuntimeError.
     virtual void Write(const std::string& path, const std::string& tile, const RecordSource& records) = 0;
     /// What the files do not hold as the layer does, so far.
