@@ -122,41 +122,58 @@ char** ReadFolder(void*, const char* name, int most) {
     return VSIReadDirEx(Name(name).Where().c_str(), most);
 }
 
+/// Files are buffered: any call may be the one that writes, and what was written before is lost with it.
+class Watch {
+  public:
+    explicit Watch(Record& record) : record_(record) { errno = 0; }
+    ~Watch() {
+        for (const int lost : {ENOSPC, EFBIG, EDQUOT, EIO})
+            if (errno == lost) record_.Fail(lost);
+    }
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+    int Note(int failed) const {
+        if (failed != 0) record_.Fail(errno);
+        return failed;
+    }
+
+  private:
+    Record& record_;
+};
+
 vsi_l_offset Tell(void* file) {
     return VSIFTellL(Of(file).file);
 }
 int Seek(void* file, vsi_l_offset offset, int whence) {
+    const Watch watch(*Of(file).record);
     return VSIFSeekL(Of(file).file, offset, whence);
 }
 size_t Read(void* file, void* bytes, size_t size, size_t count) {
+    const Watch watch(*Of(file).record);
     return VSIFReadL(bytes, size, count, Of(file).file);
 }
 int IsAtEnd(void* file) {
     return VSIFEofL(Of(file).file);
 }
 size_t Write(void* file, const void* bytes, size_t size, size_t count) {
-    errno = 0;
+    const Watch watch(*Of(file).record);
     const size_t written = VSIFWriteL(bytes, size, count, Of(file).file);
-    if (written != count) Of(file).record->Fail(errno);
+    static_cast<void>(watch.Note(written == count ? 0 : -1));
     return written;
 }
-
-int Noted(File& file, int failed) {
-    if (failed != 0) file.record->Fail(errno);
-    return failed;
-}
 int Flush(void* file) {
-    errno = 0;
-    return Noted(Of(file), VSIFFlushL(Of(file).file));
+    const Watch watch(*Of(file).record);
+    return watch.Note(VSIFFlushL(Of(file).file));
 }
 int Truncate(void* file, vsi_l_offset size) {
-    errno = 0;
-    return Noted(Of(file), VSIFTruncateL(Of(file).file, size));
+    const Watch watch(*Of(file).record);
+    return watch.Note(VSIFTruncateL(Of(file).file, size));
 }
 int Close(void* file) {
     const std::unique_ptr<File> owned(static_cast<File*>(file));
-    errno = 0;
-    return Noted(*owned, VSIFCloseL(owned->file));
+    const Watch watch(*owned->record);
+    return watch.Note(VSIFCloseL(owned->file));
 }
 
 void Install() {

@@ -74,28 +74,40 @@ bool IsFinite(const OGREnvelope& extent) {
            std::isfinite(extent.MaxY - extent.MinY);
 }
 
-/// Of the features whose coordinates are numbers.
-OGREnvelope FiniteExtent(OGRLayer& layer) {
+/// What is known of a layer before its features are read.
+struct Overview {
     OGREnvelope extent;
+    std::int64_t count = 0;
+};
+
+/// From all features; the extent of those whose coordinates are numbers.
+Overview Survey(OGRLayer& layer) {
+    Overview all;
     layer.ResetReading();
     for (const auto& feature : layer) {
+        ++all.count;
         const OGRGeometry* const geometry = feature->GetGeometryRef();
         OGREnvelope one;
         if (geometry != nullptr && geometry->IsEmpty() == 0) geometry->getEnvelope(&one);
-        if (IsFinite(one)) extent.Merge(one);
+        if (IsFinite(one)) all.extent.Merge(one);
     }
-    return extent;
+    return all;
 }
 
 /// Asked of the source itself, which may keep it in its header.
-OGREnvelope ExtentOf(OGRLayer& layer, const std::string& source, const std::string& name) {
+Overview Look(OGRLayer& layer, const std::string& source, const std::string& name) {
     const ErrorCapture errors;
     if (layer.GetGeomType() == wkbNone)
         Refuse(source, "has no geometries in its layer \"" + name + "\". Choose a layer that has some.");
-    OGREnvelope extent;
-    if (layer.GetExtent(&extent, TRUE) != OGRERR_NONE || !IsFinite(extent)) extent = FiniteExtent(layer);
-    if (IsFinite(extent)) return extent;
-    if (layer.GetFeatureCount(TRUE) == 0) Refuse(source, "has no features in its layer \"" + name + "\".");
+    Overview stated;
+    const bool isKnown = layer.TestCapability(OLCFastGetExtent) != 0 &&
+                         layer.GetExtent(&stated.extent, FALSE) == OGRERR_NONE && IsFinite(stated.extent);
+    if (isKnown)
+        stated.count = layer.GetFeatureCount(TRUE);
+    else
+        stated = Survey(layer);
+    if (IsFinite(stated.extent)) return stated;
+    if (stated.count == 0) Refuse(source, "has no features in its layer \"" + name + "\".");
     Refuse(source, "has no extent in its layer \"" + name + "\": no feature there has a geometry" +
                        (errors.Failed() ? " (" + errors.Reason("") + ")." : "."));
 }
@@ -105,7 +117,8 @@ OGREnvelope ExtentOf(OGRLayer& layer, const std::string& source, const std::stri
 VectorLayer::VectorLayer(const std::string& source, const std::string& layer)
     : source_(source), dataset_(Open(source)), layer_(&Choose(*dataset_, source, layer)) {
     name_ = layer_->GetName();
-    const OGREnvelope extent = ExtentOf(*layer_, source_, name_);
+    const auto [extent, count] = Look(*layer_, source_, name_);
+    count_ = count;
     extent_ = platform::Create(platform::Current().newEnvelope);
     extent_->XMin(extent.MinX);
     extent_->XMax(extent.MaxX);
@@ -124,20 +137,27 @@ std::unique_ptr<OGRFeature> VectorLayer::Next() {
     const ErrorCapture errors;
     std::unique_ptr<OGRFeature> feature(layer_->GetNextFeature());
     complaint_ = errors.Reason("");
-    if (!feature && errors.Failed())
-        throw RuntimeError(static_cast<Long>(Fault::DeviceIOError), source_ + " breaks off: " + complaint_);
-    const std::string mended = feature ? MendTexts(*feature) : "";
+    if (!feature) {
+        if (errors.Failed()) BreakOff(complaint_);
+        if (given_ < count_)
+            BreakOff("it gave " + std::to_string(given_) + " of " + std::to_string(count_) +
+                     " features; was it changed while it was read?");
+        return feature;
+    }
+    ++given_;
+    const std::string mended = MendTexts(*feature);
     mended_ += mended.empty() ? 0 : 1;
     if (mendedField_.empty()) mendedField_ = mended;
     return feature;
 }
 
-void VectorLayer::Rewind() {
-    layer_->ResetReading();
+void VectorLayer::BreakOff(const std::string& why) const {
+    throw RuntimeError(static_cast<Long>(Fault::DeviceIOError), source_ + " breaks off: " + why);
 }
 
-std::int64_t VectorLayer::FeatureCount() const {
-    return layer_->GetFeatureCount(FALSE);
+void VectorLayer::Rewind() {
+    layer_->ResetReading();
+    given_ = 0;
 }
 
 OGRFeatureDefn& VectorLayer::Definition() const {

@@ -26,7 +26,8 @@ class VectorLayer final : public ILayer {
     /// The layer's extent, always the same object: who changes it changes it for all.
     std::shared_ptr<IEnvelope> AreaOfInterest() override;
 
-    /// The next feature; null at the end. Fails with number 57 where the source breaks off.
+    /// The next feature; null at the end. Fails with number 57 where the source breaks off, or ends before it
+    /// has given as many features as it had at first.
     std::unique_ptr<OGRFeature> Next();
     /// What the source complained about while it gave the last feature; empty for nothing. Such a feature may
     /// lack its geometry.
@@ -37,8 +38,8 @@ class VectorLayer final : public ILayer {
     const std::string& MendedField() const { return mendedField_; }
     /// Back to the first feature.
     void Rewind();
-    /// How many features there are; −1 where counting would cost a pass.
-    std::int64_t FeatureCount() const;
+    /// How many features there were at first.
+    std::int64_t FeatureCount() const { return count_; }
 
     const std::string& Name() const { return name_; }
     OGRFeatureDefn& Definition() const;
@@ -48,6 +49,7 @@ class VectorLayer final : public ILayer {
   private:
     friend std::shared_ptr<VectorLayer> OpenVectorLayer(const std::string& source, const std::string& layer);
     VectorLayer(const std::string& source, const std::string& layer);
+    [[noreturn]] void BreakOff(const std::string& why) const;
 
     std::string source_;
     std::string name_;
@@ -55,6 +57,8 @@ class VectorLayer final : public ILayer {
     OGRLayer* layer_;  ///< of the dataset
     std::shared_ptr<IEnvelope> extent_;
     std::string complaint_;
+    std::int64_t count_ = 0;
+    std::int64_t given_ = 0;  ///< since the last rewinding
     std::int64_t mended_ = 0;
     std::string mendedField_;
 };

@@ -3,6 +3,7 @@
 import json
 import os
 import random
+import re
 import resource
 import signal
 import subprocess
@@ -241,21 +242,78 @@ class TreatmentsTest(VectorTest):
         self.assertIn("tile_2", " ".join(second["notices"]))
         self.assertIn("coordinate system", " ".join(first["notices"]))
 
-    def test_said_what_a_format_cannot_hold(self):
-        source = write_layer(self.path("map.gpkg"), [square(1, 1, 3)])
+    def test_a_format_keeps_each_value_or_names_the_field(self):
+        fields = {"big": [9007199254740993, -2**63, 2**63 - 1, 7], "name": ["ä|\t,", "b\n", "long" * 90, ""],
+                  "NAME": ["other"], "quite_a_long_name": ["x"], "list": [[1, 2], list(range(100))],
+                  "json": ['{"a":1}', "{'a':1}", "NaN", "[" * 300 + "]" * 300, '{"n":1e2,"m":12345678901234567890}'],
+                  "real": [1 / 3, 1e300], "time": ["2024-02-29T12:13:14.567+02:00"]}
+        values = [{name: given[i % len(given)] for name, given in fields.items()} for i in range(12)]
+        source = self.path("map.geojson")
+        with open(source, "w") as file:
+            json.dump({"type": "FeatureCollection", "features": [
+                {"type": "Feature", "id": i, "properties": value, "geometry": {"type": "Point", "coordinates": [i, i]}}
+                for i, value in enumerate(values)]}, file)
+
+        def plain(value):
+            """The same for all forms of a value; real numbers to 15 digits."""
+            try:
+                value = json.loads(value) if isinstance(value, str) else value
+            except ValueError:
+                return [int(digits) for digits in re.findall(r"\d+", value)][:8] if value.startswith("2024") else value
+            return "%.15g" % value if isinstance(value, float) else value
+
+        def values_of(layer, field):
+            names = [definition.GetName() for definition in layer.schema]
+            place = names.index(field) if field in names else None
+            return place is not None and {int(f["source_fid"]): plain(
+                v if isinstance(v := f.GetField(place), (list, float)) else f.GetFieldAsString(place)) for f in layer}
+
+        for name in ("GeoJSON", "GPKG", "ESRI Shapefile", "FlatGeobuf", "CSV", "LIBKML", "PDF", "netCDF", "PCIDSK",
+                     "MapInfo File", "SQLite", "GML", "GeoJSONSeq", "OGR_GMT"):
+            with self.subTest(format=name):
+                summary = self.cut(source, name, "--columns", 1, "--rows", 1, "--format", name)
+                told = " ".join(summary["notices"])
+                (location,) = self.index_of(summary)
+                dataset = ogr.Open(os.path.join(summary["outdir"], location))
+                for field in fields:
+                    kept = values_of(dataset.GetLayer(), field) == {i: plain(v[field]) for i, v in enumerate(values)}
+                    self.assertTrue(kept or f'"{field}"' in told, (field, values_of(dataset.GetLayer(), field), told))
+        for name in ("PDS4", "MVT"):
+            done = self.run_tile("vector", source, name, "--columns", 1, "--rows", 1, "--format", name)
+            self.assertEqual((done.returncode, os.path.exists(self.path(name))), (1, False))
+            self.assertIn("another --format", done.stderr)
+
+    def test_json_is_written_as_such_or_as_text(self):
+        texts = ['{"n": [1e2, 12345678901234567890],\n "m": null}', "{'a':1}", "NaN", "[1,]", '1,"x":2',
+                 "[" * 300 + "]" * 300, '"lone \\ud800"', ""]
+        source = write_layer(self.path("map.gpkg"), ["POINT (1 1)"] * len(texts), name="old")
         dataset = ogr.Open(source, 1)
-        for field in ("quite_a_long_name", "long_text"):
-            dataset.GetLayer().CreateField(ogr.FieldDefn(field, ogr.OFTString))
-        dataset.ExecuteSQL("UPDATE shapes SET long_text = '" + "ä" * 300 + "'")
-        dataset = None
-        for name, words in (("shp", ("quite_a_lo", "254")), ("gpkg", ())):
-            summary = self.cut(source, name, "--columns", 1, "--rows", 1, "--format", name)
-            self.assertEqual(len(summary["notices"]), len(words))
-            for word in words:
-                self.assertIn(word, " ".join(summary["notices"]))
-        done = self.run_tile("vector", source, "pds4", "--columns", 1, "--rows", 1, "--format", "PDS4")
-        self.assertEqual((done.returncode, os.path.exists(self.path("pds4"))), (1, False))
-        self.assertIn("another --format", done.stderr)
+        field = ogr.FieldDefn("json", ogr.OFTString)
+        field.SetSubType(ogr.OFSTJSON)
+        layer = dataset.GetLayer()
+        layer.CreateField(field)
+        for feature, text in zip([*layer], texts):
+            feature["json"] = text
+            layer.SetFeature(feature)
+        dataset = layer = feature = None
+        self.cut(source, "out", "--columns", 1, "--rows", 1)
+        with open(self.path("out", "grp0.geojson")) as file:
+            strict = json.load(file, parse_constant=self.fail)
+        self.assertEqual([feature["properties"]["json"] for feature in strict["features"]],
+                         [json.loads(texts[0]), *texts[1:]])
+        self.assertTrue(all("x" not in feature["properties"] for feature in strict["features"]))
+
+    def test_texts_that_are_no_utf8(self):
+        source = self.path("map.geojson")
+        with open(source, "wb") as file:
+            file.write(b'{"type":"FeatureCollection","features":[' + b",".join(
+                b'{"type":"Feature","properties":{"a":"' + text + b'"},"geometry":{"type":"Point","coordinates":[1,2]}}'
+                for text in (b"caf\xe9", b"\xed\xa0\x80", b"fine \xc3\xa9")) + b"]}")
+        summary = self.cut(source, "out", "--columns", 1, "--rows", 1)
+        with open(self.path("out", "grp0.geojson"), encoding="utf-8") as file:
+            texts = [feature["properties"]["a"] for feature in json.load(file)["features"]]
+        self.assertEqual((texts[0], set(texts[1]), texts[2]), ("caf\ufffd", {"\ufffd"}, "fine é"))
+        self.assertIn('2 features had texts that are not UTF-8, first in the field "a"', " ".join(summary["notices"]))
 
     def test_coordinates_that_are_no_numbers(self):
         far = {"type": "LineString", "coordinates": [[1, 1], [2, "1e999"]]}
