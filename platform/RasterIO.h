@@ -12,6 +12,8 @@ namespace orvo {
 
 /// What the bands of an image mean, as far as a converter must be told.
 struct ImageLayout {
+    Long width = 0;  ///< pixels
+    Long height = 0;
     int bands = 1;         ///< alpha included
     bool palette = false;  ///< the only band holds indexes of a colour table
     bool inks = false;     ///< four bands are cyan, magenta, yellow and black
@@ -37,6 +39,10 @@ class IRasterIO {
 
     /// The layout of an image file; nothing where it cannot be read.
     virtual std::optional<ImageLayout> LayoutOf(const std::string& file) = 0;
+
+    /// Reads an image file whole. @return why it is no image of `width` × `height` pixels; empty where it is
+    /// one, and where its extension is none that this library knows
+    virtual std::string CheckImage(const std::string& file, Long width, Long height) = 0;
 };
 
 }  // namespace orvo

@@ -2,6 +2,8 @@
 
 #include <gdal_priv.h>
 
+#include <algorithm>
+#include <array>
 #include <exception>
 #include <filesystem>
 #include <optional>
@@ -15,6 +17,7 @@
 #include "platform/gdal/JpegEncoder.h"
 #include "platform/gdal/LayerReader.h"
 #include "platform/gdal/NativeTiff.h"
+#include "platform/gdal/Pieces.h"
 #include "platform/gdal/PngEncoder.h"
 #include "platform/gdal/RasterLayer.h"
 #include "platform/gdal/Startup.h"
@@ -76,6 +79,7 @@ class RasterIO final : public IRasterIO {
     bool CutWindow(const std::string& sourceFile, PixelWindow& window, const std::string& tiffFile,
                    std::string& reason) override;
     std::optional<ImageLayout> LayoutOf(const std::string& file) override;
+    std::string CheckImage(const std::string& file, Long width, Long height) override;
 
   private:
     OpenLayer& Use(IRasterLayer& layer);
@@ -192,8 +196,32 @@ std::optional<ImageLayout> RasterIO::LayoutOf(const std::string& file) {
     const GDALDatasetUniquePtr image(GDALDataset::Open(SystemPath(file).c_str(), GDAL_OF_RASTER));
     if (!image || image->GetRasterCount() == 0) return std::nullopt;
     GDALRasterBand& first = *image->GetRasterBand(1);
-    return ImageLayout{image->GetRasterCount(), first.GetColorTable() != nullptr,
-                       first.GetColorInterpretation() == GCI_CyanBand};
+    return ImageLayout{image->GetRasterXSize(), image->GetRasterYSize(), image->GetRasterCount(),
+                       first.GetColorTable() != nullptr, first.GetColorInterpretation() == GCI_CyanBand};
+}
+
+std::string RasterIO::CheckImage(const std::string& file, Long width, Long height) {
+    const std::string extension = raster::SplitName(file).extension;
+    constexpr std::array kOthers = {"webp", "jp2", "j2k"};
+    if (!raster::FormatOf(extension) && std::ranges::find(kOthers, extension) == kOthers.end()) return {};
+    const ErrorCapture errors;
+    const GDALDatasetUniquePtr image(
+        GDALDataset::Open(SystemPath(file).c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR));
+    if (!image || image->GetRasterCount() == 0) return errors.Reason("no driver takes it");
+    if (image->GetRasterXSize() != width || image->GetRasterYSize() != height)
+        return std::to_string(image->GetRasterXSize()) + " x " + std::to_string(image->GetRasterYSize()) +
+               " pixels instead of " + std::to_string(width) + " x " + std::to_string(height);
+    std::vector<unsigned char> cells;
+    ForEachPiece(*image, [&](const TileWindow& piece) {
+        cells.resize(static_cast<std::size_t>(piece.columns) * static_cast<std::size_t>(piece.rows));
+        for (int band = 1; band <= image->GetRasterCount(); ++band) {
+            if (image->GetRasterBand(band)->RasterIO(
+                    GF_Read, static_cast<int>(piece.left), static_cast<int>(piece.top), piece.columns,
+                    piece.rows, cells.data(), piece.columns, piece.rows, GDT_Byte, 0, 0, nullptr) != CE_None)
+                return;
+        }
+    });
+    return errors.Reason("");
 }
 
 }  // namespace

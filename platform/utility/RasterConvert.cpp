@@ -154,12 +154,18 @@ std::string RasterConvert::Convert(Job& job) {
     std::string reason = ProvideSource(job, PathText(folder.Path()), source);
     if (!reason.empty()) return reason;
     const std::string tile = "tile." + extension;
-    const auto arguments = ConverterArguments({job.program, "./" + source, "./" + tile, job.quality,
-                                               rasters_->LayoutOf(PathText(folder.Path() / source))});
+    const auto layout = rasters_->LayoutOf(PathText(folder.Path() / source));
+    const auto arguments = ConverterArguments({job.program, "./" + source, "./" + tile, job.quality, layout});
     const ProcessResult result =
         runner_->Run(SystemPath(job.program), arguments, PathText(folder.Path()), settings_.interrupted);
     StopIfInterrupted();
     reason = Judge(job.program, result, folder.Path() / tile);
+    if (reason.empty() && layout) {
+        reason = rasters_->CheckImage(PathText(folder.Path() / tile), layout->width, layout->height);
+        if (const auto at = reason.find(PathText(folder.Path())); at != std::string::npos)
+            reason.replace(at, PathText(folder.Path()).size(), ".");
+        if (!reason.empty()) reason = job.program + " wrote no image of the tile: " + reason;
+    }
     if (!reason.empty()) return reason;
     const std::error_code failed = files::MoveNew(folder.Path() / tile, target);
     if (failed == std::errc::file_exists) return kTaken;

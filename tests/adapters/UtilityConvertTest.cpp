@@ -119,13 +119,17 @@ TEST_F(UtilityConvert, WorksWithTheRealPrograms) {
 }
 
 TEST_F(UtilityConvert, LeavesNothingOfAFailure) {
-    const std::tuple<const char*, const char*, const char*> cases[] = {
+    const std::string wrongSize = "cat '" + source + "' > $2";
+    const std::tuple<const char*, std::string, const char*> cases[] = {
         {"crash", "echo half > $2; echo at pixel 7 >&2; kill -SEGV $$", "signal 11"},
         {"half", "echo half > $2; echo half > $2.aux.xml; echo cannot go on; exit 3",
          "exit code 3: cannot go on"},
         {"many", "echo 0 > ./tile-0.png; echo 1 > ./tile-1.png", "wrote no image"},
         {"empty", ": > $2", "wrote an empty image"},
         {"folder", "mkdir $2", "wrote no image"},
+        {"rubbish", "head -c 999 /dev/zero > $2", "wrote no image of the tile"},
+        {"cut", "head -c 400 $1 > $2", "wrote no image of the tile"},
+        {"size", wrongSize, "100 x 80 pixels instead of 30 x 16"},
     };
     std::string target = FreeName({"png"});
     const std::string name = target;
@@ -152,11 +156,11 @@ TEST_F(UtilityConvert, RefusesTargetsThatCannotBeAndHandsOnWhatIs) {
     const std::string show = elsewhere.PutScript("show", "echo $# $1 $2 $3 > \"$2\"");
     for (std::string target : {folder / "no extension", folder / "x.p%d", folder / "none/x.png"})
         EXPECT_FALSE(Convert(show, target));
-    std::string target = FreeName({"jpg"});
+    std::string target = FreeName({"txt"});
     EXPECT_FALSE(Convert("", target));
     EXPECT_EQ(failures.size(), 3U);
     EXPECT_TRUE(Convert(show, target, 120));
-    EXPECT_EQ(ReadFile(target), "3 ./source.tif ./tile.jpg 100\n");
+    EXPECT_EQ(ReadFile(target), "3 ./source.tif ./tile.txt 100\n");
     const std::string late = "echo theirs > ../i_2.png; echo ours > $2";
     target = FreeName({"png"});
     EXPECT_FALSE(Convert(elsewhere.PutScript("late", late), target)) << "somebody else was faster";

@@ -34,6 +34,7 @@ class RasterIO final : public IRasterIO {
     bool CutWindow(const std::string& sourceFile, PixelWindow& window, const std::string& tiffFile,
                    std::string& reason) override;
     std::optional<ImageLayout> LayoutOf(const std::string& file) override;
+    std::string CheckImage(const std::string& file, Long width, Long height) override;
 
   private:
     ImageSource& Source(const std::string& path) {
@@ -91,9 +92,25 @@ bool RasterIO::CutWindow(const std::string& sourceFile, PixelWindow& window, con
 /// Palettes and inks are colours once they are read.
 std::optional<ImageLayout> RasterIO::LayoutOf(const std::string& file) {
     try {
-        return ImageLayout{static_cast<int>(ImageSource(file).Read(0, 0, 1, 1).SampleCount())};
+        ImageSource image(file);
+        return ImageLayout{image.Columns(), image.Rows(),
+                           static_cast<int>(image.Read(0, 0, 1, 1).SampleCount())};
     } catch (const RuntimeError&) {
         return std::nullopt;
+    }
+}
+
+std::string RasterIO::CheckImage(const std::string& file, Long width, Long height) {
+    if (!raster::FormatOf(raster::SplitName(file).extension)) return {};
+    try {
+        ImageSource image(file);
+        if (image.Columns() != width || image.Rows() != height)
+            return std::to_string(image.Columns()) + " x " + std::to_string(image.Rows()) +
+                   " pixels instead of " + std::to_string(width) + " x " + std::to_string(height);
+        image.Read(0, 0, image.Columns(), image.Rows());
+        return {};
+    } catch (const RuntimeError& failure) {
+        return failure.Description();
     }
 }
 
