@@ -17,6 +17,7 @@
 #include "platform/gdal/JpegEncoder.h"
 #include "platform/gdal/LayerReader.h"
 #include "platform/gdal/NativeTiff.h"
+#include "platform/gdal/OrderedRows.h"
 #include "platform/gdal/Pieces.h"
 #include "platform/gdal/PngEncoder.h"
 #include "platform/gdal/RasterLayer.h"
@@ -92,6 +93,7 @@ class RasterIO final : public IRasterIO {
     std::unique_ptr<OpenLayer> layer_;
     std::string sourceFile_;
     GDALDatasetUniquePtr source_;
+    OrderedRows layerRows_, sourceRows_;
     Pixels pixels_;
     PngEncoder png_;
     JpegEncoder jpeg_;
@@ -103,6 +105,7 @@ OpenLayer& RasterIO::Use(IRasterLayer& layer) {
     if (own == nullptr) throw RuntimeError(Fault::TypeMismatch, "the layer comes from another library");
     if (!layer_ || layer_->layer.get() != own) {
         layer_ = std::make_unique<OpenLayer>(std::static_pointer_cast<RasterLayer>(own->shared_from_this()));
+        layerRows_.Restart();
     }
     return *layer_;
 }
@@ -112,8 +115,10 @@ std::span<const unsigned char> RasterIO::Encode(OpenLayer& source, const TileWin
     for (;;) {
         try {
             ReserveBlockCache(source.layer->Dataset(), window);
+            layerRows_.Reach(source.layer->Dataset(), source.layer->FilePath(), static_cast<int>(window.top));
             return EncodeOnce(source, window, format, quality);
         } catch (const RuntimeError& failure) {
+            layerRows_.Restart();
             if (failure.Number() != static_cast<Long>(Fault::DeviceIOError) || !source.reader.Recover())
                 throw;
         }
@@ -168,6 +173,7 @@ GDALDataset& RasterIO::OpenSource(const std::string& sourceFile) {
         throw RuntimeError(Fault::FileNotFound, errors.Reason(sourceFile + " holds no image"));
     }
     sourceFile_ = sourceFile;
+    sourceRows_.Restart();
     return *source_;
 }
 
@@ -180,6 +186,7 @@ bool RasterIO::CutWindow(const std::string& sourceFile, PixelWindow& window, con
         }
         const TileWindow cells = ExactWindow(window.column, window.row, window.width, window.height);
         ReserveBlockCache(source, cells);
+        sourceRows_.Reach(source, sourceFile, window.row);
         const FileInMemory file;
         CopyAsTiff(source, cells, Place::Forget, file);
         Write(tiffFile, file.Bytes());

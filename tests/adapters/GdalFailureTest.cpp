@@ -53,6 +53,19 @@ TEST_F(GdalFailureTest, MissingCellsNeverBecomeATile) {
     }
 }
 
+/// The library would search for days.
+TEST_F(GdalFailureTest, RowsBehindAMissingOneAreNotSearchedFor) {
+    std::string grid = "ncols 50\nnrows 400\nxllcorner 0\nyllcorner 0\ncellsize 1\n";
+    for (int cell = 0; cell < 50 * 200; ++cell)
+        grid += std::to_string(cell % 251) + (cell % 50 == 49 ? "\n" : " ");
+    const std::string path = folder_.Put("grid.asc", grid);
+    for (const auto& [row, isThere] : {std::pair(380, false), {150, true}, {300, false}, {0, true}}) {
+        PixelWindow window{10, row, 20, 20};
+        EXPECT_EQ(io_->CutWindow(path, window, out_ / "cut.tif", reason_), isThere) << row << ' ' << reason_;
+        if (!isThere) EXPECT_NE(reason_.find("200"), std::string::npos) << reason_;
+    }
+}
+
 TEST_F(GdalFailureTest, OneBadBlockSpoilsOnlyItsTiles) {
     RasterSpec spec = Noise("GTiff");
     spec.options = {"TILED=YES", "BLOCKXSIZE=64", "BLOCKYSIZE=64", "COMPRESS=DEFLATE"};
