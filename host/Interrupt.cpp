@@ -16,8 +16,6 @@ void OnSignal(int number) {
     interrupted = 1;
 }
 
-}  // namespace
-
 void WatchSignals() {
     struct sigaction action {};
     action.sa_handler = OnSignal;
@@ -31,6 +29,11 @@ void WatchSignals() {
     static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
 }
+
+/// The libraries' start takes most of the time until main.
+[[gnu::section(".preinit_array"), gnu::used]] void (*const watchFromTheStart)() = WatchSignals;
+
+}  // namespace
 
 bool Interrupted() {
     return interrupted != 0;

@@ -13,6 +13,7 @@
 #include "platform/linux/WindowModule.h"
 #include "platform/posix/ProcessRunner.h"
 #include "support/Strings.h"
+#include "support/Text.h"
 #include "tiling/Errors.h"
 
 namespace orvo::host {
@@ -69,9 +70,8 @@ std::shared_ptr<IDesktop> ChooseDesktop(const SessionOptions& options) {
     auto terminal = TerminalDesktop(options.policy);
     if (!ask || options.place == DialogPlace::Terminal || HasTerminal() || !linux_platform::DisplayNamed())
         return terminal;
-    return linux_platform::WindowOnDemand(
-        WindowSettings(), std::move(terminal),
-        [](const std::string& whyNot) { std::cerr << kProgram << ": no window: " << whyNot << '\n'; });
+    return linux_platform::WindowOnDemand(WindowSettings(), std::move(terminal),
+                                          [](const std::string& whyNot) { Say("no window: " + whyNot); });
 }
 
 }  // namespace
@@ -92,13 +92,12 @@ tiling::Callbacks Session::Callbacks() {
     tiling::Callbacks callbacks;
     callbacks.interrupted = Interrupted;
     callbacks.progress = &progress_;
-    if (!quiet_)
-        callbacks.notice = [](const std::string& text) { std::cerr << kProgram << ": " << text << '\n'; };
+    if (!quiet_) callbacks.notice = Say;
     return callbacks;
 }
 
 int Session::Finish(const tiling::Summary& summary) const {
-    for (const std::string& line : summary.Lines(quiet_)) std::cerr << kProgram << ": " << line << '\n';
+    for (const std::string& line : summary.Lines(quiet_)) Say(line);
     std::cerr << std::flush;
     Print(summary.AsJson(), "the summary");
     switch (summary.Result()) {
@@ -109,6 +108,10 @@ int Session::Finish(const tiling::Summary& summary) const {
         default:
             return kExitIncomplete;
     }
+}
+
+void Say(const std::string& text) {
+    std::cerr << kProgram << ": " << Printable(text, ' ') << '\n';
 }
 
 void Print(const std::string& text, const std::string& what) {

@@ -46,6 +46,9 @@ class Session {
     ProgressDisplay progress_;
 };
 
+/// Says something on standard error, on one line.
+void Say(const std::string& text);
+
 /// Writes a text to standard output, all of it. Fails with RunError. @param what it is, for the failure's
 /// text
 void Print(const std::string& text, const std::string& what);

@@ -9,6 +9,7 @@
 #include "host/Commands.h"
 #include "host/Interrupt.h"
 #include "host/Session.h"
+#include "platform/FailureInFlight.h"
 #include "tiling/Errors.h"
 
 namespace orvo::host {
@@ -24,7 +25,7 @@ std::string Version() {
 }
 
 int Fail(ExitCode code, const std::string& text) {
-    std::cerr << "orvo-tile: " << text << '\n';
+    Say(text);
     return code;
 }
 
@@ -49,8 +50,8 @@ int Run(const std::vector<Command>& commands) {
         return kExitUsage;
     } catch (const tiling::UsageError& error) {
         return Fail(kExitUsage, error.what());
-    } catch (const std::exception& error) {
-        return Interrupted() ? kExitInterrupted : Fail(kExitIncomplete, error.what());
+    } catch (...) {
+        return Interrupted() ? kExitInterrupted : Fail(kExitIncomplete, FailureInFlight().Description());
     }
 }
 
@@ -81,10 +82,8 @@ int Main(int count, char** values) {
 
 int main(int count, char** values) {
     try {
-        orvo::host::WatchSignals();
         return orvo::host::Main(count, values);
-    } catch (const std::exception& error) {
-        std::cerr << "orvo-tile: " << error.what() << '\n';
-        return orvo::host::kExitIncomplete;
+    } catch (...) {
+        return orvo::host::Fail(orvo::host::kExitIncomplete, orvo::FailureInFlight().Description());
     }
 }

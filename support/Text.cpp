@@ -88,6 +88,19 @@ std::string_view Trim(std::string_view text, std::string_view blanks) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
+std::string Printable(std::string_view text, char lineEnd) {
+    std::string shown;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        if (c == '\r' && text.substr(i, 2) == "\r\n") continue;
+        const bool isSecondSet = c == 0xC2 && i + 1 < text.size() && (text[i + 1] & 0xE0) == 0x80;
+        const bool isControl = (c < ' ' && c != '\n' && c != '\t') || c == 0x7F || isSecondSet;
+        shown += isControl ? '?' : c == '\n' ? lineEnd : text[i];
+        i += isSecondSet ? 1 : 0;
+    }
+    return shown;
+}
+
 std::string NumberText(double value, std::string_view decimalSeparator) {
     std::array<char, 40> buffer{};
     static_cast<void>(std::snprintf(buffer.data(), buffer.size(), "%.15G", value == 0 ? 0.0 : value));

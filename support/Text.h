@@ -21,6 +21,10 @@ std::string AfterLast(std::string_view text, char mark);
 /// The text without the blanks before and behind it; other white space stays, unless it is named.
 std::string_view Trim(std::string_view text, std::string_view blanks = " ");
 
+/// A text as a terminal may show it: control characters other than tabs and line ends become "?", those of
+/// the second set (U+0080 to U+009F) too. @param lineEnd takes the place of line ends
+std::string Printable(std::string_view text, char lineEnd = '\n');
+
 /// A double in the runtime's standard form: up to 15 significant digits, no thousands separator.
 std::string NumberText(double value, std::string_view decimalSeparator);
 

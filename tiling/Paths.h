@@ -9,6 +9,10 @@ namespace orvo::tiling {
 /// @param what the path is, such as "INPUT"
 void RefuseBackslash(const std::string& what, const std::string& path);
 
+/// A source is read several times, from its beginning. Fails with UsageError where it is empty, or a pipe,
+/// socket or device.
+void RefuseStream(const std::string& input);
+
 /// The part of a path behind its last separator of either kind.
 std::string FileNameOf(const std::string& path);
 

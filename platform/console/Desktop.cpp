@@ -14,18 +14,6 @@ namespace {
 
 constexpr Integer kEndOfInput = -1;
 
-/// A text as a terminal may show it: other control characters than tabs and line ends replaced.
-std::string Printable(const std::string& text, char lineEnd = '\n') {
-    std::string shown;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto c = static_cast<unsigned char>(text[i]);
-        if (c == '\r' && text.compare(i, 2, "\r\n") == 0) continue;
-        const bool control = (c < ' ' && c != '\n' && c != '\t') || c == 0x7F;
-        shown += control ? '?' : c == '\n' ? lineEnd : text[i];
-    }
-    return shown;
-}
-
 bool IsOneOf(const std::string& answer, std::initializer_list<const char*> words) {
     return std::ranges::any_of(words, [&](const char* word) { return answer == word; });
 }

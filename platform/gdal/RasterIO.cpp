@@ -4,11 +4,11 @@
 
 #include <algorithm>
 #include <array>
-#include <exception>
 #include <filesystem>
 #include <optional>
 #include <string_view>
 
+#include "platform/FailureInFlight.h"
 #include "platform/RuntimeError.h"
 #include "platform/files/PartFile.h"
 #include "platform/gdal/ColourTable.h"
@@ -53,12 +53,6 @@ void Write(const std::string& target, std::span<const unsigned char> bytes) {
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     if (const std::error_code failed = files::WriteWhole(SystemPath(target), text))
         throw RuntimeError(static_cast<Long>(Fault::PathFileAccess), failed.message());
-}
-
-/// Why an exception came, for the contracts that answer with a reason.
-std::string ReasonOf(const std::exception& failure) {
-    const std::string text = failure.what();
-    return text.empty() ? "unknown failure" : text;
 }
 
 /// A layer that tiles are cut from, and what was learned about it as a whole.
@@ -158,8 +152,8 @@ std::string RasterIO::ExportRasterWindow(IRasterLayer& layer, const std::string&
                                                    source.layer->Height(), envelope, width, height);
         Write(target, Encode(source, window, format, raster::QualityOf(quality)));
         return target;
-    } catch (const std::exception& failure) {
-        reason = ReasonOf(failure);
+    } catch (...) {
+        reason = FailureInFlight().Description();
         return {};
     }
 }
@@ -191,9 +185,9 @@ bool RasterIO::CutWindow(const std::string& sourceFile, PixelWindow& window, con
         CopyAsTiff(source, cells, Place::Forget, file);
         Write(tiffFile, file.Bytes());
         return true;
-    } catch (const std::exception& failure) {
+    } catch (...) {
         source_.reset();  // it may hold cells that it never read
-        reason = ReasonOf(failure);
+        reason = FailureInFlight().Description();
         return false;
     }
 }

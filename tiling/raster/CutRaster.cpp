@@ -9,6 +9,7 @@
 #include <sstream>
 #include <utility>
 
+#include "platform/FailureInFlight.h"
 #include "support/SystemPath.h"
 #include "tileimage/clsTileImage.h"
 #include "tiling/Errors.h"
@@ -77,6 +78,7 @@ class RasterRun {
     RasterRun(const RasterJob& job, const Callbacks& callbacks) : job_(job), callbacks_(callbacks) {}
 
     RasterSummary Run() {
+        RefuseStream(job_.input);
         RefuseBackslash("INPUT", job_.input);
         RefuseBackslash("--name", job_.name);
         layer_ = gdal::OpenRasterLayer(job_.input);
@@ -166,9 +168,9 @@ class RasterRun {
                           " pixels");
         try {
             tiler->Tile();
-        } catch (const std::exception& failure) {
+        } catch (...) {
             // The error dialog itself failed, as where its log cannot be written; what is there stays.
-            if (!callbacks_.interrupted()) ledger.AddReason(PlainReason(failure.what(), ""));
+            if (!callbacks_.interrupted()) ledger.AddReason(PlainReason(FailureInFlight().Description(), ""));
         }
         ledger.Finish();
         summary_.shown = watched.Shown();

@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "platform/FailureInFlight.h"
 #include "platform/files/PartFile.h"
 #include "tiling/Errors.h"
 #include "tiling/Paths.h"
@@ -42,8 +43,8 @@ class Writer {
     void Try(Step&& step) {
         try {
             step();
-        } catch (const std::exception& error) {
-            products_.errors.emplace_back(error.what());
+        } catch (...) {
+            products_.errors.push_back(FailureInFlight().Description());
         }
     }
 

@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "platform/FailureInFlight.h"
 #include "platform/gdal/Attributes.h"
 #include "tiling/Errors.h"
 #include "tiling/WatchedPlatform.h"
@@ -159,9 +160,9 @@ class VectorRun {
                            [&](const auto& take) { spool_->Read(number, take); });
             for (std::string& companion : work.Publish(name, folder, writer_->WritesSideFiles()))
                 companions_.push_back(std::move(companion));
-        } catch (const std::exception& error) {
+        } catch (...) {
             work.Clear();
-            summary_.failures.push_back({id, work.WithoutPath(error.what())});
+            summary_.failures.push_back({id, work.WithoutPath(FailureInFlight().Description())});
             return;
         }
         ++summary_.written;
@@ -175,8 +176,8 @@ class VectorRun {
     void Try(Step&& step) {
         try {
             step();
-        } catch (const std::exception& error) {
-            summary_.errors.emplace_back(error.what());
+        } catch (...) {
+            summary_.errors.push_back(FailureInFlight().Description());
         }
     }
 

@@ -7,6 +7,7 @@
 namespace orvo::tiling {
 
 std::shared_ptr<gdal::VectorLayer> OpenLayer(const VectorGridJob& job) {
+    RefuseStream(job.input);
     RefuseBackslash("INPUT", job.input);
     try {
         return gdal::OpenVectorLayer(job.input, job.layer);
