@@ -55,7 +55,7 @@ class FaultMatrixTest : public FaultTest<TileTest> {
 void FaultMatrixTest::CheckRun(const Way& way, const Disturbed& run) {
     EXPECT_TRUE(run.aboutHandler || !world->failures.empty() || IsSideFileRemoval(way, run.failed))
         << "a failure that nobody saw: " << run.failed;
-    EXPECT_EQ(Probe().CountX(), 3);
+    EXPECT_EQ(Probe().Grid()[2], 3);
     const Long entries = tiler->TileObjectDict()->Count();
     EXPECT_LE(entries, way.tiles + 1);
     if (run.IsRetried()) {
@@ -108,15 +108,14 @@ TEST_F(FaultMatrixTest, NoFailureOfThePlatformCrashesTheSetUp) {
             if (!fresh) return;
             const TileImageProbe probe(*fresh);
             if (run.failed == "RasterLayer.Extent" && run.answer == kLeave) {
-                EXPECT_NE(probe.Layer(), nullptr) << "bound before anything can fail";
-                EXPECT_EQ(probe.YMax(), -1) << "read last";
+                EXPECT_TRUE(probe.IsBound()) << "before anything can fail";
+                EXPECT_EQ(probe.Place()[1], -1) << "read last";
                 EXPECT_EQ(ShownLabel(0), "ImageLayer [SET]");
             }
             if (!run.IsRetried()) return;
-            EXPECT_EQ(probe.Name(), "a.png");
-            EXPECT_EQ(probe.CountX(), 3);
-            EXPECT_EQ(probe.PixelHeight(), 9);
-            EXPECT_EQ(probe.YMax(), 9);
+            EXPECT_EQ(probe.Image(), "a.png C:\\img\\a.png png");
+            EXPECT_EQ(probe.Grid(), (std::array<Long, 4>{4, 9, 3, 1}));
+            EXPECT_EQ(probe.Place()[1], 9);
         });
 }
 

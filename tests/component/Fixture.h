@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "errorreport/Ferrow.h"
 #include "errorreport/Procedure.h"
@@ -36,20 +37,25 @@ class ComponentTest : public testing::Test {
         SetErrorDialog(std::make_unique<Ferrow>());
         LangOffset() = 0;
     }
-    /// Answers the first failures with these clicks, every later one with leaving.
-    void Answer(std::vector<Integer> clicks) {
-        world->answer = [clicks, n = std::size_t{0}](const FailureView&) mutable -> std::optional<Integer> {
-            return n < clicks.size() ? clicks[n++] : kLeave;
+    /// Answers the first failures with these clicks, every later one with the last.
+    void Answer(std::vector<Integer> clicks, Integer later = kLeave) {
+        world->answer = [=, n = std::size_t{0}](const FailureView&) mutable -> std::optional<Integer> {
+            return n < clicks.size() ? clicks[n++] : later;
         };
     }
-    void AlwaysAnswer(Integer click) {
-        world->answer = [click](const FailureView&) { return click; };
-    }
-    const CallStackList& Trace() { return dynamic_cast<Ferrow&>(GlobalErrorDialog()).CallStackEntries(); }
-    /// The label, or module, of the n-th failure shown.
-    std::string ShownModule(std::size_t n) const { return world->failures.at(n).rows[1].text; }
+    void AlwaysAnswer(Integer click) { Answer({}, click); }
+    static Ferrow& Dialog() { return dynamic_cast<Ferrow&>(GlobalErrorDialog()); }
+    static const CallStackList& Trace() { return Dialog().CallStackEntries(); }
     std::string ShownLabel(std::size_t n) const { return world->failures.at(n).rows[2].text; }
-    std::string ShownError(std::size_t n) const { return world->failures.at(n).rows[0].text; }
+    /// The failures shown since the last look, as "9 GetTileID, 91 Clip".
+    std::string Failures() {
+        std::string all;
+        for (const FailureView& shown : std::exchange(world->failures, {})) {
+            const std::string& error = shown.rows[0].text;
+            all += (all.empty() ? "" : ", ") + error.substr(0, error.find('(')) + shown.rows[2].text;
+        }
+        return all;
+    }
 
     std::shared_ptr<fake::World> world;
 };

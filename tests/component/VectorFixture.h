@@ -52,15 +52,13 @@ class VectorTest : public ComponentTest {
         Renew(300, 100, "w100 h50 i0");
         for (Long n = 0; n < 6; ++n) grid->GetTileExtent(n % 3 + 1, n / 3 + 1)->Height(50);
     }
-    /// The n-th failure shown, as "9 GetTileID".
-    std::string Failure(std::size_t n) const {
-        return ShownError(n).substr(0, ShownError(n).find('(')) + ShownLabel(n);
-    }
+    std::string Extent(Long x, Long y) { return Shown(grid->GetTileExtent(x, y)); }
     static std::string Shown(const std::shared_ptr<IEnvelope>& e) {
         if (!e) return "none";
-        return (testing::Message() << e->XMin() << " " << e->YMin() << " " << e->Width() << " " << e->Height()
-                                   << " " << e->Depth())
-            .GetString();
+        std::ostringstream text;
+        text.precision(15);
+        text << e->XMin() << " " << e->YMin() << " " << e->Width() << " " << e->Height() << " " << e->Depth();
+        return text.str();
     }
     static std::string Shown(const std::shared_ptr<IGeometry>& geometry) {
         return geometry ? fake::ContentOf(geometry) : "none";

@@ -15,8 +15,7 @@ TEST_F(VectorGridTest, SizesAndCountsFollowEachOtherOnlyAsFarAsTheSettersSay) {
         const char* steps;
         State state;
     };
-    for (const Case& c : std::vector<Case>{{1000, 600, "", {0, 0, 1, 1}},
-                                           {1000, 600, "n0 w250 h-1 x7", {0, 0, 7, 1}},
+    for (const Case& c : std::vector<Case>{{1000, 600, "n0 w250 h-1 x7", {0, 0, 7, 1}},
                                            {1000, 600, "x4", {250, 0, 4, 1}},
                                            {1000, 600, "x8", {126, 0, 8, 1}},
                                            {1000, 600, "x3", {334, 0, 3, 1}},
@@ -25,7 +24,6 @@ TEST_F(VectorGridTest, SizesAndCountsFollowEachOtherOnlyAsFarAsTheSettersSay) {
                                            {1000, 600, "y3 h77", {200, 77, 1, 3}},
                                            {1000, 600, "x5 w100", {100, 0, 5, 1}},
                                            {1000, 600, "w300 h250", {300, 250, 4, 3}},
-                                           {1000, 1000, "w400 h400", {400, 400, 3, 3}},
                                            {1000, 1000, "w2000 w250 w100 h2000 h250 h100", {100, 100, 4, 4}},
                                            {1000.5, 1001.5, "w-1 h-1", {1000, 1002, 1, 1}},
                                            {1000.4, 999.6, "w250 h250", {250, 250, 4, 4}},
@@ -53,14 +51,14 @@ TEST_F(VectorGridTest, FailuresLeaveWhatWasWrittenBefore) {
                            {3e9, "", "h-1", "6 TileHeight [LET]", {0, 0, 1, 1}, {0, 0, 1, 1}},
                            {3e9, "", "x1", "6 TileCountX [LET]", {0, 0, 1, 1}, {0, 0, 1, 1}}}) {
         for (const Integer answer : {kRetry, kNext, kLeave}) {
-            SCOPED_TRACE(testing::Message() << c.failing << ", answer " << answer);
             Renew(c.size, c.size, std::string(c.steps) + " i0");
             world->failures.clear();
             Answer({answer});
             Do(c.failing);
-            ASSERT_EQ(world->failures.size(), answer == kRetry ? 2U : 1U);
-            EXPECT_EQ(Failure(0), c.failure);
-            EXPECT_EQ(TileVectorProbe::Of(*grid), answer == kNext ? c.skipped : c.left);
+            const std::string twice = std::string(c.failure) + ", " + c.failure;
+            EXPECT_EQ(Failures(), answer == kRetry ? twice : c.failure) << answer;
+            EXPECT_EQ(TileVectorProbe::Of(*grid), answer == kNext ? c.skipped : c.left)
+                << c.failing << answer;
         }
     }
 }
@@ -68,58 +66,53 @@ TEST_F(VectorGridTest, FailuresLeaveWhatWasWrittenBefore) {
 TEST_F(VectorGridTest, RecordsAreNumberedFromTheSouthWestAndKeepTheirEnvelopes) {
     Renew(250, 100, "w100 h50 i0");
     EXPECT_EQ(grid->GetTileID(1, 1) + grid->GetTileID(3, 1) + grid->GetTileID(1, 2), "grp0grp2grp3");
-    EXPECT_EQ(Shown(grid->GetTileExtent(3, 2)), "210 70 100 0 50") << "not cut back, without height";
-    EXPECT_EQ(Shown(grid->GetTileExtent(0, 0)), "10 20 250 0 100");
+    EXPECT_EQ(Extent(3, 2), "210 70 100 0 50") << "not cut back, without height";
+    EXPECT_EQ(Extent(0, 0), "10 20 250 0 100");
     EXPECT_NE(grid->GetTileExtent(0, 0), grid->GetTileExtent(0, 0));
     grid->GetTileExtent(3, 2)->Height(50);
-    EXPECT_EQ(Shown(grid->GetTileExtent(3, 2)), "210 70 100 50 50") << "the tile's own";
-    EXPECT_EQ(grid->GetTileTStream(0, 0), "grp-1");
+    EXPECT_EQ(Extent(3, 2), "210 70 100 50 50") << "the tile's own";
     grid->Id("layer7");
-    EXPECT_EQ(grid->GetTileTStream(2, 1), "layer7grp1");
+    EXPECT_EQ(grid->GetTileTStream(2, 1) + grid->GetTileTStream(0, 0), "layer7grp1layer7grp-1");
     EXPECT_EQ(grid->GetTileTStream(2, 1, "a") + grid->GetTileTStream(0, 0, "a"), "agrp1agrp-1");
     Do("h0");
     EXPECT_EQ(grid->GetTileID(3, 2), "grp5") << "settings never touch the records";
     Do("i0");
-    EXPECT_EQ(Shown(grid->GetTileExtent(1, 1)) + Shown(grid->GetTileExtent(0, 0)), "nonenone");
-    EXPECT_TRUE(world->failures.empty());
+    EXPECT_EQ(Extent(1, 1) + Extent(0, 0), "nonenone");
+    EXPECT_EQ(Failures(), "");
 }
 
 TEST_F(VectorGridTest, TilesThatAreNotThereAreSubscriptsOutOfRange) {
-    BuildGrid();
     const auto ask = [&](Long x, Long y) {
-        world->failures.clear();
-        EXPECT_EQ(grid->GetTileID(x, y), "");
-        EXPECT_EQ(grid->GetTileTStream(x, y), "");
-        EXPECT_EQ(grid->GetTileExtent(x, y), nullptr);
-        return world->failures.size() == 3 ? Failure(0) + ", " + Failure(1) + ", " + Failure(2) : "";
+        const std::vector<std::string> told{grid->GetTileID(x, y), grid->GetTileTStream(x, y), Extent(x, y)};
+        EXPECT_EQ(told, (std::vector<std::string>{"", "", "none"}));
+        return Failures();
     };
-    const std::string outOfRange = "9 GetTileID, 9 GetTileTStream, 9 GetTileExtent";
-    for (const auto& [x, y] : std::vector<std::pair<Long, Long>>{{0, 1}, {4, 1}, {1, 3}, {-1, -1}}) {
+    const char* const outOfRange = "9 GetTileID, 9 GetTileTStream, 9 GetTileExtent";
+    BuildGrid();
+    for (const auto& [x, y] : std::vector<std::pair<Long, Long>>{{0, 1}, {4, 1}, {1, 3}, {-1, -1}})
         EXPECT_EQ(ask(x, y), outOfRange) << x << ", " << y;
-    }
     EXPECT_EQ(ask(std::numeric_limits<Long>::min(), 1), "6 GetTileID, 6 GetTileTStream, 6 GetTileExtent");
-    EXPECT_EQ(grid->GetTileID(0, 0), "");
-    EXPECT_EQ(Failure(3), "9 GetTileID") << "no whole layer here";
+    EXPECT_EQ(grid->GetTileID(0, 0), "") << "no whole layer here";
+    EXPECT_EQ(Failures(), "9 GetTileID");
     Renew(300, 100, "");
     EXPECT_EQ(ask(1, 1), outOfRange);
 }
 
 TEST_F(VectorGridTest, BuildingFailsWithoutLosingTheRecordsItCannotReplace) {
+    using testing::EndsWith;
     for (const Integer answer : {kNext, kLeave}) {
-        world->failures.clear();
         BuildGrid();
         AlwaysAnswer(answer);
         Do("x-2 i0");
-        EXPECT_EQ(Failure(world->failures.size() - 1), "9 InitializeTiles");
+        EXPECT_THAT(Failures(), EndsWith("9 InitializeTiles"));
         EXPECT_EQ(grid->GetTileID(3, 2), "grp5");
         Do("x4 w1073741824 i0");
-        EXPECT_EQ(Failure(world->failures.size() - 1), "6 makeTileExtent") << "3 * 2^30";
-        EXPECT_EQ(Shown(grid->GetTileExtent(2, 1)), "1073741834 20 1073741824 0 50");
-        EXPECT_EQ(Shown(grid->GetTileExtent(4, 2)), answer == kNext ? "0 70 1073741824 0 50" : "none");
+        EXPECT_THAT(Failures(), EndsWith("6 makeTileExtent")) << "3 * 2^30";
+        EXPECT_EQ(Extent(2, 1), "1073741834 20 1073741824 0 50");
+        EXPECT_EQ(Extent(4, 2), answer == kNext ? "0 70 1073741824 0 50" : "none");
     }
-    world->failures.clear();
     Do("n0 x2147483647 y2147483647 i0");
-    EXPECT_EQ(Failure(0), "7 InitializeTiles");
+    EXPECT_EQ(Failures(), "7 InitializeTiles");
     EXPECT_EQ(grid->GetTileID(4, 2), "grp7");
 }
 
@@ -135,7 +128,7 @@ TEST_F(VectorGridTest, TileCountWalksTheExtentAndReadsItOnEveryTest) {
     EXPECT_EQ(grid->TileCount(), 0);
     Do("n0");
     EXPECT_EQ(grid->TileCount(), 0);
-    EXPECT_EQ(Failure(0) + Failure(1) + Failure(2), "6 TileWidth [LET]6 TileCount [GET]91 TileCount [GET]");
+    EXPECT_EQ(Failures(), "6 TileWidth [LET], 6 TileCount [GET], 91 TileCount [GET]");
 }
 
 TEST_F(VectorGridTest, CloneKeepsTheSizesAndDerivesTheRest) {
@@ -153,7 +146,7 @@ TEST_F(VectorGridTest, CloneKeepsTheSizesAndDerivesTheRest) {
     const auto bare = grid->Clone();
     EXPECT_EQ(TileVectorProbe::Of(*bare), (State{0, 0, 1, 1}));
     EXPECT_EQ(bare->GetTileID(1, 1) + Shown(bare->GetTileExtent(1, 1)), "grp0none");
-    EXPECT_TRUE(world->failures.empty());
+    EXPECT_EQ(Failures(), "");
 }
 
 TEST_F(VectorGridTest, ReleaseEmptiesTheRecordsAndFailsWhereThereAreNone) {
@@ -163,22 +156,22 @@ TEST_F(VectorGridTest, ReleaseEmptiesTheRecordsAndFailsWhereThereAreNone) {
     const std::weak_ptr<IEnvelope> tile = grid->GetTileExtent(3, 2);
     grid.reset();
     EXPECT_TRUE(tile.expired());
-    EXPECT_TRUE(world->failures.empty());
+    EXPECT_EQ(Failures(), "");
     EXPECT_EQ(Trace().At(5), "14:25:07 [clsVectorTile] Private Sub Class_Terminate()");
     EXPECT_EQ(Trace().At(6), "14:25:07 [clsTileVector] Private Sub Class_Terminate()");
     AlwaysAnswer(kNext);
     Renew(1, 1, "");
     grid.reset();
-    // Both bounds, the element, and the ends of both loops that were never set up.
-    ASSERT_EQ(world->failures.size(), 5U);
-    EXPECT_EQ(Failure(0) + Failure(2) + Failure(4), "9 Class_Terminate9 Class_Terminate92 Class_Terminate");
+    const std::string on = " Class_Terminate";
+    EXPECT_EQ(Failures(), "9" + on + ", 9" + on + ", 9" + on + ", 92" + on + ", 92" + on)
+        << "both bounds, the element, and the ends of both loops that were never set up";
     platform::Current().newUtilTools = nullptr;
     AlwaysAnswer(kLeave);
     Renew(1, 1, "");
     EXPECT_EQ(TileVectorProbe::Of(*grid), (State{0, 0, 1, 1})) << "the defaults do not wait for the language";
 }
 
-TEST_F(VectorGridTest, RecordCostsNoAllocationButItsEnvelope) {
+TEST_F(VectorGridTest, RecordCostsNoAllocationButItsEnvelopeAndEntriesCostNone) {
     platform::Current().newEnvelope = [] { return std::make_shared<memory::Envelope>(); };
     Renew(100, 50, "w1 h1 i0");
     const long before = AllocationCount();
