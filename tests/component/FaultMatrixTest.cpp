@@ -32,7 +32,7 @@ class FaultMatrixTest : public FaultTest<TileTest> {
         world->convertExtern = way.external;
         world->exportGivesTiff = way.exportGivesTiff;
         facts.filePath = std::string("C:\\img\\") + way.source;
-        if (way.clipped) tiler->ClipEnvelope(MakeEnvelope(0, 0, 5.5, 4.5));
+        if (way.clipped) tiler->ClipEnvelope(fake::MakeEnvelope(world, {0, 0, 5.5, 4.5}));
         Bind(4);  // 3 × 3 cells, the last ones one cell wide and high
     }
     auto EntriesWithoutFile() const {

@@ -13,6 +13,9 @@
 namespace orvo {
 namespace {
 
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+
 constexpr Long kMax = std::numeric_limits<Long>::max();
 constexpr Long kLow = std::numeric_limits<Long>::min();
 
@@ -59,20 +62,18 @@ TEST_F(SupportTest, EveryTextIsThereOnceInEveryLanguageButForTheKnownGaps) {
     std::set<Integer> ids;
     for (const auto rows : {StringRows(), ContactRows()})
         for (const StringRow& row : rows) EXPECT_TRUE(ids.insert(row.id).second) << row.id;
-    const std::set<Integer> germanOnly = {1};
-    const std::set<Integer> noFrench = {1, 1001, 1002, 8008, 8011};
-    std::size_t german = 0;
+    std::vector<int> gaps, alone;
     for (const Integer id : ids) {
-        if (id >= 10000) continue;
-        ++german;
-        EXPECT_EQ(ids.contains(static_cast<Integer>(id + 10000)), !germanOnly.contains(id)) << id;
-        EXPECT_EQ(ids.contains(static_cast<Integer>(id + 20000)), !noFrench.contains(id)) << id;
+        const int language = id / 10000 * 10000;
+        if (language > 0 && !ids.contains(static_cast<Integer>(id - language))) alone.push_back(id);
+        for (const int other : {10000, 20000})
+            if (language == 0 && !ids.contains(static_cast<Integer>(id + other))) gaps.push_back(id + other);
     }
-    EXPECT_EQ(ids.size(), german * 3 - germanOnly.size() - noFrench.size() + 1)
-        << "29202 alone has no German row";
+    EXPECT_THAT(gaps, UnorderedElementsAre(10001, 20001, 21001, 21002, 28008, 28011));
+    EXPECT_THAT(alone, UnorderedElementsAre(29202)) << "without a German row";
     EXPECT_TRUE(LoadResString(10209).ends_with("|*.*\"")) << "the stray quote behind the second pattern list";
     LangOffset() = 20000;
-    EXPECT_EQ(Text(8018) + Text(8024), "Ligne N°. :&Commande répèter");
+    EXPECT_EQ(Text(8018), "Ligne N°. :");
     EXPECT_EQ(NumberOf([] { Text(8008); }), 326);
     EXPECT_EQ(NumberOf([] { Text(12768); }), 6);
     EXPECT_EQ(Text(1), LoadResString(1)) << "one row for all languages";
@@ -121,10 +122,9 @@ TEST_F(SupportTest, LocalizationServesAllKindsOfControlAndSkipsWhatFails) {
                                          c[6].Get("ToolTipText"),
                                          c[7].Get("Caption")};
     // A missing text costs only its own assignment; 99999 is no 16-bit number.
-    EXPECT_THAT(texts,
-                testing::ElementsAre("ATTENTION! Une erreur s'est produite ...", "Annuler", "Largeur",
-                                     "Hauteur", "Hauteur", "Propriétés de la tuile", "Format de la tuile",
-                                     "kept", "Ouvrir", "99999", "Information programme :"));
+    EXPECT_THAT(texts, ElementsAre("ATTENTION! Une erreur s'est produite ...", "Annuler", "Largeur",
+                                   "Hauteur", "Hauteur", "Propriétés de la tuile", "Format de la tuile",
+                                   "kept", "Ouvrir", "99999", "Information programme :"));
 }
 
 TEST_F(SupportTest, RegistryReaderTakesTextAndBinaryAndNothingElse) {
@@ -132,14 +132,11 @@ TEST_F(SupportTest, RegistryReaderTakesTextAndBinaryAndNothingElse) {
     const auto get = [] { return GetString(IRegistry::kCurrentUser, "Key", "Value"); };
     const std::tuple<Long, std::string, std::string> cases[] = {
         {1, "C:\\Daten\0"s, "C:\\Daten"},
-        {1, "cut\0rest\0"s, "cut"},
-        {1, "\0"s, ""},
+        {1, "\0rest"s, ""},
         {3, "\xFF\xFF"s, "-1"},
-        {3, "\0\2"s, "512"},
         {3, "\x80"s, "128"},
         {3, "\1\0\7\7\7\7\7\7\7\7"s, "1"},  // only two bytes count
         {3, ""s, "0"},
-        {2, "%TEMP%\0"s, ""},
         {4, "\1\0\0\0"s, ""},
     };
     EXPECT_EQ(std::get<std::string>(get()), "") << "no key";

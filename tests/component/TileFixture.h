@@ -3,6 +3,7 @@
 
 #include <array>
 
+#include "platform/fake/Vector.h"
 #include "tests/component/Fixture.h"
 #include "tileimage/clsTileImage.h"
 
@@ -13,8 +14,6 @@ class TileImageProbe {
   public:
     explicit TileImageProbe(clsTileImage& tiler) : tiler_(tiler) {}
     std::string ExtentText(Long x, Long y) { return tiler_.GetTileExtent(x, y); }
-    std::string SaveTiff(const std::string& path) { return tiler_.SaveTIFFToWWW(path); }
-    void Message(const std::string& text) { tiler_.CreateMessageText(text); }
     /// Pixels of a tile, columns and rows.
     std::array<Long, 4> Grid() const {
         return {tiler_.tilePixelWidth_, tiler_.tilePixelHeight_, tiler_.tileCountX_, tiler_.tileCountY_};
@@ -23,7 +22,6 @@ class TileImageProbe {
     std::string Image() const {
         return tiler_.imageName_ + " " + tiler_.imagePath_ + " " + tiler_.workingExtension_;
     }
-    std::string& Extension() { return tiler_.workingExtension_; }
     /// Left and upper edge, size of a cell.
     std::array<double, 4> Place() const {
         return {tiler_.extentXMin_, tiler_.extentYMax_, tiler_.cellSizeX_, tiler_.cellSizeY_};
@@ -58,14 +56,6 @@ class TileTest : public ComponentTest {
         BindLayer();
         tiler->TileWidth(size);
         tiler->TileHeight(size);
-    }
-    std::shared_ptr<IEnvelope> MakeEnvelope(double xMin, double yMin, double xMax, double yMax) {
-        auto envelope = platform::Create(platform::Current().newEnvelope);
-        envelope->XMin(xMin);
-        envelope->XMax(xMax);
-        envelope->YMin(yMin);
-        envelope->YMax(yMax);
-        return envelope;
     }
     TileImageProbe Probe() { return TileImageProbe(*tiler); }
 
