@@ -84,25 +84,22 @@ TEST_F(FaultMatrixTest, NoFailureOfThePlatformCrashesTheRunOrLosesATileWithoutAW
         ASSERT_TRUE(tiler->Tile());
         ASSERT_EQ(tiler->TileObjectDict()->Count(), way.tiles) << way.name;
         FailEveryCall(
-            way.name, [&] { Prepare(way), result = false; }, {[&] { result = tiler->Tile(); }},
+            way.name, [&] { Prepare(way), result = false; }, [&] { result = tiler->Tile(); },
             [&](const Disturbed& run) { CheckRun(way, run); });
     }
 }
 
 TEST_F(FaultMatrixTest, NoFailureOfThePlatformCrashesTheSetUp) {
     std::unique_ptr<clsTileImage> fresh;
-    const auto onFresh = [&](auto step) {
-        return [&fresh, step] {
-            if (fresh) step(*fresh);
-        };
+    const auto setUp = [&] {
+        fresh = std::make_unique<clsTileImage>();
+        fresh->ImageLayer(fake::MakeRasterLayer(world, facts));
+        fresh->TileWidth(4);
+        fresh->TileHeight(-1);
+        fresh->GetWorkspace("C:\\out");
     };
     FailEveryCall(
-        "set-up", [&] { fresh.reset(), Prepare(kWays[0]); },
-        {[&] { fresh = std::make_unique<clsTileImage>(); },
-         onFresh([&](clsTileImage& it) { it.ImageLayer(fake::MakeRasterLayer(world, facts)); }),
-         onFresh([](clsTileImage& it) { it.TileWidth(4); }),
-         onFresh([](clsTileImage& it) { it.TileHeight(-1); }),
-         onFresh([](clsTileImage& it) { it.GetWorkspace("C:\\out"); })},
+        "set-up", [&] { fresh.reset(), Prepare(kWays[0]); }, setUp,
         [&](const Disturbed& run) {
             EXPECT_TRUE(run.aboutHandler || !world->failures.empty()) << run.failed;
             if (!fresh) return;

@@ -16,9 +16,7 @@
 
 namespace orvo {
 
-constexpr Integer kRetry = 0;
-constexpr Integer kNext = 1;
-constexpr Integer kLeave = 2;
+constexpr Integer kRetry = 0, kNext = 1, kLeave = 2;
 
 /// How often the test program has allocated memory so far.
 long AllocationCount();

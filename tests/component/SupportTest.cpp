@@ -93,38 +93,39 @@ TEST_F(SupportTest, ContinuedLookupJoinsPiecesAndAdvancesTheId) {
 
 TEST_F(SupportTest, LocalizationServesAllKindsOfControlAndSkipsWhatFails) {
     using P = Control::Properties;
+    const struct {
+        const char *owner, *type;  ///< a control, or an item of its owner
+        P before;
+        std::string shown;  ///< all properties afterwards but for the tag
+    } cases[] = {
+        {"", "Menu", {{"Caption", "206"}}, "Annuler|"},
+        {"", "Menu", {}, ""},
+        {"TabStrip", "Tab", {{"Caption", ""}, {"Tag", "203"}, {"ToolTipText", "204"}}, "Largeur|Hauteur|"},
+        {"TabStrip", "Tab", {{"Caption", ""}, {"Tag", "204"}}, "Hauteur|"},
+        {"Toolbar", "Button", {{"Tag", "200"}, {"ToolTipText", ""}}, "Propriétés de la tuile|"},
+        {"ListView", "ColumnHeader", {{"Tag", "201"}, {"Text", ""}}, "Format de la tuile|"},
+        // A missing text costs only its own assignment; 99999 is no 16-bit number.
+        {"", "Label", {{"Caption", "kept"}, {"Tag", "8008"}, {"ToolTipText", "210"}}, "kept|Ouvrir|"},
+        {"", "TextBox", {{"Tag", "210"}, {"ToolTipText", "99999"}}, "99999|"},
+        {"", "Frame", {{"Caption", "x"}, {"Tag", "8019"}}, "Information programme :|"},
+    };
     LangOffset() = 20000;
     Form form;
     form.self = {"Form", P{{"Caption", "design"}, {"Tag", "8012"}}};
-    form.controls = {{"Menu", P{{"Caption", "206"}}},
-                     {"Menu", P{}},
-                     {"TabStrip", P{}},
-                     {"Toolbar", P{}},
-                     {"ListView", P{}},
-                     {"Label", P{{"Caption", "kept"}, {"Tag", "8008"}, {"ToolTipText", "210"}}},
-                     {"TextBox", P{{"Tag", "210"}, {"ToolTipText", "99999"}}},
-                     {"Frame", P{{"Caption", "x"}, {"Tag", "8019"}}}};
-    auto& c = form.controls;
-    c[2].Items() = {{"Tab", P{{"Caption", ""}, {"Tag", "203"}, {"ToolTipText", "204"}}},
-                    {"Tab", P{{"Caption", ""}, {"Tag", "204"}}}};
-    c[3].Items() = {{"Button", P{{"Tag", "200"}, {"ToolTipText", ""}}}};
-    c[4].Items() = {{"ColumnHeader", P{{"Tag", "201"}, {"Text", ""}}}};
+    for (const auto& c : cases) {
+        form.controls.emplace_back(*c.owner == 0 ? c.type : c.owner, *c.owner == 0 ? c.before : P{});
+        if (*c.owner != 0) form.controls.back().Items() = {{c.type, P{}}, {c.type, c.before}};
+    }
     LoadResStrings(form);
-    const std::vector<std::string> texts{form.self.Get("Caption"),
-                                         c[0].Get("Caption"),
-                                         c[2].Items()[0].Get("Caption"),
-                                         c[2].Items()[0].Get("ToolTipText"),
-                                         c[2].Items()[1].Get("Caption"),
-                                         c[3].Items()[0].Get("ToolTipText"),
-                                         c[4].Items()[0].Get("Text"),
-                                         c[5].Get("Caption"),
-                                         c[5].Get("ToolTipText"),
-                                         c[6].Get("ToolTipText"),
-                                         c[7].Get("Caption")};
-    // A missing text costs only its own assignment; 99999 is no 16-bit number.
-    EXPECT_THAT(texts, ElementsAre("ATTENTION! Une erreur s'est produite ...", "Annuler", "Largeur",
-                                   "Hauteur", "Hauteur", "Propriétés de la tuile", "Format de la tuile",
-                                   "kept", "Ouvrir", "99999", "Information programme :"));
+    EXPECT_EQ(form.self.Caption(), "ATTENTION! Une erreur s'est produite ...");
+    for (std::size_t n = 0; n < std::size(cases); ++n) {
+        Control& control = form.controls[n];
+        const Control& localized = control.Items().empty() ? control : control.Items()[1];
+        std::string shown;
+        for (const auto& [property, text] : cases[n].before)
+            shown += property == "Tag" ? "" : localized.Get(property) + "|";
+        EXPECT_EQ(shown, cases[n].shown);
+    }
 }
 
 TEST_F(SupportTest, RegistryReaderTakesTextAndBinaryAndNothingElse) {

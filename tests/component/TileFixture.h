@@ -57,6 +57,13 @@ class TileTest : public ComponentTest {
         tiler->TileWidth(size);
         tiler->TileHeight(size);
     }
+    /// The messages shown since the last look; all are critical.
+    std::string Messages() {
+        std::string all;
+        for (const fake::Message& shown : std::exchange(world->messages, {}))
+            all += shown.icon == MessageIcon::Critical ? shown.title + ": " + shown.text : "not critical";
+        return all;
+    }
     TileImageProbe Probe() { return TileImageProbe(*tiler); }
 
     std::unique_ptr<clsTileImage> tiler;

@@ -92,7 +92,7 @@ TEST_F(VectorFaultTest, NoFailureOfThePlatformCrashesAProcedureOrPassesUnseen) {
         ASSERT_EQ(tell(), operation.undisturbed);
         const auto prepare = [&] { Prepare(); };
         const auto check = [&](const Disturbed& run) { Check(operation, run); };
-        FailEveryCall(operation.label, prepare, {operation.act}, check);
+        FailEveryCall(operation.label, prepare, operation.act, check);
     }
 }
 

