@@ -2,13 +2,6 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
-#include <ostream>
-#include <string>
-#include <vector>
 
 #include "platform/Platform.h"
 #include "tests/Failure.h"
