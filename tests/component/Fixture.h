@@ -2,12 +2,6 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <functional>
-#include <memory>
-#include <utility>
 
 #include "errorreport/Ferrow.h"
 #include "errorreport/Procedure.h"
@@ -20,6 +14,14 @@ constexpr Integer kRetry = 0, kNext = 1, kLeave = 2;
 
 /// How often the test program has allocated memory so far.
 long AllocationCount();
+
+/// The cells of a row in a table, "a|b|c".
+inline std::vector<std::string> Cells(const std::string& row) {
+    std::vector<std::string> cells;
+    std::istringstream in(row);
+    for (std::string cell; std::getline(in, cell, '|');) cells.push_back(cell);
+    return cells;
+}
 
 class ComponentTest : public testing::Test {
   protected:

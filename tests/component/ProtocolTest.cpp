@@ -27,18 +27,15 @@ class ProtocolTest : public ComponentTest {
 };
 
 TEST_F(ProtocolTest, FailingStatementIsRunAgainFromItsStartOrSkippedOrLeftAndTheCallerGoesOn) {
-    struct Case {
-        std::vector<Integer> answers;
-        const char* log;
-        Long result;
-    };
-    for (const Case& c : std::vector<Case>{{{kRetry, kRetry, kRetry}, "a----!c", 2},
-                                           {{kNext}, "a-c", 8},  // the target of the statement stays
-                                           {{kRetry, kLeave}, "a--c", 5},
-                                           {{Integer{3}}, "a-c", 5},
-                                           {{Integer{-1}}, "a-c", 5}}) {
+    using Answers = std::vector<Integer>;
+    for (const auto& [answers, expectedLog, expected] :
+         {std::tuple(Answers{kRetry, kRetry, kRetry}, "a----!c", 2),
+          {{kNext}, "a-c", 8},  // the target of the statement stays
+          {{kRetry, kLeave}, "a--c", 5},
+          {{Integer{3}}, "a-c", 5},
+          {{Integer{-1}}, "a-c", 5}}) {
         NewWorld();
-        Answer(c.answers);
+        Answer(answers);
         std::string log;
         Long value = 7;
         Long result = -1;
@@ -54,9 +51,9 @@ TEST_F(ProtocolTest, FailingStatementIsRunAgainFromItsStartOrSkippedOrLeftAndThe
             });
             outer([&] { log += "c"; });
         });
-        EXPECT_EQ(log, c.log);
-        EXPECT_EQ(result, c.result) << log;
-        EXPECT_EQ(world->failures.size(), c.answers.size());
+        EXPECT_EQ(log, expectedLog);
+        EXPECT_EQ(result, expected) << log;
+        EXPECT_EQ(world->failures.size(), answers.size());
         EXPECT_EQ(ShownLabel(0), "Inner");
         EXPECT_EQ(Trace().Count(), 2U) << "a retry is no new entry";
     }

@@ -96,36 +96,28 @@ TEST_F(TileRunTest, ProgressTextsComeInTheirOrderForEachWay) {
 }
 
 TEST_F(TileRunTest, FormatsAreKeptFromTheSourceOrTakenFromTheSettings) {
-    struct Case {
-        std::string source, format;
-        fake::Conversion external;
-        const char* extension;  ///< of the tile
-        bool exportGivesTiff = false;
-    };
-    for (const Case& c : std::vector<Case>{{"a.png", "JPG", kWorks, "png"},
-                                           {"a.png", "JPG", kFails, "jpg"},
-                                           {"a.gif", "PNG", kFails, "png"},
-                                           {"a.jpg", "PNG", kWorks, "jpg"},
-                                           {"a.jpg", "PNG", kFails, "jpg"},
-                                           {"a.TIF", "PNG", kWorks, "png"},
-                                           {"a.bmp", "GIF", kWorks, "gif"},
-                                           {"a.jpeg", "Png", kWorks, "png"},
-                                           {"a", "", kWorks, ""},
-                                           {"a.sid", "TIF", kWorks, "TIF", true},
-                                           {"a.sid", "Png", kWorks, "png", true}}) {
+    for (const char*
+             row :  // the external way, the source, the format asked for, and the extension of the tile
+         {"works a.png JPG png", "fails a.png JPG jpg", "fails a.gif PNG png", "works a.jpg PNG jpg",
+          "fails a.jpg PNG jpg", "works a.TIF PNG png", "works a.bmp GIF gif", "works a.jpeg Png png",
+          "works a", "tiff a.sid TIF TIF", "tiff a.sid Png png"}) {
+        std::istringstream in(row);
+        std::string way, source, format, extension;
+        in >> way >> source >> format >> extension;
         Renew();
-        world->convertExtern = c.external;
-        world->exportGivesTiff = c.exportGivesTiff;
-        facts.filePath = "C:\\img\\" + c.source;
-        tiler->GraphicFormat(c.format);
+        world->convertExtern = way == "fails" ? kFails : kWorks;
+        world->exportGivesTiff = way == "tiff";
+        facts.filePath = "C:\\img\\" + source;
+        tiler->GraphicFormat(format);
         Bind(-1);
         Run();
         ASSERT_EQ(Tiles().size(), 1U);
-        EXPECT_EQ(Tiles()[0].substr(Tiles()[0].find('.') + 1), c.extension) << c.source << " to " << c.format;
-        EXPECT_EQ(Probe().Image().substr(Probe().Image().rfind(' ') + 1), LCase(c.extension));
+        EXPECT_EQ(Tiles()[0].substr(Tiles()[0].find('.') + 1), extension) << row;
+        EXPECT_EQ(Probe().Image().substr(Probe().Image().rfind(' ') + 1), LCase(extension));
     }
     Renew();
     facts.filePath = "C:\\img\\scan.sid";
+    world->exportGivesTiff = false;
     world->convertedWindows.clear();
     world->exportedSizes.clear();
     Bind(4);

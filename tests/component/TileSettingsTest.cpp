@@ -25,28 +25,24 @@ TEST_F(TileSettingsTest, CreationReadsTheLanguageAndTheUsersFolderAndGoesOnWitho
 }
 
 TEST_F(TileSettingsTest, SizesInMapUnitsBecomePixelsAndCountsOnEachAxisByItself) {
-    struct Case {
-        Long cells;
-        double cell;
-        std::vector<Long> sizes;
-        Long pixels, count;
-    };
-    for (const Case& c : std::vector<Case>{{1000, 1, {-1}, 1000, 1},
-                                           {1000, 1, {257}, 258, 4},
-                                           {1000, 1, {500, 100}, 100, 2},
-                                           {100, 2, {100, 1000}, 500, 2},
-                                           {1000, 1, {0, 100}, 100, 10},
-                                           {1000, 1, {-10, 500}, 500, 2},
-                                           {1000, 2, {501}, 251, 4},
-                                           {1000, 2, {503}, 252, 4}}) {
+    for (const char* row :  // cells and their size, the sizes set, and the pixels and tiles that these give
+         {"1000 1|-1|1000 1", "1000 1|257|258 4", "1000 1|500 100|100 2", "100 2|100 1000|500 2",
+          "1000 1|0|0 1", "1000 1|0 100|100 10", "1000 1|-10 500|500 2", "1000 2|501|251 4",
+          "1000 2|503|252 4"}) {
+        std::istringstream layer(Cells(row)[0]), expected(Cells(row)[2]);
+        Long cells = 0, pixels = 0, count = 0;
+        double cell = 0;
+        layer >> cells >> cell;
+        expected >> pixels >> count;
         for (const bool wide : {true, false}) {
             Renew();
-            (wide ? facts.columns : facts.rows) = c.cells;
-            (wide ? facts.cellSize.X : facts.cellSize.Y) = c.cell;
+            (wide ? facts.columns : facts.rows) = cells;
+            (wide ? facts.cellSize.X : facts.cellSize.Y) = cell;
             BindLayer();
-            for (const Long size : c.sizes) wide ? tiler->TileWidth(size) : tiler->TileHeight(size);
-            const std::array<Long, 4> across{c.pixels, 0, c.count, 1}, down{0, c.pixels, 1, c.count};
-            EXPECT_EQ(Probe().Grid(), wide ? across : down) << c.sizes.back() << " at " << c.cell;
+            std::istringstream sizes(Cells(row)[1]);
+            for (Long size = 0; sizes >> size;) wide ? tiler->TileWidth(size) : tiler->TileHeight(size);
+            const std::array<Long, 4> across{pixels, 0, count, 1}, down{0, pixels, 1, count};
+            EXPECT_EQ(Probe().Grid(), wide ? across : down) << row;
         }
     }
     EXPECT_EQ(Failures(), "");

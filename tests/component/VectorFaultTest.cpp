@@ -57,7 +57,7 @@ void VectorFaultTest::Check(const Operation& operation, const Disturbed& run) {
     EXPECT_TRUE(run.aboutHandler || !world->failures.empty()) << "a failure that nobody saw: " << run.failed;
     const bool leftItself =
         run.answer == kLeave && !world->failures.empty() && ShownLabel(0) == operation.label;
-    EXPECT_EQ(TileVectorProbe::Of(*grid), (State{100, 50, 3, 2}));
+    EXPECT_EQ(TileVectorProbe::Of(*grid), "100 50 3 2");
     EXPECT_EQ(Shown(line) + Shown(points), "linepoints") << "the input stays";
     if (tell) {
         const std::string outcome = tell();

@@ -1,23 +1,21 @@
 // What the tests of clsTileVector share: a grid over a fake layer.
 #pragma once
 
-#include <array>
-#include <sstream>
-
 #include "platform/fake/Vector.h"
 #include "tests/component/Fixture.h"
 #include "tilevector/clsTileVector.h"
 
 namespace orvo {
 
-using State = std::array<Long, 4>;
-
 /// Reaches the private state of a grid.
 class TileVectorProbe {
   public:
     /// Tile width and height, columns and rows.
-    static State Of(const clsTileVector& grid) {
-        return {grid.tileWidth_, grid.tileHeight_, grid.tileCountX_, grid.tileCountY_};
+    static std::string Of(const clsTileVector& grid) {
+        std::ostringstream state;
+        state << grid.tileWidth_ << " " << grid.tileHeight_ << " " << grid.tileCountX_ << " "
+              << grid.tileCountY_;
+        return state.str();
     }
     static bool SharesObjects(const clsTileVector& a, const clsTileVector& b) {
         return a.layerExtent_ == b.layerExtent_ && a.statusObject_ == b.statusObject_;

@@ -22,31 +22,30 @@ class VectorGeometryTest : public VectorTest {
 };
 
 TEST_F(VectorGeometryTest, ClipFollowsTheRelationsOfTheKind) {
-    const fake::Box tile{110, 20, 210, 70};
-    struct Case {
-        GeometryType type;
-        bool within, crosses, overlaps;
-        const char *clipped, *result;
-    };
-    std::vector<Case> cases{{GeometryType::Multipoint, true, false, false, "part", "whole"},
-                            {GeometryType::Multipoint, false, false, false, "part", "part"},
-                            {GeometryType::Multipoint, false, true, true, "", "none"},
-                            {GeometryType::Point, true, true, true, "part", "none"},
-                            {GeometryType::Other, true, true, true, "part", "none"}};
-    for (const GeometryType type : {GeometryType::Polyline, GeometryType::Polygon}) {
-        cases.insert(cases.end(),
-                     {{type, true, true, true, "part", "whole"},
-                      {type, false, true, false, "part", "part"},
-                      {type, false, false, true, "part", "part"},
-                      {type, false, true, true, "", "none"},
-                      {type, false, false, false, "part", "none"}});  // touches the tile or covers it
-    }
-    for (const Case& c : cases) {
-        const Geometry geometry = Make(c.type, {tile, c.within, c.crosses, c.overlaps, c.clipped});
-        const Geometry clipped = grid->Clip(2, 1, geometry);
-        EXPECT_EQ(Shown(clipped), c.result) << c.within << c.crosses << c.overlaps << c.clipped;
-        EXPECT_NE(clipped, geometry);
-        EXPECT_EQ(Shown(geometry), "whole") << "the input stays";
+    using Rows =
+        std::vector<std::array<std::string, 3>>;  // relations (within, crosses, overlaps), part, result
+    // Neither crosses nor overlaps: touches the tile or covers it.
+    const Rows shapes{{"wco", "part", "whole"},
+                      {"c", "part", "part"},
+                      {"o", "part", "part"},
+                      {"co", "", "none"},
+                      {"", "part", "none"}};
+    const Rows points{{"w", "part", "whole"}, {"", "part", "part"}, {"co", "", "none"}},
+        others{{"wco", "part", "none"}};
+    using enum GeometryType;
+    for (const auto& [type, rows] : {std::pair(Polyline, shapes),
+                                     {Polygon, shapes},
+                                     {Multipoint, points},
+                                     {Point, others},
+                                     {Other, others}}) {
+        for (const auto& [relations, part, result] : rows) {
+            const auto has = [&](char relation) { return relations.find(relation) != std::string::npos; };
+            const Geometry geometry = Make(type, {{110, 20, 210, 70}, has('w'), has('c'), has('o'), part});
+            const Geometry clipped = grid->Clip(2, 1, geometry);
+            EXPECT_EQ(Shown(clipped), result) << relations << part;
+            EXPECT_NE(clipped, geometry);
+            EXPECT_EQ(Shown(geometry), "whole") << "the input stays";
+        }
     }
     EXPECT_EQ(grid->Clip(2, 1, extent), nullptr) << "an envelope is none of the kinds";
     EXPECT_EQ(Failures(), "");
@@ -64,26 +63,20 @@ TEST_F(VectorGeometryTest, ClipFailsTowardsNothingAndGoesOnAsAsked) {
 }
 
 TEST_F(VectorGeometryTest, IsInsideWritesBackTheTileItFindsOrWhereItStopped) {
-    struct Case {
+    for (const char* row :  // the point, the tile asked for, the answer and the tile afterwards; (110, 30) is
+                            // on an edge
+         {"250 100 -1 -1|true 3,2 ", "11 21 -1 -1|true 1,1 ", "5000 30 -1 -1|false 4,3 ",
+          "30 1e15 -1 -1|false 4,3 ", "-50 30 -1 -1|false 4,3 ", "-150 30 -1 -1|false 0,1 9 IsInside",
+          "30 -500 -1 -1|false 1,-9 9 IsInside", "-1e15 30 -1 -1|false -1,-1 6 IsInside",
+          "110 30 -1 -1|false 4,3 ", "10 20 -1 -1|false 4,3 ", "150 100 2 2|true 2,2 ",
+          "150 100 2 1|false 2,1 ", "150 100 -1 2|false -1,2 9 IsInside",
+          "150 100 2 3|false 2,3 9 IsInside"}) {
+        std::istringstream asked(row);
         Point point;
-        Long x, y;
-        const char* answer;
-    };
-    for (const Case& c : std::vector<Case>{{{250, 100}, -1, -1, "true 3,2 "},
-                                           {{11, 21}, -1, -1, "true 1,1 "},
-                                           {{5000, 30}, -1, -1, "false 4,3 "},
-                                           {{30, 1e15}, -1, -1, "false 4,3 "},
-                                           {{-50, 30}, -1, -1, "false 4,3 "},
-                                           {{-150, 30}, -1, -1, "false 0,1 9 IsInside"},
-                                           {{30, -500}, -1, -1, "false 1,-9 9 IsInside"},
-                                           {{-1e15, 30}, -1, -1, "false -1,-1 6 IsInside"},
-                                           {{110, 30}, -1, -1, "false 4,3 "},  // on an edge
-                                           {{10, 20}, -1, -1, "false 4,3 "},
-                                           {{150, 100}, 2, 2, "true 2,2 "},
-                                           {{150, 100}, 2, 1, "false 2,1 "},
-                                           {{150, 100}, -1, 2, "false -1,2 9 IsInside"},
-                                           {{150, 100}, 2, 3, "false 2,3 9 IsInside"}})
-        EXPECT_EQ(Ask(c.x, c.y, MakePoint(world, c.point)), c.answer) << c.point.X << " " << c.point.Y;
+        Long x = 0, y = 0;
+        asked >> point.X >> point.Y >> x >> y;
+        EXPECT_EQ(Ask(x, y, MakePoint(world, point)), Cells(row)[1]) << row;
+    }
     const fake::Answer within{.rectangle = {110, 20, 210, 70}, .within = true};
     EXPECT_EQ(Ask(-1, -1, Make(GeometryType::Polyline, within)), "false -1,-1 ");
     EXPECT_EQ(Ask(2, 1, Make(GeometryType::Multipoint, within)), "false 2,1 ");

@@ -10,51 +10,36 @@ namespace {
 class VectorGridTest : public VectorTest {};
 
 TEST_F(VectorGridTest, SizesAndCountsFollowEachOtherOnlyAsFarAsTheSettersSay) {
-    struct Case {
-        double width, height;
-        const char* steps;
-        State state;
-    };
-    for (const Case& c : std::vector<Case>{{1000, 600, "n0 w250 h-1 x7", {0, 0, 7, 1}},
-                                           {1000, 600, "x3", {334, 0, 3, 1}},
-                                           {1000, 600, "x-4", {-250, 0, -4, 1}},
-                                           {1000, 600, "h77 y3", {200, 77, 1, 3}},
-                                           {1000, 600, "x5 w100", {100, 0, 5, 1}},
-                                           {1000, 1000, "w2000 w250 w100 h2000 h250 h100", {100, 100, 4, 4}},
-                                           {1000.5, 1001.5, "w-1 h-1", {1000, 1002, 1, 1}},
-                                           {1000.4, 999.6, "w250 h250", {250, 250, 4, 4}},
-                                           {0.4, 0.4, "w-1 h-1 w7 h7", {7, 7, 0, 0}},
-                                           {1000, 1000, "w0 w100 w-1 h0 h100 h-1", {1000, 1000, 10, 10}},
-                                           {1000, 1000, "w-10 h-3", {-10, -3, -100, -333}},
-                                           {1000, 1000, "w-10 w500 h-3 h500", {500, 500, 2, 2}}}) {
-        Renew(c.width, c.height, c.steps);
-        EXPECT_EQ(TileVectorProbe::Of(*grid), c.state) << c.width << ": " << c.steps;
-        EXPECT_EQ(grid->TileCountX() * 1000 + grid->TileCountY(), c.state[2] * 1000 + c.state[3]);
+    for (const char* row :  // extent, steps, and the state that they lead to
+         {"1000|600|n0 w250 h-1 x7|0 0 7 1", "1000|600|x3|334 0 3 1", "1000|600|x-4|-250 0 -4 1",
+          "1000|600|h77 y3|200 77 1 3", "1000|600|x5 w100|100 0 5 1",
+          "1000|1000|w2000 w250 w100 h2000 h250 h100|100 100 4 4", "1000.5|1001.5|w-1 h-1|1000 1002 1 1",
+          "1000.4|999.6|w250 h250|250 250 4 4", "0.4|0.4|w-1 h-1 w7 h7|7 7 0 0",
+          "1000|1000|w0 w100 w-1 h0 h100 h-1|1000 1000 10 10", "1000|1000|w-10 h-3|-10 -3 -100 -333",
+          "1000|1000|w-10 w500 h-3 h500|500 500 2 2"}) {
+        const auto cells = Cells(row);
+        Renew(std::stod(cells[0]), std::stod(cells[1]), cells[2]);
+        EXPECT_EQ(TileVectorProbe::Of(*grid), cells[3]) << row;
+        const std::string counts =
+            std::to_string(grid->TileCountX()) + " " + std::to_string(grid->TileCountY());
+        EXPECT_TRUE(cells[3].ends_with(" " + counts)) << row;
     }
 }
 
 TEST_F(VectorGridTest, FailuresLeaveWhatWasWrittenBefore) {
-    struct Case {
-        double size;
-        const char *steps, *failing, *failure;
-        State left, skipped;
-    };
-    for (const Case& c :
-         std::vector<Case>{{8, "w4 h5", "x0", "11 TileCountX [LET]", {4, 5, 0, 2}, {4, 5, 0, 2}},
-                           {8, "w4 h5", "y0", "11 TileCountY [LET]", {4, 5, 2, 0}, {4, 5, 2, 0}},
-                           {0, "w4 h5", "x0", "6 TileCountX [LET]", {4, 5, 0, 0}, {4, 5, 0, 0}},
-                           {3e9, "", "w7", "6 TileWidth [LET]", {0, 0, 1, 1}, {7, 0, 0, 1}},
-                           {3e9, "", "h-1", "6 TileHeight [LET]", {0, 0, 1, 1}, {0, 0, 1, 1}},
-                           {3e9, "", "x1", "6 TileCountX [LET]", {0, 0, 1, 1}, {0, 0, 1, 1}}}) {
+    for (const char*
+             row :  // extent, steps, the one that fails, its failure, and the state left or gone on with
+         {"8|w4 h5|x0|11 TileCountX [LET]|4 5 0 2|4 5 0 2", "8|w4 h5|y0|11 TileCountY [LET]|4 5 2 0|4 5 2 0",
+          "0|w4 h5|x0|6 TileCountX [LET]|4 5 0 0|4 5 0 0", "3e9||w7|6 TileWidth [LET]|0 0 1 1|7 0 0 1",
+          "3e9||h-1|6 TileHeight [LET]|0 0 1 1|0 0 1 1", "3e9||x1|6 TileCountX [LET]|0 0 1 1|0 0 1 1"}) {
         for (const Integer answer : {kRetry, kNext, kLeave}) {
-            Renew(c.size, c.size, std::string(c.steps) + " i0");
-            world->failures.clear();
+            const auto cells = Cells(row);
+            Renew(std::stod(cells[0]), std::stod(cells[0]), cells[1] + " i0");
+            Failures();
             Answer({answer});
-            Do(c.failing);
-            const std::string twice = std::string(c.failure) + ", " + c.failure;
-            EXPECT_EQ(Failures(), answer == kRetry ? twice : c.failure) << answer;
-            EXPECT_EQ(TileVectorProbe::Of(*grid), answer == kNext ? c.skipped : c.left)
-                << c.failing << answer;
+            Do(cells[2]);
+            EXPECT_EQ(Failures(), answer == kRetry ? cells[3] + ", " + cells[3] : cells[3]) << answer;
+            EXPECT_EQ(TileVectorProbe::Of(*grid), cells[answer == kNext ? 5 : 4]) << row << answer;
         }
     }
 }
@@ -132,15 +117,15 @@ TEST_F(VectorGridTest, CloneKeepsTheSizesAndDerivesTheRest) {
     grid->StatusObject(std::make_shared<fake::StatusDisplay>(world));
     grid->Id("source");
     const auto same = grid->Clone();
-    EXPECT_EQ(TileVectorProbe::Of(*same), (State{100, 600, 10, 1}));
+    EXPECT_EQ(TileVectorProbe::Of(*same), "100 600 10 1");
     EXPECT_TRUE(TileVectorProbe::SharesObjects(*grid, *same));
     EXPECT_EQ(same->GetTileTStream(10, 1), "grp9");
     const auto smaller = grid->Clone(fake::MakeEnvelope(world, {1, 2, 251, 1202}));
-    EXPECT_EQ(TileVectorProbe::Of(*smaller), (State{100, 600, 3, 2}));
+    EXPECT_EQ(TileVectorProbe::Of(*smaller), "100 600 3 2");
     EXPECT_EQ(Shown(smaller->GetTileExtent(3, 2)), "201 602 100 0 600");
     Do("n0");
     const auto bare = grid->Clone();
-    EXPECT_EQ(TileVectorProbe::Of(*bare), (State{0, 0, 1, 1}));
+    EXPECT_EQ(TileVectorProbe::Of(*bare), "0 0 1 1");
     EXPECT_EQ(bare->GetTileID(1, 1) + Shown(bare->GetTileExtent(1, 1)), "grp0none");
     EXPECT_EQ(Failures(), "");
 }
@@ -164,7 +149,7 @@ TEST_F(VectorGridTest, ReleaseEmptiesTheRecordsAndFailsWhereThereAreNone) {
     platform::Current().newUtilTools = nullptr;
     AlwaysAnswer(kLeave);
     Renew(1, 1, "");
-    EXPECT_EQ(TileVectorProbe::Of(*grid), (State{0, 0, 1, 1})) << "the defaults do not wait for the language";
+    EXPECT_EQ(TileVectorProbe::Of(*grid), "0 0 1 1") << "the defaults do not wait for the language";
 }
 
 TEST_F(VectorGridTest, RecordCostsNoAllocationButItsEnvelopeAndEntriesCostNone) {
