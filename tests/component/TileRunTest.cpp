@@ -157,8 +157,10 @@ TEST_F(TileRunTest, ExportLeavesNoSideFilesWhereTheFolderTextMatches) {
     world->convertExtern = kFails;
     // Each run takes two names, one for the external way and one for the export.
     world->lockedFiles = {"C:\\out\\i142507_4.aux"};
+    facts.rows = 7;
     Bind(-1);
     Run();
+    EXPECT_THAT(world->exportedSizes, ElementsAre(std::pair(9, 7)));
     EXPECT_THAT(OutputFiles(), ElementsAre("i142507_2.png"));
     Run();
     EXPECT_THAT(OutputFiles(), UnorderedElementsAre("i142507_2.png", "i142507_4.png", "i142507_4.aux"));
