@@ -8,6 +8,7 @@
 #include "platform/posix/OperatingSystem.h"
 #include "platform/posix/Registry.h"
 #include "tests/Failure.h"
+#include "tests/Rows.h"
 #include "tests/Variable.h"
 #include "tests/adapters/TempFolder.h"
 
@@ -22,13 +23,13 @@ TEST(PosixSystem, FoldersAreNeverDeletedAndPathsAreResolvedInTheText) {
         EXPECT_EQ(NumberOf([&] { FileSystem().DeleteFile(folder / name, true); }), 70) << name;
     EXPECT_THAT(folder.Names(), testing::ElementsAre("link", "sub"));
     const std::string current = std::filesystem::current_path().string();
-    for (const auto& [path, expected] : {std::pair<std::string, std::string>("/a/./b/../c", "/a/c"),
-                                         {"/a\\b\\..\\c\\", "/a\\c"},
-                                         {"/../..", "/"},
-                                         {"C:\\x\\..\\..\\y", "C:\\y"},
-                                         {"", current},
-                                         {"x/../z..", current + "/z.."}})
-        EXPECT_EQ(FileSystem().GetAbsolutePathName(path), expected) << path;
+    for (const std::string& row : {std::string("/a/./b/../c|/a/c"),
+                                   {"/a\\b\\..\\c\\|/a\\c"},
+                                   {"/../..|/"},
+                                   {"C:\\x\\..\\..\\y|C:\\y"},
+                                   "|" + current,
+                                   "x/../z..|" + current + "/z.."})
+        EXPECT_EQ(FileSystem().GetAbsolutePathName(Cells(row)[0]), Cells(row)[1]);
     EXPECT_EQ(FileSystem().GetParentFolderName("C:\\\\x"), "C:\\\\");
     EXPECT_EQ(FileSystem().GetParentFolderName("a//b"), "a");
 }
@@ -57,12 +58,12 @@ TEST(PosixSystem, TimeIsLocalAndTheVersionThatOfTheRelease) {
         EXPECT_EQ(summer.hour * 10000 + summer.minute * 100 + summer.second, 114640);
     }
     ::tzset();
-    for (const auto& [release, major, minor, build] : {std::tuple("6.1.0-18-amd64", 6, 1, 0),
-                                                       {"5.15.146.1-custom", 5, 15, 146},
-                                                       {"6.8-rc1", 6, 8, 0},
-                                                       {"strange", 0, 0, 0}}) {
-        const OSVersion version = VersionOfRelease(release);
-        EXPECT_EQ(std::tuple(version.major, version.minor, version.build), std::tuple(major, minor, build));
+    for (const char* row :
+         {"6.1.0-18-amd64|6|1|0", "5.15.146.1-custom|5|15|146", "6.8-rc1|6|8|0", "strange|0|0|0"}) {
+        const OSVersion version = VersionOfRelease(Cells(row)[0]);
+        EXPECT_EQ(std::to_string(version.major), Cells(row)[1]);
+        EXPECT_EQ(std::to_string(version.minor), Cells(row)[2]);
+        EXPECT_EQ(std::to_string(version.build), Cells(row)[3]);
     }
 }
 

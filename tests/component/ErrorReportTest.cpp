@@ -2,7 +2,6 @@
 #include <fstream>
 
 #include "errorreport/Report.h"
-#include "tests/Failure.h"
 #include "tests/component/Fixture.h"
 
 namespace orvo {

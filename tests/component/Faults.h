@@ -4,7 +4,6 @@
 #include <functional>
 #include <string>
 
-#include "tests/Failure.h"
 #include "tests/component/Fixture.h"
 
 namespace orvo {

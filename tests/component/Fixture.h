@@ -7,6 +7,8 @@
 #include "errorreport/Procedure.h"
 #include "platform/fake/World.h"
 #include "support/Strings.h"
+#include "tests/Failure.h"
+#include "tests/Rows.h"
 
 namespace orvo {
 
@@ -14,14 +16,6 @@ constexpr Integer kRetry = 0, kNext = 1, kLeave = 2;
 
 /// How often the test program has allocated memory so far.
 long AllocationCount();
-
-/// The cells of a row in a table, "a|b|c".
-inline std::vector<std::string> Cells(const std::string& row) {
-    std::vector<std::string> cells;
-    std::istringstream in(row);
-    for (std::string cell; std::getline(in, cell, '|');) cells.push_back(cell);
-    return cells;
-}
 
 class ComponentTest : public testing::Test {
   protected:

@@ -3,7 +3,6 @@
 #include <stdexcept>
 
 #include "errorreport/Version.h"
-#include "tests/Failure.h"
 #include "tests/component/Fixture.h"
 
 namespace orvo {
@@ -71,30 +70,25 @@ TEST_F(ProtocolTest, SkippedConditionEntersItsBlockAndSkippedLoopTestRunsTheBody
 }
 
 TEST_F(ProtocolTest, LoopReadsItsLimitOnceCountsPastItAndIsRetriedLeftOrRunOnceWhereTheLimitFails) {
-    struct Case {
+    for (const char* row :  // answers, first, limit and how often it fails; then the bodies, the counter and
+                            // the failures
+         {"|2|4|0|234|5|", "|3|2|0||3|", "0|0|1|1|01|2|6 Outer", "2|0|1|9||42|6 Outer",
+          "11|0|1|9|42|42|6 Outer, 92 Outer"}) {
+        const auto cells = Cells(row);
+        const auto number = [&](std::size_t at) { return std::stoi(cells[at]); };
         std::vector<Integer> answers;
-        int failing;  ///< how often the limit fails
-        Long first, limit;
-        const char* bodies;
-        Long counter;  ///< afterwards
-        const char* failures;
-    };
-    for (const Case& c : std::vector<Case>{{{}, 0, 2, 4, "234", 5, ""},
-                                           {{}, 0, 3, 2, "", 3, ""},  // an empty range still sets the counter
-                                           {{kRetry}, 1, 0, 1, "01", 2, "6 Outer"},
-                                           {{kLeave}, 9, 0, 1, "", 42, "6 Outer"},
-                                           {{kNext, kNext}, 9, 0, 1, "42", 42, "6 Outer, 92 Outer"}}) {
-        Answer(c.answers);
+        for (const char digit : cells[0]) answers.push_back(static_cast<Integer>(digit - '0'));
+        Answer(answers);
         Long i = 42;
         int reads = 0;
         std::string bodies;
-        const auto limit = [&] { return reads++ < c.failing ? Fail() : c.limit; };
+        const auto limit = [&] { return reads++ < number(3) ? Fail() : number(2); };
         const auto body = [&] { bodies += std::to_string(i); };
-        Outer([&](Statements& run) { run.For(i, c.first, limit, [&] { run(body); }); });
-        EXPECT_EQ(bodies, c.bodies);
-        EXPECT_EQ(i, c.counter) << bodies;
-        EXPECT_LE(reads, 1 + c.failing);
-        EXPECT_EQ(Failures(), c.failures);
+        Outer([&](Statements& run) { run.For(i, number(1), limit, [&] { run(body); }); });
+        EXPECT_EQ(bodies, cells[4]);
+        EXPECT_EQ(i, number(5)) << row;
+        EXPECT_LE(reads, 1 + number(3));
+        EXPECT_EQ(Failures(), cells[6]);
     }
 }
 

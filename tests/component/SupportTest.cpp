@@ -7,7 +7,6 @@
 #include "support/GUIApi.h"
 #include "support/Text.h"
 #include "support/basApi.h"
-#include "tests/Failure.h"
 #include "tests/component/Fixture.h"
 
 namespace orvo {
@@ -20,13 +19,12 @@ constexpr Long kMax = std::numeric_limits<Long>::max();
 constexpr Long kLow = std::numeric_limits<Long>::min();
 
 TEST(ArithmeticTest, RoundsHalfToEvenAndChecksEveryResult) {
-    const std::vector<double> values{2.5, 3.5, -2.5, -3.5, 250.50000001, -0.5, 0.49999999999999994};
-    const std::vector<double> rounded{2, 4, -2, -4, 251, 0, 0};
-    for (std::size_t n = 0; n < values.size(); ++n)
-        EXPECT_EQ(RoundHalfEven(values[n]), rounded[n]) << values[n];
-    for (const auto& [value, up] :
-         std::vector<std::pair<double, Long>>{{250.3, 251}, {256, 256}, {257, 258}, {0, 0}})
-        EXPECT_EQ(RoundUp(value), up);
+    const double rounded[] = {
+        2.5, 2, 3.5, 4, -2.5, -2, -3.5, -4, 250.50000001, 251, -0.5, 0, 0.49999999999999994, 0};
+    for (std::size_t n = 0; n < std::size(rounded); n += 2)
+        EXPECT_EQ(RoundHalfEven(rounded[n]), rounded[n + 1]);
+    const double up[] = {250.3, 251, 256, 256, 257, 258, 0, 0};
+    for (std::size_t n = 0; n < std::size(up); n += 2) EXPECT_EQ(RoundUp(up[n]), up[n + 1]);
     EXPECT_EQ(ToLong(2147483647.4), kMax);
     EXPECT_EQ(ToLong(-2147483648.5), kLow);
     EXPECT_EQ(Multiply(-65536, 32768), kLow);
@@ -37,9 +35,9 @@ TEST(ArithmeticTest, RoundsHalfToEvenAndChecksEveryResult) {
              [] { Divide(1e308, 1e-10); }})
         EXPECT_EQ(NumberOf(overflow), 6);
     EXPECT_EQ(NumberOf([] { Divide(1, 0); }) + NumberOf([] { Mod(5, 0); }), 11 + 11);
-    for (const auto& [tile, count] : std::vector<std::pair<Long, Long>>{
-             {250, 4}, {252, 4}, {1000, 1}, {1001, 1}, {3, 334}, {-10, -100}, {257, 4}})
-        EXPECT_EQ(TilesToCover(1000, tile), count) << tile;
+    const Long tiles[] = {250, 4, 252, 4, 1000, 1, 1001, 1, 3, 334, -10, -100, 257, 4};
+    for (std::size_t n = 0; n < std::size(tiles); n += 2)
+        EXPECT_EQ(TilesToCover(1000, tiles[n]), tiles[n + 1]);
 }
 
 TEST(TextTest, CaseAndNumberRules) {

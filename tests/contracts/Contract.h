@@ -5,6 +5,7 @@
 
 #include "platform/Platform.h"
 #include "tests/Failure.h"
+#include "tests/Rows.h"
 
 namespace orvo {
 
