@@ -1,25 +1,19 @@
 // What layers say about their source, and which sources are refused.
 #include <gmock/gmock.h>
 
+#include "tests/Failure.h"
 #include "tests/adapters/GdalRasters.h"
 
 namespace orvo {
 namespace {
 
-using testing::AllOf;
-using testing::HasSubstr;
-
 class GdalLayerTest : public GdalTest {
   protected:
     /// Opening fails with a text that names the file and has that part.
-    static void ExpectRefusal(const std::string& name, const std::string& part, Long number = 440) {
-        try {
-            gdal::OpenRasterLayer(name);
-            ADD_FAILURE() << name << " was opened";
-        } catch (const RuntimeError& failure) {
-            EXPECT_EQ(failure.Number(), number);
-            EXPECT_THAT(failure.Description(), AllOf(HasSubstr(name), HasSubstr(part)));
-        }
+    static void ExpectRefusal(const std::string& name, const std::string& part, const char* number = "440 ") {
+        EXPECT_THAT(
+            FailureOf([&] { gdal::OpenRasterLayer(name); }),
+            testing::AllOf(testing::StartsWith(number), testing::HasSubstr(name), testing::HasSubstr(part)));
     }
 };
 
@@ -43,16 +37,13 @@ TEST_F(GdalLayerTest, RastersInContainersNameContainerAndRaster) {
     const auto table = gdal::OpenRasterLayer("GPKG:" + package + ":relief");
     EXPECT_TRUE(table->IsInGeodatabase());
     EXPECT_EQ(table->FilePath(), package + "\\relief");
-    EXPECT_EQ(table->Width(), 300);
 }
 
 TEST_F(GdalLayerTest, RefusalsNameTheFileAndTheRemedy) {
-    ExpectRefusal(folder_ / "none.tif", "Check the path", 53);
-    ExpectRefusal(folder_.Put("text.tif", "this is no raster"), "Check");
+    ExpectRefusal(folder_ / "none.tif", "Check the path", "53 ");
     ExpectRefusal(folder_.Put("empty.tif", ""), "empty");
     ExpectRefusal(folder_.Path(), "Check");
     ExpectRefusal(Make("rotated.tif", {.transform = {0, 1, 0.1, 0, 0.1, -1}}), "gdalwarp");
-    ExpectRefusal(Make("turned.tif", {.transform = {0, 0, 1, 0, 1, 0}}), "gdalwarp");
     ExpectRefusal(Make("south.tif", {.transform = {0, 1, 0, 5, 0, 1}}), "south up");
     ExpectRefusal(Make("west.tif", {.transform = {0, -1, 0, 5, 0, -1}}), "gdalwarp");
     EXPECT_NO_THROW(MakeLayer({.transform = {0, 1, 1e-12, 0, -1e-12, -1}})) << "a shear from rounding";
@@ -61,9 +52,7 @@ TEST_F(GdalLayerTest, RefusalsNameTheFileAndTheRemedy) {
     char text[] = "";
     const GDAL_GCP control[] = {
         {text, text, 0, 0, 7, 50, 0}, {text, text, 9, 0, 8, 50, 0}, {text, text, 0, 9, 7, 48, 0}};
-    ASSERT_EQ(
-        OpenFile(points, GDAL_OF_UPDATE)->SetGCPs(3, control, static_cast<OGRSpatialReference*>(nullptr)),
-        CE_None);
+    OpenFile(points, GDAL_OF_UPDATE)->SetGCPs(3, control, static_cast<OGRSpatialReference*>(nullptr));
     ExpectRefusal(points, "gdalwarp");
 
     const std::string package = folder_ / "two.gpkg";

@@ -3,16 +3,11 @@
 
 #include <cpl_string.h>
 #include <gdal_priv.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <array>
 #include <filesystem>
-#include <functional>
-#include <limits>
-#include <memory>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "platform/Platform.h"
 #include "platform/gdal/RasterIO.h"
@@ -34,18 +29,25 @@ struct RasterSpec {
     CellFunction cell = [](int x, int y, int band) { return (x * 7 + y * 13 + band * 50) % 256; };
     std::optional<double> nodata{};
     bool alpha = false;  ///< the last band is alpha
-    std::vector<std::array<short, 4>> palette{};
+    std::vector<GDALColorEntry> palette{};
     std::array<double, 6> transform{1000, 2, 0, 5000, 0, -3};
     const char* driver = "GTiff";
     std::vector<const char*> options{};
 };
 
-/// All cells of a band, row by row.
-inline void Fill(GDALRasterBand& band, std::vector<double>& cells) {
+/// All cells of a band, row by row: read into a vector, or written from it.
+inline void Transfer(GDALRWFlag way, GDALRasterBand& band, std::vector<double>& cells) {
     const int width = band.GetXSize(), height = band.GetYSize();
+    cells.resize(static_cast<std::size_t>(width * height));
     ASSERT_EQ(
-        band.RasterIO(GF_Write, 0, 0, width, height, cells.data(), width, height, GDT_Float64, 0, 0, nullptr),
+        band.RasterIO(way, 0, 0, width, height, cells.data(), width, height, GDT_Float64, 0, 0, nullptr),
         CE_None);
+}
+
+inline std::vector<double> Cells(GDALRasterBand& band) {
+    std::vector<double> cells;
+    Transfer(GF_Read, band, cells);
+    return cells;
 }
 
 inline void WriteRaster(const std::string& path, const RasterSpec& spec) {
@@ -65,21 +67,17 @@ inline void WriteRaster(const std::string& path, const RasterSpec& spec) {
         std::vector<double> cells;
         for (int i = 0; i < spec.width * spec.height; ++i)
             cells.push_back(spec.cell(i % spec.width, i / spec.width, b));
-        Fill(band, cells);
+        Transfer(GF_Write, band, cells);
     }
     if (!spec.palette.empty()) {
         GDALColorTable table;
-        for (std::size_t i = 0; i < spec.palette.size(); ++i) {
-            const auto& c = spec.palette[i];
-            const GDALColorEntry entry{c[0], c[1], c[2], c[3]};
-            table.SetColorEntry(static_cast<int>(i), &entry);
-        }
+        for (std::size_t i = 0; i < spec.palette.size(); ++i)
+            table.SetColorEntry(static_cast<int>(i), &spec.palette[i]);
         image->GetRasterBand(1)->SetColorTable(&table);
     }
+    GDALDriver* const driver = GetGDALDriverManager()->GetDriverByName(spec.driver);
     GDALDatasetUniquePtr file(
-        GetGDALDriverManager()
-            ->GetDriverByName(spec.driver)
-            ->CreateCopy(path.c_str(), image.get(), FALSE, options.List(), nullptr, nullptr));
+        driver->CreateCopy(path.c_str(), image.get(), FALSE, options.List(), nullptr, nullptr));
     ASSERT_NE(file, nullptr) << CPLGetLastErrorMsg();
 }
 
@@ -95,15 +93,6 @@ struct Picture {
     std::vector<Shown> pixels;
     const Shown& At(int x, int y) const { return pixels.at(static_cast<std::size_t>(y * width + x)); }
 };
-
-inline std::vector<double> Cells(GDALRasterBand& band) {
-    const int width = band.GetXSize(), height = band.GetYSize();
-    std::vector<double> cells(static_cast<std::size_t>(width * height));
-    EXPECT_EQ(
-        band.RasterIO(GF_Read, 0, 0, width, height, cells.data(), width, height, GDT_Float64, 0, 0, nullptr),
-        CE_None);
-    return cells;
-}
 
 inline GDALDatasetUniquePtr OpenFile(const std::string& path, unsigned flags = GDAL_OF_RASTER) {
     GDALDatasetUniquePtr file(GDALDataset::Open(path.c_str(), flags));

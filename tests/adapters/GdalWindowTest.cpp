@@ -23,11 +23,8 @@ class GdalWindowTest : public GdalTest {
 TEST_F(GdalWindowTest, WholeCellsAreCopiedAndOtherEnvelopesResampledWhereTheyLie) {
     const auto layer = Plane();
     // The arithmetic is off by little.
-    ExpectPixels(ExportBox(*layer, CellBox(*layer, 3 + 9e-7, 5 - 9e-7, 13 - 9e-7, 12 + 9e-7), 10, 7),
-                 [](int x, int y) {
-                     const int cell = 4 * (x + 3) + 2 * (y + 5);
-                     return Shown{cell, cell, cell, 255};
-                 });
+    const Picture whole = ExportBox(*layer, CellBox(*layer, 3 + 9e-7, 5 - 9e-7, 13 - 9e-7, 12 + 9e-7), 10, 7);
+    for (int i = 0; i < 70; ++i) EXPECT_EQ(whole.At(i % 10, i / 10)[0], 4 * (i % 10 + 3) + 2 * (i / 10 + 5));
     for (const auto& [left, top, right, bottom, columns, rows] :
          {std::tuple(10.5, 10.5, 20.5, 20.5, 10, 10),  // half a cell off
           {10.25, 10.25, 14.75, 14.75, 5, 5},          // touches as many cells as it has pixels

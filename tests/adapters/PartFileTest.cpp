@@ -19,10 +19,7 @@ TEST(PartFile, WritersOfOneNameNeverMixAndLeaveNoParts) {
         for (int i = 0; i < 50; ++i) EXPECT_FALSE(WriteWhole(folder / "t.png", std::string(100000, letter)));
     };
     const pid_t other = ::fork();
-    if (other == 0) {
-        write('c');
-        ::_exit(0);
-    }
+    if (other == 0) write('c'), ::_exit(0);
     auto thread = std::async(std::launch::async, write, 'b');
     write('a');
     thread.wait();

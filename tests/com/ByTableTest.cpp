@@ -4,8 +4,6 @@
 #include <psapi.h>
 // clang-format on
 
-#include <map>
-
 namespace {
 
 using Image = Ref<_clsTileImage>;
@@ -64,19 +62,16 @@ std::vector<ListedFunction> FunctionsOf(ITypeLib* library, REFIID id) {
     library->GetTypeInfoOfGuid(id, &info);
     info->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference);
     info->GetRefTypeInfo(reference, &table);
-    const std::map<int, const wchar_t*> kinds{{INVOKE_FUNC, L"call"},
-                                              {INVOKE_PROPERTYGET, L"get"},
-                                              {INVOKE_PROPERTYPUT, L"put"},
-                                              {INVOKE_PROPERTYPUTREF, L"putref"}};
+    const wchar_t* const kinds[] = {L"", L"call", L"get", L"", L"put", L"", L"", L"", L"putref"};
     std::vector<ListedFunction> functions;
     FUNCDESC* function = nullptr;
     while (table->GetFuncDesc(static_cast<UINT>(functions.size()), &function) == S_OK) {
-        const auto place = static_cast<SHORT>((kBefore + functions.size()) * sizeof(void*));
+        const bool inPlace =
+            function->oVft == static_cast<SHORT>((kBefore + functions.size()) * sizeof(void*));
         _bstr_t name;
         UINT count = 0;
         table->GetNames(function->memid, name.GetAddress(), 1, &count);
-        functions.push_back(
-            {function->oVft == place ? kinds.at(function->invkind) : L"misplaced", name.GetBSTR()});
+        functions.push_back({inPlace ? kinds[function->invkind] : L"misplaced", name.GetBSTR()});
         table->ReleaseFuncDesc(function);
     }
     return functions;
@@ -175,44 +170,35 @@ TEST(ByTable, PointersThatAreLeftOutAreEmptyOrRefused) {
 
 /// The report names the captions in the language of the object that was made last.
 TEST(ByTable, ReportsAreInTheLanguageOfTheLastObject) {
-    for (const auto& [first, last, caption] : {std::tuple{L"de", L"en", "PROGRAM INFOS:"},
-                                               {L"en", L"fr", "INFORMATION PROGRAMME :"},
-                                               {L"fr", L"de", "PROGRAMM - INFOS:"}}) {
+    for (const auto& [first, last, caption] : {std::tuple{L"de", L"fr", "INFORMATION PROGRAMME :"},
+                                               {L"fr", L"de", "PROGRAMM - INFOS:"},
+                                               {L"de", L"en", "PROGRAM INFOS:"}}) {
         SetEnvironmentVariableW(L"ORVO_TILE_LANGUAGE", first);
         const Image image(kImage);
         SetEnvironmentVariableW(L"ORVO_TILE_LANGUAGE", last);
         const Grid grid(kGrid);
-        const std::string report = Reported([&] {
-            image->put_TileWidth(
-                1);  // no layer: fails; the first report of a process is older than any window
-            image->put_TileWidth(1);
-        });
-        EXPECT_THAT(report, testing::HasSubstr(caption));
+        image->put_TileWidth(1);  // no layer: fails; the first report of a process is older than any window
+        EXPECT_THAT(Reported([&] { image->put_TileWidth(1); }), testing::HasSubstr(caption));
     }
-    SetEnvironmentVariableW(L"ORVO_TILE_LANGUAGE", L"en");
-}
-
-SIZE_T PrivateBytes() {
-    PROCESS_MEMORY_COUNTERS counters{};
-    GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
-    return counters.PagefileUsage;
 }
 
 TEST(ByTable, TenThousandLivesDoNotGrow) {
     _variant_t extent = NewEnvelope(1000, 600);
-    const auto createAndRelease = [&](int times) {
+    /// The memory of the process after so many lives.
+    const auto usedAfter = [&](int times) {
         for (int i = 0; i < times; ++i) {
             const Image image(kImage);
             const Grid grid(kGrid);
             grid->putref_LayerExtent(&extent.pdispVal);
             grid->InitializeTiles();
         }
+        PROCESS_MEMORY_COUNTERS counters{};
+        GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+        return counters.PagefileUsage;
     };
-    createAndRelease(500);
-    const SIZE_T before = PrivateBytes();
-    createAndRelease(10000);
+    const SIZE_T before = usedAfter(500);
     EXPECT_GT(before, 0U);
-    EXPECT_LT(PrivateBytes(), before + (1U << 20U));
+    EXPECT_LT(usedAfter(10000), before + (1U << 20U));
     EXPECT_EQ(References(extent.pdispVal), 1U);
 }
 

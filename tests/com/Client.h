@@ -3,19 +3,12 @@
 
 #include <comdef.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 // clang-format off
 #include <Orvo_Tile.h>
 // clang-format on
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <functional>
-#include <iterator>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "platform/windows/automation/ScriptObject.h"
 
@@ -85,16 +78,12 @@ inline ULONG References(IUnknown* object) {
     return object->Release();
 }
 
+/// An envelope from (0, 0).
 inline _variant_t NewEnvelope(double width, double height) {
     std::vector<orvo::windows::Member> members{Holding(L"IsEmpty", false)};
-    for (const auto& [name, value] : {std::pair{L"XMin", 0.0},
-                                      {L"YMin", 0.0},
-                                      {L"XMax", width},
-                                      {L"YMax", height},
-                                      {L"Width", width},
-                                      {L"Height", height},
-                                      {L"Depth", 0.0}})
-        members.push_back(Holding(name, value));
+    for (const wchar_t* name : {L"XMin", L"YMin", L"Depth"}) members.push_back(Holding(name, 0.0));
+    for (const wchar_t* name : {L"XMax", L"Width"}) members.push_back(Holding(name, width));
+    for (const wchar_t* name : {L"YMax", L"Height"}) members.push_back(Holding(name, height));
     return Host(std::move(members));
 }
 
@@ -140,8 +129,7 @@ inline std::string Reported(const std::function<void()>& call) {
         return std::string(std::istreambuf_iterator<char>(file), {});
     };
     const std::size_t before = log().size();
-    call();
-    return log().substr(before);
+    return call(), log().substr(before);
 }
 
 /// A function of an interface, and the way it is used: "call", "get", "put" or "putref".

@@ -2,7 +2,6 @@
 #include <fstream>
 
 #include "errorreport/Report.h"
-#include "tests/Failure.h"
 #include "tests/component/Fixture.h"
 
 namespace orvo {
@@ -10,9 +9,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::SizeIs;
 
 /// The report as given, in one language or with the captions of the design.
 std::string Golden(const std::string& name) {
@@ -22,28 +18,24 @@ std::string Golden(const std::string& name) {
     return text;
 }
 
-std::string Times(int count, const std::string& word) {
-    std::string all;
-    for (int i = 0; i < count; ++i) all += word;
-    return all;
-}
-
 class ErrorReportTest : public ComponentTest {
   protected:
     ErrorReportTest() { NewDialog(); }
     void NewDialog() {
-        auto dialog = std::make_unique<Ferrow>();
-        dialog->SetProgInfo("Kachelkarte 7");
-        SetErrorDialog(std::move(dialog));
+        SetErrorDialog(std::make_unique<Ferrow>());
+        Dialog().SetProgInfo("Kachelkarte 7");
     }
-    /// Fails as often as the statement is run, and clicks these report buttons at each showing.
-    void Fail(std::vector<Integer> buttons = {}) {
+    /// Fails as often as the statement is run, and clicks these report buttons at each showing. Gives the
+    /// texts of the messages that came up.
+    std::vector<std::string> Fail(std::vector<Integer> buttons = {}) {
         world->reportClicks = std::move(buttons);
-        world->eventFailures.clear();
-        world->messages.clear();
         Procedure<void>({"[Demo] Public Sub Cut()", "Demo", "Cut"}).Run([](Statements& run) {
             run([] { throw RuntimeError(Fault::DiskFull, "R & D"); }, 4711);
         });
+        std::vector<std::string> texts;
+        for (const auto& message : std::exchange(world->messages, {}))
+            texts.push_back(message.title + message.text);
+        return texts;
     }
     std::string& Log() { return world->files["C:\\Temp\\Orvo_Tile.EPT"]; }
 };
@@ -78,123 +70,83 @@ TEST_F(ErrorReportTest, UnknownSystemFamilyTakesItsLineEndAlongAndTheListIsCutAt
 }
 
 TEST_F(ErrorReportTest, PrinterLinesBreakBetweenWordsAfterSeventyThreeCharacters) {
-    const std::string ten = "123456789 ";
+    const std::string seventy = "123456789 123456789 123456789 123456789 123456789 123456789 123456789 ";
     const std::string blanks(20, ' ');
     const std::string longWord(90, 'x');
+    const std::string umlauts = "ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ä ";
     const std::pair<std::string, std::vector<std::string>> cases[] = {
-        {Times(10, ten), {Times(7, ten), blanks + Times(3, ten) + " "}},
-        {Times(7, ten) + "ab", {Times(7, ten) + "ab "}},  // 73 with its blank
-        {Times(7, ten) + "abc", {Times(7, ten), blanks + "abc "}},
+        {seventy + "ab", {seventy + "ab "}},  // 73 with its blank
+        {seventy + "abc", {seventy, blanks + "abc "}},
         {longWord + "\r\n\r\na\tb", {longWord + " ", " ", "a\tb "}},
         {"a " + longWord + " b", {"a ", blanks + longWord + " ", blanks + "b "}},
-        {Times(36, "ä "), {Times(36, "ä ") + " "}},  // 73 characters, not bytes
+        {umlauts, {umlauts + " "}},  // 73 characters, not bytes
     };
     for (const auto& [text, lines] : cases) EXPECT_EQ(PrinterLines(text + "\r\nno line end"), lines);
 }
 
-TEST_F(ErrorReportTest, FramesAreStackedInTheMiddleOfTheScreen) {
+TEST_F(ErrorReportTest, FramesAreStackedInTheMiddleOfTheScreenAtEveryShowing) {
     world->screen = {0, 0, 20000, 10001};
+    const char* const frames[] = {"framComment",  "framFehler",    "framProgInfo",
+                                  "framProtocol", "framCallStack", "framContinue"};
     for (int showing = 0; showing < 2; ++showing) {
         Fail();
-        const Form& form = dynamic_cast<Ferrow&>(GlobalErrorDialog()).Controls();
+        const Form& form = Dialog().Controls();
         EXPECT_EQ(form.self.box, (Box{(20000 - 7215) / 2, 2016 /* 2015.5 */, 7215, 5970}));
         Long y = 0;
-        for (const char* name :
-             {"framComment", "framFehler", "framProgInfo", "framProtocol", "framCallStack", "framContinue"}) {
-            EXPECT_EQ(form.At(name).box.left, 0) << name;
-            EXPECT_EQ(form.At(name).box.top, y) << name;
-            y += form.At(name).box.height;
+        for (const char* name : frames) {
+            const Box& frame = form.At(name).box;
+            EXPECT_TRUE(frame.left == 0 && frame.top == y) << name;
+            y += frame.height;
         }
         EXPECT_EQ(y, 5970);
     }
 }
 
 TEST_F(ErrorReportTest, TheNoticeNamesTheContactThatTheLastActivationFound) {
-    Fail();
     const StringRow company[] = {{1, "ACME"}};
+    Fail();
     AddedRows() = company;
     Fail();
     LangOffset() = 20000;
     Fail();
     AddedRows() = {};
     EXPECT_THAT(world->failures[0].comment, HasSubstr(" Support von   wenden sollten. "));
-    EXPECT_THAT(world->failures[1].comment, Not(HasSubstr("ACME")));
+    EXPECT_THAT(world->failures[1].comment, testing::Not(HasSubstr("ACME")));
     EXPECT_THAT(world->failures[2].comment, HasSubstr(" technique de ACME . Veuillez "));
     EXPECT_THAT(world->failures[2].comment, HasSubstr(" faxer à+49 30 23125 000, ou "));
     EXPECT_EQ(world->beeps, 3);
 }
 
-TEST_F(ErrorReportTest, PrintWebAndMailHandTheReportOn) {
-    Fail({0, 3});
-    EXPECT_THAT(world->printed, ElementsAre(PrinterLines(Golden("German") + "\r\n")));
-    EXPECT_EQ(world->clipboard, Golden("German"));
-    EXPECT_THAT(world->opened, ElementsAre("https://www.example.com/support/de"));
-    EXPECT_THAT(world->messages, IsEmpty());
-
+TEST_F(ErrorReportTest, PrintWebMailAndSaveHandTheReportOn) {
+    const std::string report = Golden("German");
+    world->tempFolder = "C:\\Temp\\";
+    EXPECT_THAT(
+        Fail({0, 3, 1}),
+        ElementsAre("Das Fehlerprotokoll wurde in die Datei 'C:\\Temp\\Orvo_Tile.ERR' geschrieben !"));
+    EXPECT_THAT(world->printed, ElementsAre(PrinterLines(report + "\r\n")));
+    EXPECT_EQ(world->clipboard, report);
+    EXPECT_EQ(world->files["C:\\Temp\\Orvo_Tile.ERR"], report + "\r\n");
     NewDialog();
     const StringRow mail[] = {{19106, "  help@example.org "}};
     AddedRows() = mail;
     LangOffset() = 10000;
-    Fail({2});
+    EXPECT_THAT(
+        Fail({2}),
+        ElementsAre("All error information are copied to the clipboard\r\n.\r\n\r\n"
+                    "Please insert the content of the clipboard to your email\r\nby pressing [Ctrl] [V]. "
+                    "You can also use the command 'Insert' on the menu 'Edit'.\r\n."));
     AddedRows() = {};
     EXPECT_EQ(world->clipboard, Golden("English"));
-    EXPECT_EQ(world->opened.back(), "mailto:help@example.org");
-    ASSERT_THAT(world->messages, SizeIs(1));
-    EXPECT_EQ(world->messages[0].text,
-              "All error information are copied to the clipboard\r\n.\r\n\r\n"
-              "Please insert the content of the clipboard to your email\r\n"
-              "by pressing [Ctrl] [V]. You can also use the command 'Insert' on the menu 'Edit'.\r\n.");
-    EXPECT_EQ(world->messages[0].title, "");
-}
-
-TEST_F(ErrorReportTest, SaveAsksBeforeItReplacesAReport) {
-    std::string& saved = world->files["C:\\Temp\\Orvo_Tile.ERR"];
-    const std::string report = Golden("German") + "\r\n";
-    const std::string exists = "'C:\\Temp\\Orvo_Tile.ERR' existiert, überschreiben ?";
-    const std::string written =
-        "Das Fehlerprotokoll wurde in die Datei 'C:\\Temp\\Orvo_Tile.ERR' geschrieben !";
-    const auto texts = [this] {
-        std::vector<std::string> all;
-        for (const auto& message : world->messages) all.push_back(message.text);
-        return all;
-    };
-    saved = "old";
-    world->messageAnswer = MessageAnswer::No;
-    Fail({1});
-    EXPECT_EQ(saved, "old");
-    EXPECT_THAT(texts(), ElementsAre(exists));
-
-    NewDialog();
-    world->tempFolder = "C:\\Temp\\";
-    world->messageAnswer = MessageAnswer::Yes;
-    Fail({1});
-    EXPECT_EQ(saved, report);
-    EXPECT_THAT(texts(), ElementsAre(exists, written));
+    EXPECT_THAT(world->opened, ElementsAre("https://www.example.com/support/de", "mailto:help@example.org"));
 }
 
 TEST_F(ErrorReportTest, LogThatCannotBeWrittenIsAFailureOfTheCallAndNothingIsShown) {
     for (const std::string folder : {"C:\\nowhere", ""}) {
         world->tempFolder = folder;
-        try {
-            Fail();
-            FAIL() << folder;
-        } catch (const RuntimeError& failure) {
-            EXPECT_EQ(failure.Number(), 76);
-            EXPECT_EQ(failure.Description(), "Path not found: " + folder + "\\Orvo_Tile.EPT");
-        }
+        EXPECT_EQ(FailureOf([&] { Fail(); }), "76 Path not found: " + folder + "\\Orvo_Tile.EPT");
     }
-    EXPECT_THAT(world->failures, IsEmpty());
+    EXPECT_EQ(Failures(), "");
     EXPECT_EQ(world->beeps, 0);
-}
-
-TEST_F(ErrorReportTest, FailureWhileOneIsShownReachesTheCallerOfTheSecond) {
-    world->answer = [&](const FailureView&) {
-        EXPECT_EQ(NumberOf([&] { Fail(); }), 400);
-        return kNext;
-    };
-    Fail();
-    Fail();
-    EXPECT_THAT(world->failures, SizeIs(2)) << "shown again once the first is closed";
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ class FaultMatrixTest : public FaultTest<TileTest> {
         world->convertExtern = way.external;
         world->exportGivesTiff = way.exportGivesTiff;
         facts.filePath = std::string("C:\\img\\") + way.source;
-        if (way.clipped) tiler->ClipEnvelope(MakeEnvelope(0, 0, 5.5, 4.5));
+        if (way.clipped) tiler->ClipEnvelope(fake::MakeEnvelope(world, {0, 0, 5.5, 4.5}));
         Bind(4);  // 3 × 3 cells, the last ones one cell wide and high
     }
     auto EntriesWithoutFile() const {
@@ -55,7 +55,7 @@ class FaultMatrixTest : public FaultTest<TileTest> {
 void FaultMatrixTest::CheckRun(const Way& way, const Disturbed& run) {
     EXPECT_TRUE(run.aboutHandler || !world->failures.empty() || IsSideFileRemoval(way, run.failed))
         << "a failure that nobody saw: " << run.failed;
-    EXPECT_EQ(Probe().CountX(), 3);
+    EXPECT_EQ(Probe().Grid()[2], 3);
     const Long entries = tiler->TileObjectDict()->Count();
     EXPECT_LE(entries, way.tiles + 1);
     if (run.IsRetried()) {
@@ -84,39 +84,35 @@ TEST_F(FaultMatrixTest, NoFailureOfThePlatformCrashesTheRunOrLosesATileWithoutAW
         ASSERT_TRUE(tiler->Tile());
         ASSERT_EQ(tiler->TileObjectDict()->Count(), way.tiles) << way.name;
         FailEveryCall(
-            way.name, [&] { Prepare(way), result = false; }, {[&] { result = tiler->Tile(); }},
+            way.name, [&] { Prepare(way), result = false; }, [&] { result = tiler->Tile(); },
             [&](const Disturbed& run) { CheckRun(way, run); });
     }
 }
 
 TEST_F(FaultMatrixTest, NoFailureOfThePlatformCrashesTheSetUp) {
     std::unique_ptr<clsTileImage> fresh;
-    const auto onFresh = [&](auto step) {
-        return [&fresh, step] {
-            if (fresh) step(*fresh);
-        };
+    const auto setUp = [&] {
+        fresh = std::make_unique<clsTileImage>();
+        fresh->ImageLayer(fake::MakeRasterLayer(world, facts));
+        fresh->TileWidth(4);
+        fresh->TileHeight(-1);
+        fresh->GetWorkspace("C:\\out");
     };
     FailEveryCall(
-        "set-up", [&] { fresh.reset(), Prepare(kWays[0]); },
-        {[&] { fresh = std::make_unique<clsTileImage>(); },
-         onFresh([&](clsTileImage& it) { it.ImageLayer(fake::MakeRasterLayer(world, facts)); }),
-         onFresh([](clsTileImage& it) { it.TileWidth(4); }),
-         onFresh([](clsTileImage& it) { it.TileHeight(-1); }),
-         onFresh([](clsTileImage& it) { it.GetWorkspace("C:\\out"); })},
+        "set-up", [&] { fresh.reset(), Prepare(kWays[0]); }, setUp,
         [&](const Disturbed& run) {
             EXPECT_TRUE(run.aboutHandler || !world->failures.empty()) << run.failed;
             if (!fresh) return;
             const TileImageProbe probe(*fresh);
             if (run.failed == "RasterLayer.Extent" && run.answer == kLeave) {
-                EXPECT_NE(probe.Layer(), nullptr) << "bound before anything can fail";
-                EXPECT_EQ(probe.YMax(), -1) << "read last";
+                EXPECT_TRUE(probe.IsBound()) << "before anything can fail";
+                EXPECT_EQ(probe.Place()[1], -1) << "read last";
                 EXPECT_EQ(ShownLabel(0), "ImageLayer [SET]");
             }
             if (!run.IsRetried()) return;
-            EXPECT_EQ(probe.Name(), "a.png");
-            EXPECT_EQ(probe.CountX(), 3);
-            EXPECT_EQ(probe.PixelHeight(), 9);
-            EXPECT_EQ(probe.YMax(), 9);
+            EXPECT_EQ(probe.Image(), "a.png C:\\img\\a.png png");
+            EXPECT_EQ(probe.Grid(), (std::array<Long, 4>{4, 9, 3, 1}));
+            EXPECT_EQ(probe.Place()[1], 9);
         });
 }
 

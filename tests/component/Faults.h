@@ -3,7 +3,6 @@
 
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "tests/component/Fixture.h"
 
@@ -23,15 +22,13 @@ struct Disturbed {
 template <class Base>
 class FaultTest : public Base {
   protected:
-    using Steps = std::vector<std::function<void()>>;
-
-    /// @param prepare makes a new world and what the steps need
+    /// @param prepare makes a new world and what the attempt needs
     /// @param check sees a world that works again
-    void FailEveryCall(const std::string& name, const std::function<void()>& prepare, const Steps& steps,
-                       const std::function<void(const Disturbed&)>& check) {
+    void FailEveryCall(const std::string& name, const std::function<void()>& prepare,
+                       const std::function<void()>& act, const std::function<void(const Disturbed&)>& check) {
         prepare();
         this->world->FailCall(0, fake::Lasting::Once);
-        for (const auto& step : steps) step();
+        act();
         const long calls = this->world->Calls();
         ASSERT_GT(calls, 10) << name;
         for (long n = 1; n <= calls; ++n) {
@@ -41,7 +38,7 @@ class FaultTest : public Base {
                                  << name << ", call " << n << (once ? " once" : " for good") << ", answer "
                                  << answer);
                     prepare();
-                    check(Disturb(steps, n, once, answer));
+                    check(Disturb(act, n, once, answer));
                 }
             }
             if (testing::Test::HasFailure()) return;
@@ -49,7 +46,7 @@ class FaultTest : public Base {
     }
 
   private:
-    Disturbed Disturb(const Steps& steps, long call, bool once, Integer answer) {
+    Disturbed Disturb(const std::function<void()>& act, long call, bool once, Integer answer) {
         fake::World& shared = *this->world;
         shared.answer = [&](const FailureView&) {
             constexpr std::size_t kPatience = 4;  // retries of a lasting failure before leaving
@@ -57,13 +54,7 @@ class FaultTest : public Base {
         };
         shared.FailCall(call, once ? fake::Lasting::Once : fake::Lasting::ForGood);
         Disturbed result{once, answer, ""};
-        for (const auto& step : steps) {
-            try {
-                step();
-            } catch (const RuntimeError&) {
-                result.threw = true;
-            }
-        }
+        result.threw = NumberOf(act) != 0;
         result.failed = shared.FailedCall();
         shared.FailNothing();
         shared.answer = nullptr;

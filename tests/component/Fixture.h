@@ -2,22 +2,17 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <functional>
-#include <memory>
 
 #include "errorreport/Ferrow.h"
 #include "errorreport/Procedure.h"
 #include "platform/fake/World.h"
 #include "support/Strings.h"
+#include "tests/Failure.h"
+#include "tests/Rows.h"
 
 namespace orvo {
 
-constexpr Integer kRetry = 0;
-constexpr Integer kNext = 1;
-constexpr Integer kLeave = 2;
+constexpr Integer kRetry = 0, kNext = 1, kLeave = 2;
 
 /// How often the test program has allocated memory so far.
 long AllocationCount();
@@ -36,20 +31,25 @@ class ComponentTest : public testing::Test {
         SetErrorDialog(std::make_unique<Ferrow>());
         LangOffset() = 0;
     }
-    /// Answers the first failures with these clicks, every later one with leaving.
-    void Answer(std::vector<Integer> clicks) {
-        world->answer = [clicks, n = std::size_t{0}](const FailureView&) mutable -> std::optional<Integer> {
-            return n < clicks.size() ? clicks[n++] : kLeave;
+    /// Answers the first failures with these clicks, every later one with the last.
+    void Answer(std::vector<Integer> clicks, Integer later = kLeave) {
+        world->answer = [=, n = std::size_t{0}](const FailureView&) mutable -> std::optional<Integer> {
+            return n < clicks.size() ? clicks[n++] : later;
         };
     }
-    void AlwaysAnswer(Integer click) {
-        world->answer = [click](const FailureView&) { return click; };
-    }
-    const CallStackList& Trace() { return dynamic_cast<Ferrow&>(GlobalErrorDialog()).CallStackEntries(); }
-    /// The label, or module, of the n-th failure shown.
-    std::string ShownModule(std::size_t n) const { return world->failures.at(n).rows[1].text; }
+    void AlwaysAnswer(Integer click) { Answer({}, click); }
+    static Ferrow& Dialog() { return dynamic_cast<Ferrow&>(GlobalErrorDialog()); }
+    static const CallStackList& Trace() { return Dialog().CallStackEntries(); }
     std::string ShownLabel(std::size_t n) const { return world->failures.at(n).rows[2].text; }
-    std::string ShownError(std::size_t n) const { return world->failures.at(n).rows[0].text; }
+    /// The failures shown since the last look, as "9 GetTileID, 91 Clip".
+    std::string Failures() {
+        std::string all;
+        for (const FailureView& shown : std::exchange(world->failures, {})) {
+            const std::string& error = shown.rows[0].text;
+            all += (all.empty() ? "" : ", ") + error.substr(0, error.find('(')) + shown.rows[2].text;
+        }
+        return all;
+    }
 
     std::shared_ptr<fake::World> world;
 };

@@ -1,6 +1,9 @@
 // What the tests of clsTileImage share: a tiler over a fake raster layer.
 #pragma once
 
+#include <array>
+
+#include "platform/fake/Vector.h"
 #include "tests/component/Fixture.h"
 #include "tileimage/clsTileImage.h"
 
@@ -11,19 +14,19 @@ class TileImageProbe {
   public:
     explicit TileImageProbe(clsTileImage& tiler) : tiler_(tiler) {}
     std::string ExtentText(Long x, Long y) { return tiler_.GetTileExtent(x, y); }
-    std::string SaveTiff(const std::string& path) { return tiler_.SaveTIFFToWWW(path); }
-    void Message(const std::string& text) { tiler_.CreateMessageText(text); }
-    Long PixelWidth() const { return tiler_.tilePixelWidth_; }
-    Long PixelHeight() const { return tiler_.tilePixelHeight_; }
-    Long CountX() const { return tiler_.tileCountX_; }
-    Long CountY() const { return tiler_.tileCountY_; }
-    const std::string& Name() const { return tiler_.imageName_; }
-    const std::string& Path() const { return tiler_.imagePath_; }
-    std::string& Extension() { return tiler_.workingExtension_; }
-    double CellSizeX() const { return tiler_.cellSizeX_; }
-    double XMin() const { return tiler_.extentXMin_; }
-    double YMax() const { return tiler_.extentYMax_; }
-    const std::shared_ptr<IRasterLayer>& Layer() const { return tiler_.imageLayer_; }
+    /// Pixels of a tile, columns and rows.
+    std::array<Long, 4> Grid() const {
+        return {tiler_.tilePixelWidth_, tiler_.tilePixelHeight_, tiler_.tileCountX_, tiler_.tileCountY_};
+    }
+    /// Name, path and working extension.
+    std::string Image() const {
+        return tiler_.imageName_ + " " + tiler_.imagePath_ + " " + tiler_.workingExtension_;
+    }
+    /// Left and upper edge, size of a cell.
+    std::array<double, 4> Place() const {
+        return {tiler_.extentXMin_, tiler_.extentYMax_, tiler_.cellSizeX_, tiler_.cellSizeY_};
+    }
+    bool IsBound() const { return tiler_.imageLayer_ != nullptr; }
 
   private:
     clsTileImage& tiler_;
@@ -31,12 +34,10 @@ class TileImageProbe {
 
 class TileTest : public ComponentTest {
   protected:
-    TileTest() {
-        world->PutFile("C:\\img\\ortho.png", "picture");
-        Renew();
-    }
+    TileTest() { Renew(); }
     /// A new tiler with usual settings and no layer.
     void Renew() {
+        world->PutFile("C:\\img\\ortho.png", "picture");
         tiler = std::make_unique<clsTileImage>();
         status = std::make_shared<fake::StatusDisplay>(world);
         tiler->SavePath("C:\\out");
@@ -46,28 +47,22 @@ class TileTest : public ComponentTest {
         tiler->StatusObject(status);
         facts = {};
     }
-    /// Binds the layer of `facts` and sets square tiles.
+    void BindLayer(const std::string& file = "") {
+        tiler->ImageLayer(fake::MakeRasterLayer(world, facts), file);
+    }
+    /// Binds the layer of `facts`, whose file is there, and sets square tiles.
     void Bind(Long size) {
         if (!world->HasFile(facts.filePath)) world->PutFile(facts.filePath, "picture");
-        tiler->ImageLayer(fake::MakeRasterLayer(world, facts));
+        BindLayer();
         tiler->TileWidth(size);
         tiler->TileHeight(size);
     }
-    std::shared_ptr<IEnvelope> MakeEnvelope(double xMin, double yMin, double xMax, double yMax) {
-        auto envelope = platform::Create(platform::Current().newEnvelope);
-        envelope->XMin(xMin);
-        envelope->XMax(xMax);
-        envelope->YMin(yMin);
-        envelope->YMax(yMax);
-        return envelope;
-    }
-    /// The files in the output folder, by name.
-    std::vector<std::string> OutputFiles() const {
-        std::vector<std::string> names;
-        for (const auto& [path, content] : world->files) {
-            if (path.starts_with("C:\\out\\")) names.push_back(path.substr(7));
-        }
-        return names;
+    /// The messages shown since the last look; all are critical.
+    std::string Messages() {
+        std::string all;
+        for (const fake::Message& shown : std::exchange(world->messages, {}))
+            all += shown.icon == MessageIcon::Critical ? shown.title + ": " + shown.text : "not critical";
+        return all;
     }
     TileImageProbe Probe() { return TileImageProbe(*tiler); }
 

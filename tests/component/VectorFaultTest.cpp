@@ -42,8 +42,8 @@ class VectorFaultTest : public FaultTest<VectorTest> {
     static std::string Tiles(const std::shared_ptr<clsTileVector>& tiles) {
         std::string text = tiles ? "" : "none";
         for (Long n = 0; tiles && n < 6; ++n) {
-            const auto tile = tiles->GetTileExtent(n % 3 + 1, n / 3 + 1);
-            text += tiles->GetTileID(n % 3 + 1, n / 3 + 1) + " " + Shown(tile) + "; ";
+            const Long x = n % 3 + 1, y = n / 3 + 1;
+            text += tiles->GetTileID(x, y) + " " + Shown(tiles->GetTileExtent(x, y)) + "; ";
         }
         return text;
     }
@@ -57,19 +57,14 @@ void VectorFaultTest::Check(const Operation& operation, const Disturbed& run) {
     EXPECT_TRUE(run.aboutHandler || !world->failures.empty()) << "a failure that nobody saw: " << run.failed;
     const bool leftItself =
         run.answer == kLeave && !world->failures.empty() && ShownLabel(0) == operation.label;
-    EXPECT_EQ(TileVectorProbe::Of(*grid), (State{100, 50, 3, 2}));
+    EXPECT_EQ(TileVectorProbe::Of(*grid), "100 50 3 2");
     EXPECT_EQ(Shown(line) + Shown(points), "linepoints") << "the input stays";
     if (tell) {
         const std::string outcome = tell();
-        if (run.IsRetried()) {
-            EXPECT_EQ(outcome, operation.undisturbed) << "a retry loses nothing: " << run.failed;
-        }
-        if (leftItself && !operation.left.empty()) {
-            EXPECT_EQ(outcome, operation.left) << "left before there was a result";
-        }
-        if (run.answer == kLeave) {
-            EXPECT_EQ(outcome.find(" 0 0;"), std::string::npos) << "half an envelope: " << outcome;
-        }
+        EXPECT_TRUE(!run.IsRetried() || outcome == operation.undisturbed) << "lost by a retry: " << outcome;
+        EXPECT_TRUE(!leftItself || operation.left.empty() || outcome == operation.left) << outcome;
+        EXPECT_TRUE(run.answer != kLeave || outcome.find(" 0 0;") == std::string::npos)
+            << "half: " << outcome;
     }
     Do("i0");
     grid->GetTileExtent(1, 1)->Height(50);
@@ -86,29 +81,18 @@ TEST_F(VectorFaultTest, NoFailureOfThePlatformCrashesAProcedureOrPassesUnseen) {
         tell = [&] { return Tiles(grid); };
     };
     const auto clone = [&] { tell = [copy = grid->Clone()] { return Tiles(copy); }; };
+    const auto find = [&](const Point& point) { return [this, point] { Find(point); }; };
     const std::vector<Operation> operations{
-        {"InitializeTiles", build, tiles, ""},
-        {"Clip", [&] { Clip(line); }, "part of it"},
-        {"Clip", [&] { Clip(points); }, "one of them"},
-        {"IsInside",
-         [&] {
-             Find({150, 30});
-         },
-         "2,1"},
-        {"IsInside",
-         [&] {
-             Find({250, 100});
-         },
-         "3,1", ""},
-        {"Clone", clone, tiles},
-    };
+        {"InitializeTiles", build, tiles, ""},          {"Clip", [&] { Clip(line); }, "part of it"},
+        {"Clip", [&] { Clip(points); }, "one of them"}, {"IsInside", find({150, 30}), "2,1"},
+        {"IsInside", find({250, 100}), "3,1", ""},      {"Clone", clone, tiles}};
     for (const Operation& operation : operations) {
         Prepare();
         operation.act();
         ASSERT_EQ(tell(), operation.undisturbed);
-        FailEveryCall(
-            operation.label, [&] { Prepare(); }, {operation.act},
-            [&](const Disturbed& run) { Check(operation, run); });
+        const auto prepare = [&] { Prepare(); };
+        const auto check = [&](const Disturbed& run) { Check(operation, run); };
+        FailEveryCall(operation.label, prepare, operation.act, check);
     }
 }
 

@@ -1,23 +1,21 @@
 // What the tests of clsTileVector share: a grid over a fake layer.
 #pragma once
 
-#include <array>
-#include <sstream>
-
 #include "platform/fake/Vector.h"
 #include "tests/component/Fixture.h"
 #include "tilevector/clsTileVector.h"
 
 namespace orvo {
 
-using State = std::array<Long, 4>;
-
 /// Reaches the private state of a grid.
 class TileVectorProbe {
   public:
     /// Tile width and height, columns and rows.
-    static State Of(const clsTileVector& grid) {
-        return {grid.tileWidth_, grid.tileHeight_, grid.tileCountX_, grid.tileCountY_};
+    static std::string Of(const clsTileVector& grid) {
+        std::ostringstream state;
+        state << grid.tileWidth_ << " " << grid.tileHeight_ << " " << grid.tileCountX_ << " "
+              << grid.tileCountY_;
+        return state.str();
     }
     static bool SharesObjects(const clsTileVector& a, const clsTileVector& b) {
         return a.layerExtent_ == b.layerExtent_ && a.statusObject_ == b.statusObject_;
@@ -52,15 +50,13 @@ class VectorTest : public ComponentTest {
         Renew(300, 100, "w100 h50 i0");
         for (Long n = 0; n < 6; ++n) grid->GetTileExtent(n % 3 + 1, n / 3 + 1)->Height(50);
     }
-    /// The n-th failure shown, as "9 GetTileID".
-    std::string Failure(std::size_t n) const {
-        return ShownError(n).substr(0, ShownError(n).find('(')) + ShownLabel(n);
-    }
+    std::string Extent(Long x, Long y) { return Shown(grid->GetTileExtent(x, y)); }
     static std::string Shown(const std::shared_ptr<IEnvelope>& e) {
         if (!e) return "none";
-        return (testing::Message() << e->XMin() << " " << e->YMin() << " " << e->Width() << " " << e->Height()
-                                   << " " << e->Depth())
-            .GetString();
+        std::ostringstream text;
+        text.precision(15);
+        text << e->XMin() << " " << e->YMin() << " " << e->Width() << " " << e->Height() << " " << e->Depth();
+        return text.str();
     }
     static std::string Shown(const std::shared_ptr<IGeometry>& geometry) {
         return geometry ? fake::ContentOf(geometry) : "none";

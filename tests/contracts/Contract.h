@@ -2,16 +2,10 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
-#include <ostream>
-#include <string>
-#include <vector>
 
 #include "platform/Platform.h"
 #include "tests/Failure.h"
+#include "tests/Rows.h"
 
 namespace orvo {
 

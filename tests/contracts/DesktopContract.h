@@ -1,15 +1,56 @@
 // What every desktop does with the error dialog, its reports, and failures in between.
 #pragma once
 
-#include <functional>
-#include <new>
-#include <stdexcept>
-#include <vector>
+#include <gmock/gmock.h>
 
+#include <new>
+
+#include "errorreport/Ferrow.h"
+#include "errorreport/Procedure.h"
+#include "platform/fake/World.h"
+#include "support/Strings.h"
 #include "tests/Failure.h"
-#include "tests/contracts/DialogTest.h"
 
 namespace orvo {
+
+/// What is left of a failing procedure: how often its statement ran, and whether the next one did.
+struct Outcome {
+    int runs = 0;
+    bool next = false;
+    bool operator==(const Outcome&) const = default;
+};
+
+class DialogTest : public testing::Test {
+  protected:
+    DialogTest() { LangOffset() = 10000; }
+    ~DialogTest() override {
+        SetErrorDialog(nullptr);
+        platform::Install({});
+        LangOffset() = 0;
+    }
+    /// Begins with a dialog that was never shown, on this desktop.
+    void ShowOn(std::shared_ptr<IDesktop> desktop) const {
+        platform::Platform made = world->MakePlatform();
+        made.desktop = std::move(desktop);
+        platform::Install(std::move(made));
+        SetErrorDialog(std::make_unique<Ferrow>());
+    }
+    /// Has the first runs of a statement fail.
+    static Outcome Fail(int failures = 1, const std::string& about = "R & D") {
+        Outcome outcome;
+        Procedure<void>({"[Demo] Public Sub Cut()", "Demo", "Cut"}).Run([&](Statements& run) {
+            run([&] {
+                if (++outcome.runs <= failures) throw RuntimeError(Fault::DiskFull, about);
+            });
+            outcome.next = true;
+        });
+        return outcome;
+    }
+
+    const std::shared_ptr<fake::World> world = fake::World::Make();
+    std::string& log = world->files["C:\\Temp\\Orvo_Tile.EPT"];
+    std::string& saved = world->files["C:\\Temp\\Orvo_Tile.ERR"] = "old";
+};
 
 /// What the user does: the dialog's buttons, and answers to a question.
 enum class Act { Retry, Next, Leave, Print, Save, Mail, Web, Yes, No };
@@ -22,18 +63,11 @@ struct Unattended {
 
 /// Has something happen while the n-th report of a showing is made: the first is that for the log, the second
 /// that of a button.
-class EventfulSystem final : public IOperatingSystem {
-  public:
-    EventfulSystem(int report, std::function<void()> event) : report_(report), event_(std::move(event)) {}
+struct EventfulSystem final : IOperatingSystem {
     std::string TempFolder() override { return "C:\\Temp"; }
-    OSVersion GetVersion() override {
-        if (--report_ == 0) event_();
-        return {};
-    }
-
-  private:
-    int report_;
-    std::function<void()> event_;
+    OSVersion GetVersion() override { return --report == 0 ? event(), OSVersion() : OSVersion(); }
+    int report = 0;
+    std::function<void()> event;
 };
 
 /// A subject is made from the world and has Desktop(), WithoutUser() with ways to answer unattended,
@@ -44,7 +78,9 @@ class DesktopContract : public DialogTest {
     void Begin(std::shared_ptr<IDesktop> desktop, int report, std::function<void()> event) {
         ShowOn(std::move(desktop));
         platform::Platform made = platform::Current();
-        made.operatingSystem = std::make_shared<EventfulSystem>(report, std::move(event));
+        const auto system = std::make_shared<EventfulSystem>();
+        system->report = report, system->event = std::move(event);
+        made.operatingSystem = system;
         platform::Install(std::move(made));
     }
     Subject subject{*world};

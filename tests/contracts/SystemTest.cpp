@@ -1,4 +1,4 @@
-// Registry, clock and text files.
+// Registry and text files.
 #include "tests/contracts/Contract.h"
 
 namespace orvo {
@@ -32,15 +32,6 @@ TEST_P(SystemContract, RegistryReadsATextAndAnswersWithTheSystemsCodes) {
     EXPECT_EQ(text.substr(0, static_cast<std::size_t>(size)), std::string("/Grün\0", 7));
     EXPECT_EQ(registry.RegCloseKey(key), 0);
     EXPECT_EQ(registry.RegCloseKey(key), 6);
-}
-
-TEST_P(SystemContract, ClockTellsAPlausibleTime) {
-    const std::int64_t before = services.clock->Seconds();
-    const LocalTime time = services.clock->Local(before);
-    EXPECT_GE(time.year, 2024);
-    EXPECT_TRUE(time.month >= 1 && time.month <= 12 && time.day >= 1 && time.day <= 31);
-    EXPECT_TRUE(time.hour <= 23 && time.minute <= 59 && time.second <= 60);
-    EXPECT_GE(services.clock->Seconds(), before);
 }
 
 TEST_P(SystemContract, TextFilesAppendAndReplaceAsGiven) {

@@ -11,10 +11,7 @@ class ValuesContract : public Contract {
     static std::vector<double> Edges(const IEnvelope& e) { return {e.XMin(), e.YMin(), e.XMax(), e.YMax()}; }
     std::shared_ptr<IEnvelope> Box(double x0, double y0, double x1, double y1) const {
         auto box = services.newEnvelope();
-        box->XMin(x0);
-        box->XMax(x1);
-        box->YMax(y1);
-        box->YMin(y0);
+        box->XMin(x0), box->XMax(x1), box->YMax(y1), box->YMin(y0);
         return box;
     }
 };
@@ -73,11 +70,10 @@ TEST_P(ValuesContract, LayerTellsItsRasterAndHandsOutANewExtentEachTime) {
     const auto layer = subject.openSource();
     EXPECT_EQ(layer->FilePath(), subject.source);
     EXPECT_FALSE(layer->IsInGeodatabase());
-    EXPECT_EQ(layer->Raster()->Width(), 40);
-    EXPECT_EQ(layer->Raster()->Height(), 30);
-    EXPECT_EQ(layer->Raster()->MeanCellSize().X, 2);
-    EXPECT_EQ(layer->Raster()->MeanCellSize().Y, 3);
-    EXPECT_EQ(layer->Raster()->RasterDataset()->FormatName(), subject.format);
+    const auto raster = layer->Raster();
+    const Point cell = raster->MeanCellSize();
+    EXPECT_EQ(std::tuple(raster->Width(), raster->Height(), cell.X, cell.Y), std::tuple(40, 30, 2, 3));
+    EXPECT_EQ(raster->RasterDataset()->FormatName(), subject.format);
     EXPECT_THAT(Edges(*layer->Extent()), testing::ElementsAre(1000, 4910, 1080, 5000));
     layer->Extent()->XMin(0);
     EXPECT_EQ(layer->Extent()->XMin(), 1000);

@@ -4,8 +4,10 @@ import json
 import os
 import re
 import shutil
+import signal
 import subprocess
 import tempfile
+import time
 import unittest
 
 ORVO_TILE = os.environ["ORVO_TILE"]
@@ -36,7 +38,51 @@ class HostTest(unittest.TestCase):
         summary["stderr"] = done.stderr
         return summary
 
-    def data_of(self, page):
-        """The preview page's data: title, area and sketch, tiles."""
+    def refuse(self, command, source, folder, arguments, code, words):
+        """A run that says these words and ends before it writes anything."""
+        before = sorted(os.listdir(self.folder))
+        with self.subTest(source=source, folder=folder, arguments=arguments):
+            done = self.run_tile(command, source, folder, *arguments)
+            self.assertEqual((done.returncode, done.stdout), (code, ""), done.stderr)
+            self.assertTrue(done.stderr.startswith("orvo-tile: "), done.stderr)
+            self.assertNotIn("Procedure", done.stderr)
+            for word in words:
+                self.assertIn(word, done.stderr)
+            self.assertEqual(sorted(os.listdir(self.folder)), before)
+
+    def start(self, *arguments):
+        return subprocess.Popen([ORVO_TILE, *arguments], cwd=self.folder, env=self.environment, text=True,
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+    def interrupt(self, process, ready, number=signal.SIGINT):
+        """The summary of a run that gets a signal as soon as it is ready."""
+        until = time.monotonic() + 60
+        while not ready() and time.monotonic() < until:
+            time.sleep(0.005)
+        process.send_signal(number)
+        out, error = process.communicate(timeout=5)
+        self.assertEqual(process.returncode, 130, error)
+        summary = json.loads(out)
+        self.check(summary)
+        self.assertTrue(summary["interrupted"])
+        return summary
+
+    def names(self, folder="out"):
+        return set(os.listdir(self.path(folder))) if os.path.isdir(self.path(folder)) else set()
+
+    def write(self, name, text):
+        with open(self.path(name), "w") as file:
+            file.write(text)
+        return self.path(name)
+
+    def read(self, name):
+        with open(self.path(name)) as file:
+            return file.read()
+
+    def data_of(self, summary):
+        """The preview page's data: title, area and sketch, tiles. The page stands alone."""
+        page = self.read(summary["preview"])
+        for network in ("http:", "https:", "//cdn", "@import", "src=\"", "href=\""):
+            self.assertNotIn(network, page)
         data = re.search(r'<script type="application/jsonl" id="data">(.*?)</script>', page, re.S)[1]
         return [json.loads(line) for line in data.split("\n")]

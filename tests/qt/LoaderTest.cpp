@@ -1,6 +1,5 @@
 // Tests of the way to the window module. They run before this process has an application of the toolkit.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <clocale>
 
@@ -23,14 +22,11 @@ std::string WhyNot(const std::string& moduleFolder) {
 }
 
 TEST(WindowModule, WithoutADisplayOrAModuleThereIsAReasonAndNoCrash) {
-    const struct {
-        const char *platform, *display, *reason;
-    } cases[] = {
-        {nullptr, nullptr, "there is no display"},
-        {nullptr, ":4711", "no window can be shown here: could not connect to display :4711"},
-        {"nonsense", nullptr, "no window can be shown here"},
-    };
-    for (const auto& [platform, display, reason] : cases) {
+    const char* const none = nullptr;
+    for (const auto& [platform, display, reason] :
+         {std::tuple{none, none, "there is no display"},
+          {none, ":4711", "no window can be shown here: could not connect to display :4711"},
+          {"nonsense", none, "no window can be shown here"}}) {
         const Variable first("QT_QPA_PLATFORM", platform);
         const Variable second("DISPLAY", display);
         const Variable third("WAYLAND_DISPLAY", nullptr);

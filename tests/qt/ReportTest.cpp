@@ -14,10 +14,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Window, DesktopContract, WindowUser);
 INSTANTIATE_TYPED_TEST_SUITE_P(Window, AttendedDesktop, WindowUser);
 
 TEST_F(WindowTest, BoxesAreInTheUsersLanguage) {
-    const struct {
-        Integer language;
-        const char *button, *box;
-    } cases[] = {
+    const std::tuple<Integer, const char*, const char*> cases[] = {
         {0, "cmdProtocol(1)", "Orvo_Tile|&Ja|&Nein|'C:\\Temp\\Orvo_Tile.ERR' existiert"},
         {10000, "cmdProtocol(2)", "Orvo_Tile|OK|All error information are copied to the clipboard\n.\n\nPl"},
         {0, "cmdProtocol(0)", "Orvo_Tile|OK|Laufzeitfehler '482':\n\nPrinter error: there is no default p"},

@@ -1,8 +1,4 @@
 // The error dialog's window: what it shows, how it is used, how it closes.
-#include <QGroupBox>
-#include <QListWidget>
-#include <QTextEdit>
-#include <map>
 
 #include "tests/qt/WindowUser.h"
 

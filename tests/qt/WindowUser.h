@@ -1,19 +1,10 @@
 // The window as a desktop under test, and somebody before it who does one step after the other.
 #pragma once
 
-#include <QApplication>
-#include <QClipboard>
-#include <QDialog>
-#include <QMessageBox>
-#include <QPushButton>
 #include <QTest>
-#include <QTimer>
-#include <algorithm>
+#include <QtWidgets>
 #include <array>
 #include <deque>
-#include <functional>
-#include <string>
-#include <vector>
 
 #include "platform/qt/Application.h"
 #include "platform/qt/Desktop.h"

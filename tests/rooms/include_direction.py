@@ -1,5 +1,6 @@
 """Checks every #include of the tree against the table of rooms in docs/design.md. Argument: the tree's folder."""
 
+import graphlib
 import os
 import re
 import sys
@@ -19,10 +20,9 @@ class Room:
 
     def match(self, path):
         """The length of the longest pattern that the path matches, or 0. A star ends at a slash, two do not."""
-        def matches(pattern):
-            parts = [re.escape(part).replace(r"\*", "[^/]*") for part in pattern.split("**")]
-            return re.fullmatch(".*".join(parts), path)
-        return max((len(pattern) for pattern in self.patterns if matches(pattern)), default=0)
+        def expression(pattern):
+            return ".*".join(re.escape(part).replace(r"\*", "[^/]*") for part in pattern.split("**"))
+        return max((len(each) for each in self.patterns if re.fullmatch(expression(each), path)), default=0)
 
 
 def rooms_of(design):
@@ -36,17 +36,6 @@ def sources_of(root):
         for name in names:
             if name.endswith((".h", ".cpp")):
                 yield os.path.relpath(os.path.join(folder, name), root)
-
-
-def circle_from(path, graph, above, done):
-    """The files of a circle, or nothing."""
-    if path in above:
-        return above[above.index(path):] + [path]
-    if path in done:
-        return []
-    done.add(path)
-    circles = (circle_from(target, graph, above + [path], done) for target in graph[path])
-    return next(filter(None, circles), [])
 
 
 def check(root):
@@ -77,8 +66,10 @@ def check(root):
                     errors.append(f"{path} ({room.name}) may not include {target} ({room_of(target).name})")
             elif room.libraries == NONE and not re.fullmatch("[a-z_0-9]+", name):
                 errors.append(f"{path} ({room.name}) may include the standard library alone, not {name}")
-    done = set()
-    errors += filter(None, (" -> ".join(circle_from(path, graph, [], done)) for path in graph))
+    try:
+        graphlib.TopologicalSorter(graph).prepare()
+    except graphlib.CycleError as circle:
+        errors.append(" <- ".join(circle.args[1]))
     if sum(map(len, graph.values())) < 100:
         errors.append("hardly any include was found")
     return errors

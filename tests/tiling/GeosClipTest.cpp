@@ -1,7 +1,9 @@
-// Geometries cut to tiles: chosen cases, and what must hold for all of them.
+// Geometries and tiles: how they lie to each other, and what a cut leaves. Chosen cases, and what must hold
+// for all.
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <map>
 
 #include "GeosRandom.h"
 #include "GeosShapes.h"
@@ -61,6 +63,45 @@ TEST(GeosClip, KindsStayAndPartsOfALowerDimensionGo) {
         std::make_shared<memory::Envelope>());
 }
 
+/// Relation and geometry, each also put to the library itself.
+void ExpectRelations(const Cases& cases, const std::shared_ptr<IEnvelope>& envelope) {
+    for (const auto& [expected, wkt] : cases) {
+        EXPECT_EQ(Ours(*Read(wkt), envelope), expected) << wkt;
+        EXPECT_EQ(Theirs(*FromText(wkt), *envelope), expected) << wkt;
+    }
+}
+
+// What random geometries hardly ever bring about.
+TEST(GeosRelations, RareContactsWithATile) {
+    ExpectRelations(
+        {{"", "MULTIPOINT EMPTY"},
+         {"", "MULTILINESTRING EMPTY"},
+         {"", "POLYGON EMPTY"},
+         {"", "LINESTRING (0 0, 10 0, 10 10, 0 10, 0 0)"},      // all edges
+         {"w", "MULTILINESTRING ((0 0, 0 5), (1 1, 2 2))"},     // along an edge, and inside
+         {"", "MULTILINESTRING ((0 0, 0 5), (20 20, 30 30))"},  // on an edge, and outside
+         {"w", "POLYGON ((0 0, 10 0, 10 10, 0 10, 0 0), (0 5, 5 4, 5 6, 0 5))"},
+         {"o", "POLYGON ((-5 -5, 15 -5, 15 15, -5 15, -5 -5), (4 4, 6 4, 6 6, 4 4))"},
+         {"", "POLYGON ((-9 -9, 19 -9, 19 19, -9 19, -9 -9), (0 0, 10 0, 10 10, 0 10, 0 0))"},  // in a hole
+         {"", "POLYGON ((-5 -5, 15 -5, 15 15, 12 15, 12 -2, -2 -2, -2 15, -5 15, -5 -5))"},     // around it
+         {"o", "MULTIPOLYGON (((-5 -5, 5 -5, 5 15, -5 15, -5 -5)), ((6 -5, 15 -5, 15 15, 6 15, 6 -5)))"},
+         {"", "MULTIPOLYGON (((-5 -5, 15 -5, 15 15, -5 15, -5 -5)), ((20 20, 30 20, 30 30, 20 20)))"}},
+        kTile);
+    const auto flat = Rectangle(0, 0, 10, 0), place = Rectangle(3, 4, 3, 4);
+    ExpectRelations(
+        {{"w", "LINESTRING (2 0, 8 0)"}, {"o", "LINESTRING (5 0, 15 0)"}, {"", "LINESTRING (-5 0, 15 0)"}},
+        flat);
+    ExpectRelations({{"w", "POINT (3 4)"}, {"", "MULTIPOINT (3 4, 5 5)"}}, place);
+}
+
+TEST(GeosRelations, EmptyEnvelopesAndAreasThatCrossThemselvesAreAnswered) {
+    for (const char* wkt : {"POINT (0 0)", "LINESTRING (0 0, 1 1)", "POLYGON ((0 0, 1 0, 1 1, 0 0))"})
+        EXPECT_EQ(Ours(*Read(wkt), std::make_shared<memory::Envelope>()), "") << wkt;
+    EXPECT_THROW(Read("POINT (0 0)")->Within(nullptr), RuntimeError) << "no reference, no answer";
+    EXPECT_EQ(Ours(*Read("POLYGON ((2 2, 8 8, 8 2, 2 8, 2 2))"), kTile), "w") << "the boundary decides";
+    EXPECT_EQ(Ours(*Read("POLYGON ((-2 2, 12 8, 12 2, -2 8, -2 2))"), kTile), "o");
+}
+
 /// Every vertex on the borders lies on the slope of the random geometries.
 void ExpectHeights(const Geometry& piece, const GEOSGeometry& source) {
     const Handle border(Dimension(source) == 2 ? GEOSBoundary_r(GeosContext(), &source)
@@ -76,17 +117,26 @@ void ExpectHeights(const Geometry& piece, const GEOSGeometry& source) {
     }
 }
 
-// The library's overlay, less what is of a lower dimension, is what a cut must be.
-TEST(GeosClip, RandomPiecesAreWhatTheOverlaySays) {
+// The library's overlay, less what is of a lower dimension, is what a cut must be. Coordinates snapped to
+// half the tile's size bring about every kind of contact.
+TEST(GeosClip, RandomPiecesAreWhatTheOverlaySaysAndRelationsWhatThePredicatesSay) {
     Random random;
     SCOPED_TRACE(random.Seed());
     const Handle tile = FromText("POLYGON ((0 0, 10 0, 10 10, 0 10, 0 0))");
+    const std::shared_ptr<IEnvelope> envelopes[] = {kTile, Rectangle(0, 5, 10, 5), Rectangle(5, 5, 5, 5),
+                                                    Rectangle(0.1, -2.3, 0.1 + 7.7, 2.5)};
+    std::map<std::string, int> agreed;
     int cuts = 0;
     for (int n = 0; n < 4000; ++n) {
         const bool hasZ = n % 2 == 0;
         const std::string wkt = random.Geometry(n % 3 == 0 ? 0 : n % 3 == 1 ? 5 : 2.5, hasZ);
         SCOPED_TRACE(wkt);
         const Handle source = FromText(wkt);
+        for (const auto& envelope : envelopes) {
+            const std::string expected = Theirs(*source, *envelope);
+            ASSERT_EQ(Ours(*Geometry::FromWkb(Bytes(*source)), envelope), expected);
+            ++agreed[expected];
+        }
         const auto piece = Cut(Geometry::FromWkb(Bytes(*source)), kTile);
         const Handle found = Reread(*piece);
         const Handle overlay(GEOSIntersection_r(GeosContext(), source.get(), tile.get()));
@@ -106,6 +156,7 @@ TEST(GeosClip, RandomPiecesAreWhatTheOverlaySays) {
         cuts += expected > 0 && expected < Measure(*source, dimension) ? 1 : 0;
     }
     EXPECT_GT(cuts, 500);
+    for (const char* relation : {"", "w", "c", "o"}) EXPECT_GT(agreed[relation], 100) << relation;
 }
 
 }  // namespace

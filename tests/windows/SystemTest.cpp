@@ -10,7 +10,7 @@
 #include "platform/windows/system/Win32.h"
 #include "support/SystemPath.h"
 #include "tests/adapters/TempFolder.h"
-#include "tests/windows/Orders.h"
+#include "tests/windows/Self.h"
 
 namespace orvo::windows {
 namespace {

@@ -1,7 +1,6 @@
 // The terminal as a desktop, and what is its own: the menu, and the clipboard by the terminal's sequences.
 #include <array>
 #include <deque>
-#include <sstream>
 
 #include "platform/console/Desktop.h"
 #include "tests/contracts/DesktopContract.h"

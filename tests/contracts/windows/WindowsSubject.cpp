@@ -6,7 +6,7 @@
 #include "support/SystemPath.h"
 #include "tests/adapters/TempFolder.h"
 #include "tests/contracts/Contract.h"
-#include "tests/windows/Orders.h"
+#include "tests/windows/Self.h"
 
 namespace orvo {
 namespace {
