@@ -1,6 +1,7 @@
 // Writing files so that a name never holds half a file; one source file per system.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -23,7 +24,9 @@ class PartFile {
     PartFile& operator=(const PartFile&) = delete;
 
     const std::filesystem::path& Path() const { return path_; }
-    /// Writes the whole content; write, flush and close are checked.
+    /// Takes room on the disk for what will be written, where the file system can promise it.
+    std::error_code Reserve(std::uintmax_t bytes) const;
+    /// Writes the whole content, first into the room it has; write, flush and close are checked.
     std::error_code Write(std::string_view bytes) const;
     /// Gives the file another name on the same disk, in place of a file that is there.
     std::error_code MoveTo(const std::filesystem::path& target);

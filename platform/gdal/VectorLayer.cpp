@@ -8,6 +8,7 @@
 #include "platform/Platform.h"
 #include "platform/gdal/Attributes.h"
 #include "platform/gdal/ErrorCapture.h"
+#include "platform/gdal/SourceFiles.h"
 #include "platform/gdal/Startup.h"
 
 namespace orvo::gdal {
@@ -30,7 +31,7 @@ bool IsRaster(const std::string& source) {
 }
 
 std::unique_ptr<GDALDataset> Open(const std::string& source) {
-    if (!IsOnDisk(source) && source.find(':') == std::string::npos && !source.starts_with("/vsi")) {
+    if (!IsOnDisk(source) && source.find_first_of(":<") == std::string::npos && !source.starts_with("/vsi")) {
         throw RuntimeError(static_cast<Long>(Fault::FileNotFound),
                            "File not found: " + source + ". Check the path and the spelling.");
     }
@@ -158,6 +159,10 @@ void VectorLayer::BreakOff(const std::string& why) const {
 void VectorLayer::Rewind() {
     layer_->ResetReading();
     given_ = 0;
+}
+
+std::vector<std::string> VectorLayer::Files() const {
+    return SourceFiles(*dataset_, source_);
 }
 
 OGRFeatureDefn& VectorLayer::Definition() const {

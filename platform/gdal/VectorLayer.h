@@ -42,6 +42,8 @@ class VectorLayer final : public ILayer {
     std::int64_t FeatureCount() const { return count_; }
 
     const std::string& Name() const { return name_; }
+    /// What it is read from, see SourceFiles.h.
+    std::vector<std::string> Files() const;
     OGRFeatureDefn& Definition() const;
     /// Null where it is not known.
     OGRSpatialReference* SpatialReference() const;

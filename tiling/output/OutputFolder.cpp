@@ -4,10 +4,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <set>
+#include <string_view>
 #include <system_error>
 
 #include "tiling/Errors.h"
@@ -55,6 +57,22 @@ bool SameFile(const fs::path& a, const fs::path& b) {
     return fs::equivalent(a, b, missing) && !missing;
 }
 
+/// What only a run that was killed leaves: part files, folders of its own, marks of reserved names.
+bool IsLeftover(std::string_view name) {
+    const auto isOnly = [](std::string_view text, std::string_view others) {
+        return std::ranges::all_of(text, [&](char c) {
+            return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+                   others.find(c) != std::string_view::npos;
+        });
+    };
+    constexpr std::string_view kPart = ".orvo-tile-", kConvert = ".convert-", kMark = ".i",
+                               kEnd = ".reserved";
+    if (name.starts_with(kPart)) return isOnly(name.substr(kPart.size()), "-.");
+    if (name.starts_with(kConvert)) return isOnly(name.substr(kConvert.size()), "");
+    return name.starts_with(kMark) && name.ends_with(kEnd) && name.size() > kMark.size() + kEnd.size() + 6 &&
+           isOnly(name.substr(1, name.size() - 1 - kEnd.size()), "_-");
+}
+
 std::string Resolved(const std::string& path) {
     if (path.empty()) throw UsageError("OUTDIR is empty; name a folder");
     std::error_code failed;
@@ -75,33 +93,49 @@ OutputFolder::OutputFolder(const std::string& path) : path_(Resolved(path)) {
 }
 
 void OutputFolder::CheckEarlier(bool overwrite, const std::vector<std::string>& keep) {
+    overwrite_ = overwrite;
+    keep_ = keep;
+    static_cast<void>(EarlierFiles());
+}
+
+std::vector<std::string> OutputFolder::EarlierFiles() const {
     const std::vector<std::string> indexes = FindIndexes(path_);
-    if (indexes.empty()) return;
-    if (!overwrite) {
+    if (indexes.empty()) return {};
+    if (!overwrite_) {
         throw UsageError("OUTDIR " + Quoted(path_) + " holds tiles already (" + indexes.front() +
                          "); use --overwrite to replace them, or name another folder");
     }
-    std::set<std::string> files;
+    std::set<std::string> names;
     for (const std::string& index : indexes) {
-        for (const std::string& name : FilesOfIndex(path_, index)) files.insert(name);
+        for (const std::string& name : FilesOfIndex(path_, index)) names.insert(name);
     }
-    for (const std::string& name : files) {
-        for (const std::string& source : keep) {
-            if (SameFile(fs::path(path_) / name, source)) {
-                throw UsageError("--overwrite would remove " + Quoted(source) +
-                                 ", which is the source; name another "
-                                 "OUTDIR");
-            }
-        }
+    std::vector<std::string> files(names.begin(), names.end());
+    files.insert(files.end(), indexes.begin(), indexes.end());
+    for (const std::string& name : files) RequireNoSource(name);
+    return files;
+}
+
+/// A source that is a folder is read from the files in it.
+void OutputFolder::RequireNoSource(const std::string& name) const {
+    const fs::path file = fs::path(path_) / name;
+    for (const std::string& source : keep_) {
+        if (!SameFile(file, source) && !SameFile(path_, source)) continue;
+        throw UsageError("--overwrite would remove " + Quoted(file.string()) +
+                         ", which the source is read from; name another OUTDIR");
     }
-    earlier_.assign(files.begin(), files.end());
-    earlier_.insert(earlier_.end(), indexes.begin(), indexes.end());
 }
 
 void OutputFolder::Prepare() {
-    Make();
-    TryToWrite();
-    RemoveEarlier();
+    try {
+        Make();
+        TryToWrite();
+        lock_ = std::make_unique<FolderLock>(path_);
+        if (overwrite_) RemoveEarlier();
+        lock_->Share();
+    } catch (...) {
+        RemoveIfUnused();
+        throw;
+    }
 }
 
 void OutputFolder::Make() {
@@ -116,7 +150,6 @@ void OutputFolder::Make() {
         if (fs::create_directory(folder, failed)) {
             made_.push_back(folder);
         } else if (failed) {
-            RemoveIfUnused();
             throw UsageError("OUTDIR " + Quoted(path_) + " cannot be made: " + failed.message());
         }
     }
@@ -132,11 +165,19 @@ void OutputFolder::TryToWrite() const {
     unlink(name.c_str());
 }
 
+/// What is there is looked at once more: another run may have written or removed it meanwhile.
 void OutputFolder::RemoveEarlier() {
-    if (earlier_.empty()) return;
+    if (!lock_->TryAlone()) {
+        throw UsageError("another run is writing into OUTDIR " + Quoted(path_) +
+                         "; wait for its end before you use --overwrite, or name another folder");
+    }
+    const std::vector<std::string> files = EarlierFiles();
     const OpenFolder folder(path_);
-    for (const std::string& name : earlier_) folder.Remove(name);
-    earlier_.clear();
+    for (const std::string& name : files) folder.Remove(name);
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(path_, ignored)) {
+        if (IsLeftover(entry.path().filename().string())) fs::remove_all(entry.path(), ignored);
+    }
 }
 
 void OutputFolder::RemoveIfUnused() noexcept {

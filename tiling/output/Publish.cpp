@@ -7,6 +7,8 @@
 namespace orvo::tiling {
 namespace {
 
+constexpr const char* kIndexExtension = ".geojson";
+
 void Require(const std::error_code& failed, const std::string& path) {
     if (failed) throw RunError("cannot write \"" + path + "\": " + failed.message());
 }
@@ -16,6 +18,10 @@ void Require(const std::error_code& failed, const std::string& path) {
 DraftFile::DraftFile(const std::string& folder, const std::string& extension)
     : part_(folder, extension, failed_) {
     Require(failed_, folder);
+}
+
+void DraftFile::Reserve(std::uintmax_t bytes) {
+    Require(part_.Reserve(bytes), Path());
 }
 
 void DraftFile::Write(const std::string& text) {
@@ -37,6 +43,11 @@ void DraftFile::Withdraw() {
     published_.clear();
 }
 
+DraftSet::DraftSet(std::string folder, std::uintmax_t indexRoom)
+    : folder_(std::move(folder)), index_(folder_, kIndexExtension) {
+    index_.Reserve(indexRoom);
+}
+
 void DraftSet::Add(const std::string& stem, const std::string& extension, std::unique_ptr<DraftFile> file) {
     members_.push_back({stem, extension, "", std::move(file)});
 }
@@ -47,33 +58,32 @@ void DraftSet::Add(const std::string& stem, const std::string& extension, const 
     Add(stem, extension, std::move(file));
 }
 
-std::string DraftSet::Publish(const std::string& stem, const std::string& extension,
-                              const std::function<std::string(const std::vector<std::string>&)>& text) {
-    DraftFile index(folder_, extension);
+std::string DraftSet::Publish(const std::function<std::string(const std::vector<std::string>&)>& text) {
     for (int number = 1;; ++number) {
         std::vector<std::string> names;
         for (Member& member : members_)
             names.emplace_back(member.name = NumberedName(member.stem, number, member.extension));
-        const std::string name = NumberedName(stem, number, extension);
-        try {
-            index.Write(text(names));
-            if (PublishMembers(index, name)) return folder_ + "/" + name;
-        } catch (...) {
-            Withdraw();
-            throw;
-        }
+        const std::string name = NumberedName("tiles", number, kIndexExtension);
+        index_.Write(text(names));
+        if (index_.Publish(name) && PublishMembers()) return folder_ + "/" + name;
         Withdraw();
     }
 }
 
-bool DraftSet::PublishMembers(DraftFile& index, const std::string& name) {
+/// False where a name is taken.
+bool DraftSet::PublishMembers() {
     for (const Member& member : members_) {
-        if (!member.file->Publish(member.name)) return false;
+        try {
+            if (!member.file->Publish(member.name)) return false;
+        } catch (const RunError& error) {
+            errors_.emplace_back(error.what());
+        }
     }
-    return index.Publish(name);
+    return true;
 }
 
 void DraftSet::Withdraw() {
+    index_.Withdraw();
     for (const Member& member : members_) member.file->Withdraw();
 }
 

@@ -110,6 +110,13 @@ std::string IndexText(const std::vector<PlacedTile>& tiles, const std::string& c
     return text + "\n]}\n";
 }
 
+std::uintmax_t IndexRoom(std::int64_t tiles, const std::string& crs, std::size_t nameBytes) {
+    constexpr std::size_t kProducts = 100;  // names of the files beside the tiles
+    constexpr std::size_t kTile = 400;      // members, and ten numbers of at most 24 digits
+    return IndexText({}, crs, {}).size() + kProducts +
+           static_cast<std::uintmax_t>(tiles) * (kTile + nameBytes);
+}
+
 std::vector<std::string> FindIndexes(const std::string& folder) {
     std::vector<std::string> names;
     std::error_code missing;

@@ -1,6 +1,7 @@
 // The index of a run: tiles.geojson.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,10 @@ namespace orvo::tiling {
 /// @param companions the run's other files, which go when the index goes
 std::string IndexText(const std::vector<PlacedTile>& tiles, const std::string& crs,
                       const std::vector<std::string>& companions);
+
+/// The bytes that an index of so many tiles needs at most.
+/// @param nameBytes of a tile's name, with those of all files that go with it
+std::uintmax_t IndexRoom(std::int64_t tiles, const std::string& crs, std::size_t nameBytes);
 
 /// File names of the indexes in a folder, tiles.geojson or tiles_2.geojson and so on; none for a missing
 /// folder.

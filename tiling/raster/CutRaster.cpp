@@ -1,7 +1,4 @@
 // A raster run, from the opened source to the summary.
-#include <cpl_string.h>
-#include <gdal_priv.h>
-
 #include <cmath>
 #include <filesystem>
 #include <limits>
@@ -10,6 +7,7 @@
 #include <utility>
 
 #include "platform/FailureInFlight.h"
+#include "platform/gdal/SourceFiles.h"
 #include "support/SystemPath.h"
 #include "tileimage/clsTileImage.h"
 #include "tiling/Errors.h"
@@ -17,6 +15,7 @@
 #include "tiling/WatchedPlatform.h"
 #include "tiling/output/OutputFolder.h"
 #include "tiling/output/Rectangles.h"
+#include "tiling/output/TileIndex.h"
 #include "tiling/raster/CellPlan.h"
 #include "tiling/raster/Notices.h"
 #include "tiling/raster/Products.h"
@@ -92,12 +91,10 @@ class RasterRun {
         summary_.outdir = folder.Path();
         summary_.notices = FormatNotices(*layer_, job_);
         const CellPlan plan(*layer_, grid_, job_.clip);
+        const LayerFacts facts(*layer_);
         folder.Prepare();
         try {
-            TileLedger ledger(plan, callbacks_.progress);
-            Cut(ledger);
-            Collect(plan, ledger);
-            AddProducts();
+            CutAndPublish(plan, facts);
         } catch (...) {
             folder.RemoveIfUnused();
             throw;
@@ -108,11 +105,24 @@ class RasterRun {
     }
 
   private:
-    /// All files that the layer is read from, also through a virtual raster.
+    void CutAndPublish(const CellPlan& plan, const LayerFacts& facts) {
+        constexpr std::size_t kNames = 64;  // a tile's, a world file's, an exported TIFF's
+        TileLedger ledger(plan, callbacks_.progress);
+        std::unique_ptr<DraftSet> drafts;
+        try {
+            drafts = std::make_unique<DraftSet>(summary_.outdir,
+                                                IndexRoom(plan.Count(), facts.system.name, kNames));
+            Cut(ledger);
+        } catch (const RunError& error) {
+            summary_.errors.emplace_back(error.what());
+        }
+        Collect(plan, ledger);
+        if (drafts) AddProducts(facts, *drafts);
+    }
+
     std::vector<std::string> SourceFiles() {
-        std::vector<std::string> files{job_.input, job_.name};
-        const CPLStringList list(layer_->Dataset().GetFileList());
-        for (int i = 0; i < list.size(); ++i) files.emplace_back(list[i]);
+        std::vector<std::string> files = gdal::SourceFiles(layer_->Dataset(), job_.input);
+        files.push_back(job_.name);
         return files;
     }
 
@@ -180,7 +190,8 @@ class RasterRun {
     /// reached.
     void Collect(const CellPlan& plan, const TileLedger& ledger) {
         summary_.expected = static_cast<Long>(plan.Count());
-        summary_.errors = ledger.EarlyReasons();
+        const auto& early = ledger.EarlyReasons();
+        summary_.errors.insert(summary_.errors.end(), early.begin(), early.end());
         const auto& cells = ledger.Cells();
         for (std::size_t i = 0; i < cells.size(); ++i) {
             const CellRecord& cell = cells[i];
@@ -266,8 +277,8 @@ class RasterRun {
         }
     }
 
-    void AddProducts() {
-        Products products = WriteProducts(job_, *layer_, summary_.outdir, tiles_, summary_.leftovers);
+    void AddProducts(const LayerFacts& facts, DraftSet& drafts) {
+        Products products = WriteProducts(job_, facts, summary_.outdir, tiles_, summary_.leftovers, drafts);
         for (std::string& notice : products.notices) summary_.notices.push_back(std::move(notice));
         for (std::string& error : products.errors) summary_.errors.push_back(std::move(error));
         summary_.index = products.index;

@@ -2,7 +2,6 @@
 
 #include <gdal_priv.h>
 
-#include <memory>
 #include <utility>
 
 #include "platform/FailureInFlight.h"
@@ -11,8 +10,6 @@
 #include "tiling/Paths.h"
 #include "tiling/output/Mosaic.h"
 #include "tiling/output/PreviewPage.h"
-#include "tiling/output/Publish.h"
-#include "tiling/output/ReferenceSystem.h"
 #include "tiling/output/TileIndex.h"
 #include "tiling/output/WorldFile.h"
 
@@ -21,14 +18,14 @@ namespace {
 
 class Writer {
   public:
-    Writer(const RasterJob& job, gdal::RasterLayer& layer, const std::string& folder,
-           const std::vector<PlacedTile>& tiles, std::vector<std::string> leftovers)
+    Writer(const RasterJob& job, const LayerFacts& layer, const std::string& folder,
+           const std::vector<PlacedTile>& tiles, std::vector<std::string> leftovers, DraftSet& drafts)
         : job_(job),
           layer_(layer),
           folder_(folder),
           tiles_(tiles),
           companions_(std::move(leftovers)),
-          drafts_(folder) {}
+          drafts_(drafts) {}
 
     Products Write() {
         Try([&] { WriteWorldFiles(); });
@@ -61,8 +58,7 @@ class Writer {
 
     void DraftMosaic() {
         if (!job_.vrt || tiles_.empty()) return;
-        const Point cell = layer_.MeanCellSize();
-        const std::string text = MosaicText(folder_, tiles_, layer_.SpatialReference(), cell.X, cell.Y);
+        const std::string text = MosaicText(folder_, tiles_, layer_.wkt, layer_.cell.X, layer_.cell.Y);
         drafts_.Add("mosaic", ".vrt", text);
     }
 
@@ -72,32 +68,39 @@ class Writer {
     }
 
     void PublishAll() {
-        const ReferenceSystem system = NameReferenceSystem(layer_.Dataset().GetSpatialRef());
-        if (!system.notice.empty()) products_.notices.push_back(system.notice);
-        products_.index = drafts_.Publish("tiles", ".geojson", [&](const std::vector<std::string>& names) {
+        if (!layer_.system.notice.empty()) products_.notices.push_back(layer_.system.notice);
+        products_.index = drafts_.Publish([&](const std::vector<std::string>& names) {
             std::vector<std::string> companions = companions_;
             companions.insert(companions.end(), names.begin(), names.end());
-            return IndexText(tiles_, system.name, companions);
+            return IndexText(tiles_, layer_.system.name, companions);
         });
+        const auto& errors = drafts_.Errors();
+        products_.errors.insert(products_.errors.end(), errors.begin(), errors.end());
         products_.vrt = drafts_.PathOf("mosaic");
         products_.preview = drafts_.PathOf("index");
     }
 
     const RasterJob& job_;
-    gdal::RasterLayer& layer_;
+    const LayerFacts& layer_;
     const std::string& folder_;
     const std::vector<PlacedTile>& tiles_;
     std::vector<std::string> companions_;
-    DraftSet drafts_;
+    DraftSet& drafts_;
     Products products_;
 };
 
 }  // namespace
 
-Products WriteProducts(const RasterJob& job, gdal::RasterLayer& layer, const std::string& folder,
-                       const std::vector<PlacedTile>& tiles, const std::vector<std::string>& leftovers) {
+LayerFacts::LayerFacts(gdal::RasterLayer& layer)
+    : system(NameReferenceSystem(layer.Dataset().GetSpatialRef())),
+      wkt(layer.SpatialReference()),
+      cell(layer.MeanCellSize()) {}
+
+Products WriteProducts(const RasterJob& job, const LayerFacts& layer, const std::string& folder,
+                       const std::vector<PlacedTile>& tiles, const std::vector<std::string>& leftovers,
+                       DraftSet& drafts) {
     if (tiles.empty() && leftovers.empty()) return {};
-    return Writer(job, layer, folder, tiles, leftovers).Write();
+    return Writer(job, layer, folder, tiles, leftovers, drafts).Write();
 }
 
 }  // namespace orvo::tiling

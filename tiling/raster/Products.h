@@ -6,6 +6,8 @@
 
 #include "platform/gdal/RasterLayer.h"
 #include "tiling/output/PlacedTile.h"
+#include "tiling/output/Publish.h"
+#include "tiling/output/ReferenceSystem.h"
 #include "tiling/raster/RasterJob.h"
 
 namespace orvo::tiling {
@@ -19,11 +21,21 @@ struct Products {
     std::vector<std::string> errors;
 };
 
+/// What products say of the layer: known from the start, for the source may be gone at the end.
+struct LayerFacts {
+    explicit LayerFacts(gdal::RasterLayer& layer);
+
+    ReferenceSystem system;
+    std::string wkt;  ///< of the coordinate system; empty where it is not known
+    Point cell;       ///< its size in map units
+};
+
 /// Writes world files, mosaic, page and index. Index, mosaic and page get their usual names, or the same
 /// number in all three where one of them is taken. Nothing is written where there are neither tiles nor
 /// leftovers.
 /// @param leftovers names of other files in the folder that go when the index goes
-Products WriteProducts(const RasterJob& job, gdal::RasterLayer& layer, const std::string& folder,
-                       const std::vector<PlacedTile>& tiles, const std::vector<std::string>& leftovers);
+Products WriteProducts(const RasterJob& job, const LayerFacts& layer, const std::string& folder,
+                       const std::vector<PlacedTile>& tiles, const std::vector<std::string>& leftovers,
+                       DraftSet& drafts);
 
 }  // namespace orvo::tiling

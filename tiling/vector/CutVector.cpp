@@ -1,6 +1,7 @@
 // A vector run, from the opened layer to the summary.
 #include <ogr_feature.h>
 
+#include <filesystem>
 #include <memory>
 
 #include "platform/FailureInFlight.h"
@@ -57,7 +58,7 @@ class VectorRun {
     VectorSummary Run() {
         layer_ = OpenLayer(job_);
         OutputFolder folder(job_.outdir);
-        folder.CheckEarlier(job_.overwrite, {job_.input});
+        folder.CheckEarlier(job_.overwrite, layer_->Files());
         grid_ = std::make_unique<VectorGrid>(layer_, job_.sizes, job_.prefix);
         summary_.input = job_.input;
         summary_.layer = layer_->Name();
@@ -69,9 +70,11 @@ class VectorRun {
             Cut(folder.Path());
             AddProducts(folder.Path());
         } catch (...) {
+            drafts_.reset();
             folder.RemoveIfUnused();
             throw;
         }
+        drafts_.reset();
         folder.RemoveIfUnused();
         summary_.shown = watched_.Shown();
         summary_.interrupted = callbacks_.interrupted();
@@ -139,14 +142,22 @@ class VectorRun {
 
     void WriteTiles(const WorkFolder& work, const std::string& folder, TwoPhaseProgress& progress) {
         const auto counts = spool_->Counts();
+        summary_.occupied = static_cast<std::int64_t>(counts.size() - counts.count(kSkippedRecords));
+        Try([&] { ReserveIndex(folder); });
+        if (!drafts_) return;
         std::int64_t done = 0;
         for (const auto& [number, pieces] : counts) {
             if (number == kSkippedRecords) continue;
-            ++summary_.occupied;
             if (callbacks_.interrupted()) continue;
             WriteTile(work, folder, number, pieces);
             progress.Reach(TwoPhaseProgress::kWriting, ++done, static_cast<std::int64_t>(counts.size()));
         }
+    }
+
+    void ReserveIndex(const std::string& folder) {
+        constexpr std::size_t kFiles = 8, kName = 24;  // at most, of one tile
+        drafts_ = std::make_unique<DraftSet>(
+            folder, IndexRoom(summary_.occupied, system_, kFiles * (job_.prefix.size() + kName)));
     }
 
     void WriteTile(const WorkFolder& work, const std::string& folder, std::int64_t number,
@@ -165,11 +176,10 @@ class VectorRun {
             summary_.failures.push_back({id, work.WithoutPath(FailureInFlight().Description())});
             return;
         }
-        ++summary_.written;
-        summary_.pieces += pieces;
         const geos::Bounds b = grid_->BoundsOf(column, row);
         const Rectangle place{b.xMin, b.yMin, b.xMax, b.yMax};
         tiles_.push_back({name, column, row, place, place, 0, 0, id});
+        pieces_.emplace(name, pieces);
     }
 
     template <class Step>
@@ -182,20 +192,35 @@ class VectorRun {
     }
 
     void AddProducts(const std::string& folder) {
-        if (tiles_.empty() && summary_.Skipped() == 0) return;
-        drafts_ = std::make_unique<DraftSet>(folder);
+        CountTiles(folder);
+        if (!drafts_ || (tiles_.empty() && summary_.Skipped() == 0)) return;
         Try([&] { AddSkipped(folder); });
         Try([&] { AddPage(); });
         Try([&] {
-            summary_.index =
-                drafts_->Publish("tiles", ".geojson", [&](const std::vector<std::string>& names) {
-                    std::vector<std::string> companions = companions_;
-                    companions.insert(companions.end(), names.begin(), names.end());
-                    return IndexText(tiles_, system_, companions);
-                });
+            summary_.index = drafts_->Publish([&](const std::vector<std::string>& names) {
+                std::vector<std::string> companions = companions_;
+                companions.insert(companions.end(), names.begin(), names.end());
+                return IndexText(tiles_, system_, companions);
+            });
         });
+        const auto& errors = drafts_->Errors();
+        summary_.errors.insert(summary_.errors.end(), errors.begin(), errors.end());
         summary_.skippedFile = drafts_->PathOf("skipped");
         summary_.preview = drafts_->PathOf("index");
+    }
+
+    /// Counts the tiles, but for those that somebody has removed.
+    void CountTiles(const std::string& folder) {
+        std::erase_if(tiles_, [&](const PlacedTile& tile) {
+            std::error_code missing;
+            if (std::filesystem::is_regular_file(folder + "/" + tile.name, missing)) {
+                ++summary_.written;
+                summary_.pieces += pieces_.at(tile.name);
+                return false;
+            }
+            summary_.failures.push_back({tile.id, "the tile " + tile.name + " has vanished"});
+            return true;
+        });
     }
 
     void AddSkipped(const std::string& folder) {
@@ -221,6 +246,7 @@ class VectorRun {
     std::unique_ptr<TileSpool> spool_;
     std::unique_ptr<DraftSet> drafts_;
     std::vector<PlacedTile> tiles_;
+    std::map<std::string, std::int64_t> pieces_;  ///< by a tile's name
     std::vector<std::string> companions_;
     VectorSummary summary_;
     std::unique_ptr<VectorSketch> sketch_;

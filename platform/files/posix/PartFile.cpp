@@ -41,11 +41,21 @@ PartFile::PartFile(const std::filesystem::path& folder, const std::string& exten
     ::close(file);
 }
 
+std::error_code PartFile::Reserve(std::uintmax_t bytes) const {
+    const int file = ::open(path_.c_str(), O_WRONLY | O_CLOEXEC);
+    if (file < 0) return LastError();
+    errno = ::posix_fallocate(file, 0, static_cast<off_t>(bytes));
+    std::error_code failed = errno == 0 || errno == EOPNOTSUPP ? std::error_code() : LastError();
+    ::close(file);
+    return failed;
+}
+
 std::error_code PartFile::Write(std::string_view bytes) const {
-    std::FILE* const file = std::fopen(path_.c_str(), "wbe");
+    std::FILE* const file = std::fopen(path_.c_str(), "r+be");
     if (file == nullptr) return LastError();
     std::error_code failed;
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size() || std::fflush(file) != 0)
+    if (std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size() || std::fflush(file) != 0 ||
+        ::ftruncate(::fileno(file), static_cast<off_t>(bytes.size())) != 0)
         failed = LastError();
     if (std::fclose(file) != 0 && !failed) failed = LastError();
     return failed;

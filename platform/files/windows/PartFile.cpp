@@ -43,6 +43,11 @@ PartFile::PartFile(const std::filesystem::path& folder, const std::string& exten
     ::CloseHandle(file);
 }
 
+/// Whoever needs the room keeps to a system that promises it.
+std::error_code PartFile::Reserve(std::uintmax_t /*bytes*/) const {
+    return {};
+}
+
 std::error_code PartFile::Write(std::string_view bytes) const {
     const HANDLE file = Open(path_, TRUNCATE_EXISTING);
     if (file == INVALID_HANDLE_VALUE) return LastError();
