@@ -365,6 +365,53 @@ class UsageTest(VectorTest):
                 ("null.gpkg", 1, "null.gpkg", "geometry"), ("plain.gpkg", 1, "plain.gpkg", "no geometries"),
                 ("map.tif", 1, "orvo-tile raster"), ("text.txt", 1, "text.txt"), ("empty.shp", 1, "empty.shp")):
             self.refuse("vector", name, "out", size, code, words)
+        os.mkfifo(self.path("pipe"))
+        for name in ("pipe", "", "CSV:pipe", "/vsigzip/" + self.path("pipe"), "/vsistdin/"):
+            for command, options in (("vector", size), ("raster", ["--tile-size", "5"])):
+                self.refuse(command, name, "out", options, 2, ["INPUT", name])
+
+    def test_overwrite_removes_nothing_that_the_source_is_read_from(self):
+        source = write_layer(self.path("map.gpkg"), [square(1, 1), square(8, 8)])
+        layer = '<OGRVRTLayer name="grp0"><SrcDataSource relativeToVRT="%d">%s</SrcDataSource></OGRVRTLayer>'
+        virtual = f"<OGRVRTDataSource>{layer}</OGRVRTDataSource>"
+        self.write("one.vrt", virtual % (0, self.path("gpkg/grp0.gpkg")))
+        union = f'<OGRVRTUnionLayer name="all">{layer}</OGRVRTUnionLayer>' % (1, "one.vrt")
+        self.write("union.vrt", f"<OGRVRTDataSource>{union}</OGRVRTDataSource>")
+        os.symlink("gpkg/grp0.gpkg", self.path("link.gpkg"))
+        for name in ("gpkg", "shp"):
+            self.cut(source, name, "--columns", 2, "--rows", 2, "--format", name)
+        os.link(self.path("gpkg/grp0.gpkg"), self.path("hard.gpkg"))
+        for out, *names in (("gpkg", "gpkg/grp0.gpkg", "GPKG:gpkg/grp0.gpkg:grp0", "gpkg/tiles.geojson", "link.gpkg",
+                             "hard.gpkg", "one.vrt", "union.vrt", virtual % (0, "gpkg/grp0.gpkg"),
+                             "/vsisubfile/0_9999999,gpkg/grp0.gpkg"), ("shp", "shp/grp0.dbf", "shp")):
+            before = sorted(os.listdir(self.path(out)))
+            for name in names:
+                done = self.run_tile("vector", name, out, "--columns", 1, "--rows", 1, "--overwrite",
+                                     *(["--layer", "grp0"] if name == "shp" else []))
+                self.assertEqual((done.returncode, "source" in done.stderr), (2, True), (name, done.stderr))
+                self.assertEqual(sorted(os.listdir(self.path(out))), before, name)
+
+    def test_one_run_at_a_time_removes_what_earlier_ones_left(self):
+        source = write_layer(self.path("map.gpkg"), blobs(7, 300, 3), kind=ogr.wkbPolygon)
+        run = ["vector", source, "out", "--columns", "20", "--rows", "20"]
+        self.cut(*run[1:])
+        for name in (".orvo-tile-1-2.geojson", ".i101112_1.reserved"):
+            self.write("out/" + name, "left by a run that was killed")
+        for name in (".orvo-tile-AbC123", ".convert-AbC123"):
+            os.mkdir(self.path("out", name))
+            self.write(f"out/{name}/grp0.gpkg", "likewise")
+        processes = [self.start(*run, "--overwrite") for _ in range(6)]
+        ends = [process.communicate() and process.returncode for process in processes]
+        self.assertLessEqual(set(ends), {0, 2})
+        self.assertIn(0, ends)
+        tiles = []
+        for name in os.listdir(self.path("out")):
+            self.assertFalse(name.startswith("."), name)
+            if name.startswith("tiles"):
+                index = json.loads(self.read("out/" + name))
+                tiles += [feature["properties"]["location"] for feature in index["features"]]
+        self.assertEqual(len(tiles), len(set(tiles)))
+        self.assertEqual({name for name in os.listdir(self.path("out")) if name.startswith("grp")}, set(tiles))
 
     def test_nothing_of_others_is_overwritten(self):
         source = write_layer(self.path("map.gpkg"), [square(1, 1), square(8, 8)])
