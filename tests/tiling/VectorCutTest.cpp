@@ -8,6 +8,7 @@
 #include "platform/linux/Platform.h"
 #include "tiling/vector/GeometryCutter.h"
 #include "tiling/vector/TileSpool.h"
+#include "tiling/vector/geometry/WorkLimit.h"
 
 namespace orvo::tiling {
 namespace {
@@ -67,6 +68,44 @@ TEST_F(VectorCutTest, PiecesAreThoseOfClipAndAddUp) {
         EXPECT_GE(sum, measure - 1e-7);
         EXPECT_LE(sum, measure * (dimension < 2 && onEdges ? 4 : 1) + 1e-7);
     }
+}
+
+/// A border of so many corners anywhere on the grid, so that each edge crosses most of the others.
+std::string Scribble(Random& random, int corners) {
+    std::string text, first;
+    for (int n = 0; n < corners; ++n) {
+        std::string corner =
+            std::to_string(random.Number(0, 100)) + ' ' + std::to_string(random.Number(0, 100));
+        if (first.empty()) first = corner;
+        text += corner + ", ";
+    }
+    return "POLYGON ((" + text + first + "))";
+}
+
+TEST_F(VectorCutTest, BordersThatCrossThemselvesThicklyAreMendedOrRefused) {
+    Random random;
+    SCOPED_TRACE(random.Seed());
+    VectorGrid grid(std::make_shared<Layer>(Bounds{0, 0, 100, 100}), TileSizes{0, 0, 4, 4}, "");
+    double sum = 0;
+    GeometryCutter cutter(grid, false, [&](Long, Long, const Geometry& piece) {
+        const geos::Handle found = Reread(piece);
+        EXPECT_EQ(GEOSisValid_r(geos::GeosContext(), found.get()), 1);
+        sum += Measure(*found, 2);
+    });
+    for (const int corners : {4, 5, 7, 12, 30, 30, 80}) {
+        const std::string wkt = Scribble(random, corners);
+        const geos::Handle mended(GEOSMakeValid_r(geos::GeosContext(), FromText(wkt).get()));
+        sum = 0;
+        cutter.Cut(Read(wkt));
+        EXPECT_NEAR(sum, Measure(*mended, 2), 1e-6) << wkt;
+        EXPECT_EQ(cutter.Refusal(), "");
+    }
+    cutter.Cut(Read(Scribble(random, 1500)));
+    EXPECT_NE(cutter.Refusal().find("crosses itself more than"), std::string::npos) << cutter.Refusal();
+    int asked = 0;
+    const geos::WorkLimit limit([&] { return ++asked > 50; });
+    EXPECT_THROW(cutter.Cut(Read(Scribble(random, 700))), RuntimeError);
+    EXPECT_EQ(cutter.Placed(), 0U);
 }
 
 TEST_F(VectorCutTest, GridsByCountsAndSizesCoverTheLayerWithoutGaps) {

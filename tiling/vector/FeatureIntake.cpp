@@ -5,6 +5,7 @@
 #include "platform/RuntimeError.h"
 #include "platform/gdal/Attributes.h"
 #include "platform/gdal/FeatureParts.h"
+#include "tiling/vector/geometry/WorkLimit.h"
 
 namespace orvo::tiling {
 namespace {
@@ -29,6 +30,7 @@ FeatureIntake::FeatureIntake(gdal::VectorLayer& layer, VectorGrid& grid, bool st
 void FeatureIntake::Read(const std::function<bool()>& interrupted,
                          const std::function<void(std::int64_t features)>& tick) {
     layer_.Rewind();
+    const geos::WorkLimit limit(interrupted);
     try {
         while (!interrupted()) {
             const auto feature = layer_.Next();
@@ -78,6 +80,7 @@ void FeatureIntake::CutPart(const std::vector<unsigned char>& wkb) {
     const std::int64_t coveredBefore = cutter_.CoveredLeftOut();
     try {
         cutter_.Cut(last_);
+        if (!cutter_.Refusal().empty()) failure_ = cutter_.Refusal();
     } catch (const RuntimeError& error) {
         failure_ = error.Description();
     }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -27,6 +28,9 @@ class GeometryCutter {
     /// `Clip` gives it. Fails as the geometry does. @return the number of pieces
     std::size_t Cut(const std::shared_ptr<geos::Geometry>& geometry);
 
+    /// Why a part of the last geometry stands nowhere: its border cannot be mended; empty where nothing was
+    /// lost.
+    const std::string& Refusal() const { return refusal_; }
     /// Pieces of the last geometry that the sink has got; also after a failure.
     std::size_t Placed() const { return placed_.size(); }
     /// Tiles that got nothing from an area that covers them, so far.
@@ -35,6 +39,7 @@ class GeometryCutter {
   private:
     using Numbers = std::pair<Long, Long>;
 
+    void CutAtTiles(const std::shared_ptr<geos::Geometry>& geometry);
     void CutAtTile(Long column, Long row, const std::shared_ptr<geos::Geometry>& around);
     void AddSections(const geos::Shape& line);
     void Give(Long column, Long row, const geos::Geometry& piece);
@@ -42,7 +47,9 @@ class GeometryCutter {
     VectorGrid& grid_;
     bool strict_;
     PieceSink sink_;
-    std::vector<Numbers> placed_;  ///< tiles that got a piece of the current geometry
+    std::vector<Numbers> placed_;   ///< tiles that got a piece of the current geometry
+    std::vector<Numbers> leftOut_;  ///< tiles that it covers, and that got nothing from it
+    std::string refusal_;
     std::int64_t coveredLeftOut_ = 0;
 };
 

@@ -6,7 +6,7 @@
 
 namespace orvo::geos {
 
-Shape Clip(const Shape& shape, const Bounds& rectangle, const Shape& whole) {
+Shape Clip(const Shape& shape, const Bounds& rectangle, const Shape& whole, Mending& mending) {
     if (shape.type == GeometryType::Other)
         throw RuntimeError(Fault::PropertyNotSupported, "clipping a geometry that is no point, line or area");
     if (rectangle.IsEmpty() || !shape.Extent().Meets(rectangle)) return shape.EmptyCopy();
@@ -16,7 +16,7 @@ Shape Clip(const Shape& shape, const Bounds& rectangle, const Shape& whole) {
     }
     switch (shape.type) {
         case GeometryType::Polygon:
-            return ClipAreas(shape, rectangle, whole);
+            return ClipAreas(shape, rectangle, whole, mending);
         case GeometryType::Polyline:
             return CutLines(shape, rectangle);
         default:

@@ -1,6 +1,7 @@
 // Shapes cut to a rectangle, whatever their kind and however they lie.
 #pragma once
 
+#include "tiling/vector/geometry/Mend.h"
 #include "tiling/vector/geometry/Shape.h"
 
 namespace orvo::geos {
@@ -14,6 +15,7 @@ namespace orvo::geos {
 /// repaired on the way (even-odd rule). What the rectangle holds as a whole stays as it is, valid or not.
 /// Fails with number 440 where the library does.
 /// @param whole what `shape` has been reduced from, or itself
-Shape Clip(const Shape& shape, const Bounds& rectangle, const Shape& whole);
+/// @param mending of the whole. Where it refuses, or a part of it cannot be mended, the result is empty.
+Shape Clip(const Shape& shape, const Bounds& rectangle, const Shape& whole, Mending& mending);
 
 }  // namespace orvo::geos

@@ -5,6 +5,7 @@
 #include <numbers>
 #include <optional>
 
+#include "platform/RuntimeError.h"
 #include "tiling/vector/geometry/Convert.h"
 #include "tiling/vector/geometry/Heights.h"
 #include "tiling/vector/geometry/Relations.h"
@@ -15,10 +16,6 @@ namespace {
 
 bool IsValid(const GEOSGeometry& geometry) {
     return Answer(GEOSisValid_r(GeosContext(), &geometry));
-}
-
-Handle MadeValid(const GEOSGeometry& geometry) {
-    return Owned(GEOSMakeValid_r(GeosContext(), &geometry));
 }
 
 /// The same areas with each vertex changed.
@@ -152,8 +149,9 @@ std::optional<Clipped> ClippedByLibrary(const Shape& shape, const Bounds& r, con
     return clipped || &shape == &whole ? std::move(clipped) : ClippedByLibrary(whole, r);
 }
 
-/// The neighbourhood of the rectangle, cut somewhere around it where nothing is in doubt; else the whole
-/// shape. Unlike in width and height, so that a slanted border through a corner misses the new corners.
+/// The neighbourhood of the rectangle, cut somewhere around it where nothing is in doubt; null where there is
+/// doubt everywhere. Unlike in width and height, so that a slanted border through a corner misses the new
+/// corners.
 Handle Neighbourhood(const Shape& shape, const Bounds& r, const Shape& whole) {
     constexpr struct {
         double x, y;
@@ -162,35 +160,56 @@ Handle Neighbourhood(const Shape& shape, const Bounds& r, const Shape& whole) {
         const Bounds around = r.GrownBy(margin.x * (r.xMax - r.xMin), margin.y * (r.yMax - r.yMin));
         if (auto clipped = ClippedByLibrary(shape, around, whole)) return std::move(clipped->geometry);
     }
-    return ToGeos(shape);
+    return nullptr;
 }
 
-Shape CutByOverlay(const Shape& shape, const Bounds& r, const Shape& whole) {
-    Handle area = Neighbourhood(shape, r, whole);
-    if (!IsValid(*area)) area = MadeValid(*area);
-    Shape cut = FromGeos(*Owned(GEOSIntersection_r(GeosContext(), area.get(), ToGeos(r).get())), shape);
+/// What an overlay gives of valid areas.
+Shape CutByOverlay(const GEOSGeometry& areas, const Bounds& r, const Shape& like) {
+    Shape cut = FromGeos(*Owned(GEOSIntersection_r(GeosContext(), &areas, ToGeos(r).get())), like);
     if (!cut.IsEmpty() && !r.Holds(cut.Extent())) {
-        const Handle moved = ToGeos(WithVertices(cut, [&](Coordinate& c) {
+        Shape moved = WithVertices(cut, [&](Coordinate& c) {
             c = {std::clamp(c.x, r.xMin, r.xMax), std::clamp(c.y, r.yMin, r.yMax)};
-        }));
-        cut = FromGeos(IsValid(*moved) ? *moved : *MadeValid(*moved), shape);
+        });
+        cut = IsValid(*ToGeos(moved)) ? std::move(moved) : Mended(moved);
     }
     return WithVertices(cut, [](Coordinate& c) { c = {c.x, c.y}; });  // the library guesses at heights
 }
 
+Shape CutMended(const Shape& mended, const Bounds& r) {
+    if (Covers(mended, r)) return RectangleLike(mended, r);
+    auto clipped = ClippedByLibrary(mended, r);
+    if (clipped && IsValid(*clipped->geometry)) return std::move(clipped->shape);
+    return CutByOverlay(*ToGeos(mended), r, mended);
+}
+
+/// Mends no more than it must: what lies around the rectangle, or the whole, once for all rectangles.
+Shape CutDoubtful(const Shape& shape, const Bounds& r, const Shape& whole, Mending& mending) {
+    if (const Handle around = mending.Made() ? nullptr : Neighbourhood(shape, r, whole)) {
+        if (IsValid(*around)) return CutByOverlay(*around, r, shape);
+        try {
+            return CutMended(Mended(FromGeos(*around, shape)), r);
+        } catch (const RuntimeError& failure) {
+            mending.Refuse(failure.Description());
+            return shape.EmptyCopy();
+        }
+    }
+    const auto mended = mending.Of(whole);
+    return mended ? CutMended(*mended, r) : shape.EmptyCopy();
+}
+
 /// With heights where they are those of vertices and crossings.
-Shape Cut(const Shape& shape, const Bounds& r, const Shape& whole) {
+Shape Cut(const Shape& shape, const Bounds& r, const Shape& whole, Mending& mending) {
     if (Covers(shape, r)) return RectangleLike(shape, r);
     auto clipped = ClippedByLibrary(shape, r, whole);
     if (clipped && IsValid(*clipped->geometry)) return std::move(clipped->shape);
-    return CutByOverlay(shape, r, whole);
+    return CutDoubtful(shape, r, whole, mending);
 }
 
 }  // namespace
 
-Shape ClipAreas(const Shape& shape, const Bounds& r, const Shape& whole) {
+Shape ClipAreas(const Shape& shape, const Bounds& r, const Shape& whole, Mending& mending) {
     if (!r.HasArea()) return shape.EmptyCopy();
-    Shape cut = Cut(shape, r, whole);
+    Shape cut = Cut(shape, r, whole, mending);
     for (std::size_t area = 0; area < cut.AreaCount(); ++area)
         for (std::size_t n = cut.AreaBegin(area); n < cut.AreaEnd(area); ++n)
             if ((AreaWithin(cut.PathAt(n), r) > 0) != (n == cut.AreaBegin(area))) cut.ReversePath(n);

@@ -54,6 +54,11 @@ std::shared_ptr<Geometry> Geometry::ReducedTo(const Bounds& range) const {
     return Make(std::move(state));
 }
 
+std::shared_ptr<Geometry> Geometry::Mended() const {
+    const auto& mended = state_.mending->Made();
+    return mended ? Make({mended, mended, nullptr}) : nullptr;
+}
+
 bool Geometry::Covers(const Bounds& rectangle) const {
     return geos::Covers(*state_.shape, rectangle);
 }
@@ -78,7 +83,8 @@ void Geometry::Clip(const std::shared_ptr<IEnvelope>& clipEnvelope) {
     const Bounds rectangle = Bounds::Of(Object(clipEnvelope));
     const bool isHeld = !rectangle.IsEmpty() && rectangle.HasArea() && rectangle.Holds(Extent());
     if (isHeld && state_.shape->type != GeometryType::Other) return;
-    auto cut = std::make_shared<const Shape>(geos::Clip(*state_.shape, rectangle, *state_.whole));
+    auto cut =
+        std::make_shared<const Shape>(geos::Clip(*state_.shape, rectangle, *state_.whole, *state_.mending));
     state_ = {cut, cut, nullptr};
 }
 

@@ -4,9 +4,11 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "platform/Vector.h"
+#include "tiling/vector/geometry/Mend.h"
 #include "tiling/vector/geometry/Shape.h"
 
 namespace orvo::geos {
@@ -32,6 +34,12 @@ class Geometry : public IGeometry, public IClone, public IRelationalOperator, pu
     /// one is, only sooner. Its own form outside the range means nothing.
     std::shared_ptr<Geometry> ReducedTo(const Bounds& range) const;
 
+    /// An area whose border crosses itself so that cuts were in doubt, mended; null while none was. Copies
+    /// and thinned out forms share it.
+    std::shared_ptr<Geometry> Mended() const;
+    /// Why a cut is empty that should not be: the border cannot be mended. Empty where nothing was lost.
+    const std::string& Refusal() const { return state_.mending->Refusal(); }
+
     /// Whether an area holds the whole rectangle. Where it does, the rectangle itself is the cut, though the
     /// predicates know of no relation unless the two are equal.
     bool Covers(const Bounds& rectangle) const;
@@ -51,7 +59,8 @@ class Geometry : public IGeometry, public IClone, public IRelationalOperator, pu
     struct State {
         std::shared_ptr<const Shape> shape;
         std::shared_ptr<const Shape> whole;  ///< before it was thinned out; else the same
-        std::shared_ptr<const std::vector<unsigned char>> bytes;  ///< of type `Other` only
+        std::shared_ptr<const std::vector<unsigned char>> bytes;               ///< of type `Other` only
+        std::shared_ptr<Mending> mending = std::make_shared<geos::Mending>();  ///< of the whole
     };
     explicit Geometry(State state) : state_(std::move(state)) {}
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/RuntimeError.h"
+#include "tiling/vector/geometry/WorkLimit.h"
 
 namespace orvo::geos {
 namespace {
@@ -55,6 +56,7 @@ void Check(int done) {
 }
 
 void FailAsGeosDid() {
+    WorkLimit::Require();
     const std::string text = Context::Current().TakeComplaint();
     throw RuntimeError(Fault::AutomationError,
                        "the geometry library failed: " + (text.empty() ? "no reason given" : text));

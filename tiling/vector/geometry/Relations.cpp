@@ -65,13 +65,6 @@ Finding LiesOnBothSides(const Shape& shape, const Bounds& r) {
     return std::ranges::any_of(shape.Points(), isInside) ? Finding::Yes : Finding::No;
 }
 
-/// Whether a place off the borders lies in the areas.
-bool HoldsEvenOdd(const Shape& shape, const Coordinate& c) {
-    bool holds = false;
-    for (std::size_t n = 0; n < shape.PathCount(); ++n) holds = holds != IsInRing(c, shape.PathAt(n));
-    return holds;
-}
-
 /// No point in common, or nothing there at all.
 bool IsApart(const Shape& shape, const Bounds& rectangle) {
     return shape.IsEmpty() || rectangle.IsEmpty() || !shape.Extent().Meets(rectangle);

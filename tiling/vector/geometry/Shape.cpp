@@ -75,4 +75,10 @@ bool IsInRing(const Coordinate& c, Shape::Path ring) {
     return inside;
 }
 
+bool HoldsEvenOdd(const Shape& shape, const Coordinate& c) {
+    bool holds = false;
+    for (std::size_t n = 0; n < shape.PathCount(); ++n) holds = holds != IsInRing(c, shape.PathAt(n));
+    return holds;
+}
+
 }  // namespace orvo::geos

@@ -108,5 +108,7 @@ class Shape {
 
 /// Whether a place off the ring lies inside it, by the even-odd rule.
 bool IsInRing(const Coordinate& c, Shape::Path ring);
+/// Whether a place off the borders lies in the areas, by the even-odd rule.
+bool HoldsEvenOdd(const Shape& shape, const Coordinate& c);
 
 }  // namespace orvo::geos
