@@ -18,22 +18,6 @@ bool IsValid(const GEOSGeometry& geometry) {
     return Answer(GEOSisValid_r(GeosContext(), &geometry));
 }
 
-/// The same areas with each vertex changed.
-template <class Change>
-Shape WithVertices(const Shape& shape, Change&& change) {
-    Shape result = shape.EmptyCopy();
-    std::vector<Coordinate> ring;
-    for (std::size_t area = 0; area < shape.AreaCount(); ++area) {
-        for (std::size_t n = shape.AreaBegin(area); n < shape.AreaEnd(area); ++n) {
-            ring.assign(shape.PathAt(n).begin(), shape.PathAt(n).end());
-            std::ranges::for_each(ring, change);
-            result.AddPath(ring);
-        }
-        result.EndArea();
-    }
-    return result;
-}
-
 Shape RectangleLike(const Shape& shape, const Bounds& r) {
     const Coordinate corners[] = {
         {r.xMin, r.yMin}, {r.xMax, r.yMin}, {r.xMax, r.yMax}, {r.xMin, r.yMax}, {r.xMin, r.yMin}};

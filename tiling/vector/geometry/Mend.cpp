@@ -96,15 +96,16 @@ Shape Mended(const Shape& shape) {
     // Faces have a border in common where two rings, or one twice, run along the same line.
     if (!Answer(GEOSisValid_r(GeosContext(), areas.get())))
         areas = Owned(GEOSUnaryUnion_r(GeosContext(), areas.get()));
-    Shape mended = FromGeos(*areas, shape);
+    Shape mended = WithVertices(FromGeos(*areas, shape), [](Coordinate& c) { c = {c.x, c.y}; });
     mended.isMulti = mended.isMulti || mended.AreaCount() > 1;
-    return shape.hasZ ? WithHeightsOf(shape, mended) : mended;
+    return mended;
 }
 
 std::shared_ptr<const Shape> Mending::Of(const Shape& whole) {
     if (mended_ || !refusal_.empty()) return mended_;
     try {
-        mended_ = std::make_shared<const Shape>(Mended(whole));
+        const Shape flat = Mended(whole);
+        mended_ = std::make_shared<const Shape>(whole.hasZ ? WithHeightsOf(whole, flat) : flat);
     } catch (const RuntimeError& failure) {
         refusal_ = failure.Description();
     }

@@ -8,13 +8,12 @@
 
 namespace orvo::geos {
 
-/// The same areas by the even-odd rule, with borders that meet in points only, and with the heights of
-/// `shape`. A crossing takes about 4 kB and 40 µs while this works. Fails with number 440 where the border
-/// crosses itself more than 100 000 times, where the work takes longer than 60 seconds, or where it is
-/// stopped (WorkLimit).
+/// The same areas by the even-odd rule, with borders that meet in points only; no vertex has a height. While
+/// this works, a crossing takes about 4 kB and 40 µs. Fails with number 440 where the border crosses itself
+/// more than 100 000 times, where the work takes longer than 60 seconds, or where it is stopped (WorkLimit).
 Shape Mended(const Shape& shape);
 
-/// The mended form of a geometry, shared among its copies and made once.
+/// The mended form of a geometry, with its heights, shared among its copies and made once.
 class Mending {
   public:
     /// Null where it could not be made.

@@ -1,6 +1,7 @@
 // A geometry as plain coordinates, the form in which it is read, related and cut.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -110,5 +111,21 @@ class Shape {
 bool IsInRing(const Coordinate& c, Shape::Path ring);
 /// Whether a place off the borders lies in the areas, by the even-odd rule.
 bool HoldsEvenOdd(const Shape& shape, const Coordinate& c);
+
+/// The same areas with each vertex changed.
+template <class Change>
+Shape WithVertices(const Shape& shape, Change&& change) {
+    Shape result = shape.EmptyCopy();
+    std::vector<Coordinate> ring;
+    for (std::size_t area = 0; area < shape.AreaCount(); ++area) {
+        for (std::size_t n = shape.AreaBegin(area); n < shape.AreaEnd(area); ++n) {
+            ring.assign(shape.PathAt(n).begin(), shape.PathAt(n).end());
+            std::ranges::for_each(ring, change);
+            result.AddPath(ring);
+        }
+        result.EndArea();
+    }
+    return result;
+}
 
 }  // namespace orvo::geos
