@@ -163,10 +163,8 @@ class GdalTest : public testing::Test {
                                     double bottom) {
         const auto& t = layer.GeoTransform();
         memory::Envelope box;
-        box.XMin(t[0] + left * t[1]);
-        box.XMax(t[0] + right * t[1]);
-        box.YMin(t[3] + bottom * t[5]);
-        box.YMax(t[3] + top * t[5]);
+        box.XMin(t[0] + left * t[1]), box.XMax(t[0] + right * t[1]);
+        box.YMin(t[3] + bottom * t[5]), box.YMax(t[3] + top * t[5]);
         return box;
     }
     /// Exports whole cells; returns the file written.

@@ -114,34 +114,4 @@ TEST(ByName, AFailingCallTellsNumberTextAndSource) {
     EXPECT_THAT(report, testing::AllOf(testing::HasSubstr("91"), testing::HasSubstr("TileWidth [LET]")));
 }
 
-/// A status object that fails: the host's own number stands in the report, and the job goes on.
-TEST(ByName, AFailingStatusObjectDoesNotEndTheJob) {
-    const Ref<IDispatch> image(L"Orvo_Tile.clsTileImage");
-    int shown = 0;
-    const _variant_t sink =
-        Host({{L"ShowProgress", [&](const orvo::windows::Arguments&) -> orvo::windows::Value {
-                   ++shown;
-                   throw orvo::RuntimeError(1001, "the display is gone");
-               }}});
-    const _variant_t layer = NewRasterLayer(L"C:\\windows\\win.ini");
-    Put(image, L"StatusObject", sink, DISPATCH_PROPERTYPUTREF);
-    Put(image, L"SavePath", TempFolder().c_str());
-    for (const wchar_t* policy : {L"next", L"leave"}) {
-        SetEnvironmentVariableW(L"ORVO_TILE_ON_ERROR", policy);
-        shown = 0;
-        const std::string report = Reported([&] {
-            Call(image, L"ImageLayer", {layer});
-            Put(image, L"TileWidth", 3);
-            Put(image, L"TileHeight", 2);
-            EXPECT_TRUE(Call(image, L"Tile").Is(true));
-        });
-        EXPECT_THAT(report,
-                    testing::AllOf(testing::HasSubstr("1001"), testing::HasSubstr("CreateMessageText")));
-        EXPECT_GE(shown, 6) << "the start, the end, each of the four tiles";
-    }
-    Put(image, L"StatusObject", static_cast<IDispatch*>(nullptr), DISPATCH_PROPERTYPUTREF);
-    Call(image, L"ImageLayer", {static_cast<IDispatch*>(nullptr)});
-    EXPECT_EQ(std::pair(References(sink.pdispVal), References(layer.pdispVal)), std::pair(1UL, 1UL));
-}
-
 }  // namespace

@@ -15,9 +15,10 @@ constexpr auto kFails = fake::Conversion::Fails;
 class TileRunTest : public TileTest {
   protected:
     void Run() { EXPECT_TRUE(tiler->Tile()); }
-    std::vector<std::string> Texts() const {
-        std::vector<std::string> texts;
-        for (const auto& shown : status->shown) texts.push_back(shown.text);
+    /// What the status object was shown, in lines.
+    std::string Texts() const {
+        std::string texts;
+        for (const auto& shown : status->shown) texts += shown.text + "\n";
         return texts;
     }
     /// The files in the output folder, by name.
@@ -64,10 +65,8 @@ TEST_F(TileRunTest, MoreThan999TilesAreRefusedWithoutProgress) {
     Renew();
     facts = {.columns = 80, .rows = 50};
     Bind(2);
-    EXPECT_FALSE(tiler->Tile());
-    EXPECT_EQ(Messages(), "Message: trop de tuiles (max. 999)");
-    EXPECT_TRUE(status->shown.empty());
-    EXPECT_EQ(Failures(), "");
+    EXPECT_TRUE(!tiler->Tile() && status->shown.empty());
+    EXPECT_EQ(Messages() + Failures(), "Message: trop de tuiles (max. 999)");
 }
 
 TEST_F(TileRunTest, ProgressTextsComeInTheirOrderForEachWay) {
@@ -81,16 +80,17 @@ TEST_F(TileRunTest, ProgressTextsComeInTheirOrderForEachWay) {
     status->shown.clear();
     world->convertExtern = kFails;
     Run();
-    EXPECT_THAT(Texts(), ElementsAre(testing::_, "Tiling ortho.png", "Tiling extern", "Tiling: Change to png",
-                                     "Tiling: Convert to PNG", "Tiling: Convert to PNG", ""));
+    EXPECT_THAT(Texts(), testing::EndsWith("\nTiling ortho.png\nTiling extern\nTiling: Change to png\n"
+                                           "Tiling: Convert to PNG\nTiling: Convert to PNG\n\n"));
     Renew();
     facts.filePath = "C:\\img\\scan.sid";
     world->exportGivesTiff = true;
     world->convertExtern = kWorks;
     Bind(-1);
     Run();
-    EXPECT_THAT(Texts(), ElementsAre(testing::_, "Tiling scan.sid", "Tiling: Convert to PNG",
-                                     "Tiling: Convert to PNG", "Tiling", ""));
+    EXPECT_EQ(Texts(),
+              "Tiling                       scan.sid\nTiling scan.sid\nTiling: Convert to PNG\n"
+              "Tiling: Convert to PNG\nTiling\n\n");
     tiler->StatusObject(nullptr);
     Run();
 }
@@ -147,7 +147,8 @@ TEST_F(TileRunTest, ClipCutsWindowsByTheOddRuleAndExportsAtTheFullTileSize) {
     tiler->ClipEnvelope(fake::MakeEnvelope(world, {10, 10, 20, 20}));
     Run();
     EXPECT_THAT(world->convertedWindows, ElementsAre(PixelWindow{10, 0, 10, 10})) << "none that only touch";
-    EXPECT_EQ(std::ranges::count(Texts(), "Tiling ortho.png"), 4) << "each cell has its step";
+    EXPECT_EQ(std::ranges::count(status->shown, "Tiling ortho.png", &fake::Progress::text), 4)
+        << "each cell has its step";
     tiler->ClipEnvelope(nullptr);
     Run();
     EXPECT_EQ(world->convertedWindows.size(), 5U);

@@ -90,9 +90,9 @@ TEST_F(VectorFaultTest, NoFailureOfThePlatformCrashesAProcedureOrPassesUnseen) {
         Prepare();
         operation.act();
         ASSERT_EQ(tell(), operation.undisturbed);
-        const auto prepare = [&] { Prepare(); };
-        const auto check = [&](const Disturbed& run) { Check(operation, run); };
-        FailEveryCall(operation.label, prepare, operation.act, check);
+        FailEveryCall(
+            operation.label, [&] { Prepare(); }, operation.act,
+            [&](const Disturbed& run) { Check(operation, run); });
     }
 }
 
