@@ -156,10 +156,7 @@ TYPED_TEST_P(AttendedDesktop, MailAndWebHandOnWhatIsLogged) {
 }
 
 TYPED_TEST_P(AttendedDesktop, EveryExceptionOfAHandlerIsToldAndTheDialogStays) {
-    const struct {
-        void (*raise)();
-        const char *number, *text;
-    } cases[] = {
+    const std::tuple<void (*)(), const char*, const char*> cases[] = {
         {[] { throw RuntimeError(Fault::ResourceNotFound, "8007"); }, "326", "Resource not found: 8007"},
         {[] { throw std::bad_alloc(); }, "7", "Out of memory"},
         {[] { throw std::invalid_argument("odd"); }, "440", "odd"},
