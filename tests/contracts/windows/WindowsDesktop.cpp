@@ -38,4 +38,7 @@ class WindowsSubject {
 INSTANTIATE_TYPED_TEST_SUITE_P(Windows, DesktopContract, WindowsSubject);
 
 }  // namespace
+
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(AttendedDesktop);  // nobody attends here
+
 }  // namespace orvo

@@ -27,12 +27,15 @@ struct World {
     World& operator=(const World&) = delete;
 };
 
-Subject MakeWindowsSubject() {
+}  // namespace
+
+Subject MakeSystemSubject() {
     auto world = std::make_shared<World>();
     const std::string source = world->folder / "source.png";
     windows::WriteImage(source, windows::ImageFormat::Png, {windows::Pixels::Kind::Bgr, 40, 30}, 0);
     world->folder.Put("source.pgw", "2\n0\n0\n-3\n1001\n4998.5\n");
-    return {.services = windows::MakePlatform(),
+    return {.system = "Windows",
+            .services = windows::MakePlatform(),
             .folder = world->folder.Path(),
             .source = source,
             .format = "PNG",
@@ -46,12 +49,6 @@ Subject MakeWindowsSubject() {
                     std::filesystem::permissions(DiskPath(path), std::filesystem::perms::owner_read);
                 },
             .world = world};
-}
-
-}  // namespace
-
-NamedSubject SystemSubject() {
-    return {"Windows", MakeWindowsSubject};
 }
 
 }  // namespace orvo
