@@ -1,5 +1,7 @@
 // Programs that behave, fail, crash, hang, shout and leave others behind.
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
@@ -92,6 +94,26 @@ TEST_F(PosixProcess, LeavesNoOpenFiles) {
         runner.Run("/bin/none", {}, folder.Path(), kNever);
     }
     EXPECT_EQ(openFiles(), before);
+}
+
+TEST_F(PosixProcess, StartedProgramsRunOnInASessionOfTheirOwn) {
+    using std::chrono::milliseconds;
+    EXPECT_EQ(runner.Start("/bin/sh", {"-c", "exit 3"}, milliseconds(20000)).exitCode, 3);
+    EXPECT_FALSE(runner.Start("no-such-program", {}, milliseconds(1)).started);
+    const std::string script =
+        "cd \"$0\"; echo lost; while [ ! -e go ]; do sleep 0.02; done; "
+        "ps -o sid= -p $$ > sid.part; mv sid.part sid";
+    const ProcessResult left = runner.Start("/bin/sh", {"-c", script, folder.Path()}, milliseconds(50));
+    EXPECT_TRUE(left.started && left.exitCode == -1 && left.signal == 0);
+    folder.Put("go", "");
+    for (int i = 0; i < 500 && !std::filesystem::exists(folder / "sid"); ++i) ::usleep(20000);
+    EXPECT_NE(std::stoi(ReadFile(folder / "sid")), ::getsid(0));
+    // Its end is taken note of at the next start.
+    for (int i = 0; i < 500 && ::waitpid(-1, nullptr, WNOHANG) == 0; ++i) {
+        runner.Start("/bin/true", {}, milliseconds(1000));
+        ::usleep(20000);
+    }
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
 }
 
 }  // namespace
