@@ -47,8 +47,7 @@ TEST(ByName, ArgumentsAreCoercedAndFoundByPlaceOrName) {
                                                  {Arguments{L"one", 1}, DISP_E_TYPEMISMATCH, 1U},
                                                  {Arguments{1, 3e9}, DISP_E_OVERFLOW, 0U}}) {
         const Answer answer = Call(grid, L"GetTileID", arguments);
-        EXPECT_EQ(answer.code, code);
-        EXPECT_EQ(answer.wrong, wrong);
+        EXPECT_EQ(std::pair(answer.code, answer.wrong), std::pair(code, wrong));
     }
     EXPECT_TRUE(Call(grid, L"GetTileID", {L"2", 1.4}).Is(L"grp1"));
     EXPECT_TRUE(Call(grid, L"GetTileID", {2.5, 1}).Is(L"grp1")) << "half to even";
