@@ -124,8 +124,7 @@ void ExpectCells(GDALDataset& tile, const RasterSpec& spec, int left, int top) {
     }
 }
 
-class GdalTileTest : public GdalTest {
-  protected:
+struct GdalTileTest : GdalTest {
     void ExpectMosaic(Kind kind, int size, const std::string& format);
 };
 

@@ -142,8 +142,7 @@ void ExpectPixels(const Picture& picture, const Expected& expected) {
 }
 
 /// A folder, a platform that makes envelopes, and a conversion service.
-class GdalTest : public testing::Test {
-  protected:
+struct GdalTest : testing::Test {
     GdalTest() {
         platform::Platform made;
         made.newEnvelope = [] { return std::make_shared<memory::Envelope>(); };

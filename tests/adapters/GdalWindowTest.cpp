@@ -4,8 +4,7 @@
 namespace orvo {
 namespace {
 
-class GdalWindowTest : public GdalTest {
-  protected:
+struct GdalWindowTest : GdalTest {
     /// A plane, which bilinear resampling keeps as it is away from the border.
     std::shared_ptr<gdal::RasterLayer> Plane() {
         RasterSpec spec{.width = 40, .height = 30};

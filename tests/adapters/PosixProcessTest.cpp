@@ -17,8 +17,7 @@ using Clock = std::chrono::steady_clock;
 
 const auto kNever = [] { return false; };
 
-class PosixProcess : public testing::Test {
-  protected:
+struct PosixProcess : testing::Test {
     ProcessResult Shell(const std::string& commands) {
         return runner.Run("/bin/sh", {"-c", commands}, folder.Path(), kNever);
     }

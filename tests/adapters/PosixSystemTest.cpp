@@ -74,8 +74,7 @@ TEST(PosixSystem, TimeIsLocalAndTheVersionThatOfTheRelease) {
     }
 }
 
-class PosixReport : public testing::Test {
-  protected:
+struct PosixReport : testing::Test {
     TempFolder folder;
     TextFiles files;
 };

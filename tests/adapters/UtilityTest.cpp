@@ -22,8 +22,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class UtilityConvert : public testing::Test {
-  protected:
+struct UtilityConvert : testing::Test {
     UtilityConvert() {
         settings.onFailure = [this](const Request& asked, const std::string& reason) {
             failed = asked;

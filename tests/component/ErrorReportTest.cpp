@@ -18,8 +18,7 @@ std::string Golden(const std::string& name) {
     return text;
 }
 
-class ErrorReportTest : public ComponentTest {
-  protected:
+struct ErrorReportTest : ComponentTest {
     ErrorReportTest() { NewDialog(); }
     void NewDialog() {
         SetErrorDialog(std::make_unique<Ferrow>());

@@ -77,8 +77,7 @@ constexpr Way kWays[] = {{"external", "a.png", kWorks, false, false, 9},
                          {"platform through TIFF", "a.sid", kWorks, true, false, 9},
                          {"clipped", "a.png", kWorks, false, true, 4}};
 
-class TileFaultTest : public FaultTest<TileTest> {
-  protected:
+struct TileFaultTest : FaultTest<TileTest> {
     /// A world, a tiler and a layer as the way needs them.
     void Prepare(const Way& way) {
         tiler.reset();
@@ -170,8 +169,7 @@ struct Operation {
     std::string left = "none";  ///< what comes of it where the user leaves it, "" for anything
 };
 
-class VectorFaultTest : public FaultTest<VectorTest> {
-  protected:
+struct VectorFaultTest : FaultTest<VectorTest> {
     /// A world and a 3 × 2 grid whose tile (3, 1) reaches over (3, 2), so that a point there is searched for.
     void Prepare() {
         grid.reset();

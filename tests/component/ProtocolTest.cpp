@@ -15,8 +15,7 @@ constexpr ProcedureText kInner{"[mod] Private Function Inner() As Long", "mod", 
     throw RuntimeError(Fault::Overflow);
 }
 
-class ProtocolTest : public ComponentTest {
-  protected:
+struct ProtocolTest : ComponentTest {
     template <class Body>
     static void Outer(const Body& body) {
         Procedure<void>(kOuter).Run(body);

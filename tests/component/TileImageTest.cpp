@@ -12,8 +12,7 @@ using testing::UnorderedElementsAre;
 constexpr auto kWorks = fake::Conversion::Works;
 constexpr auto kFails = fake::Conversion::Fails;
 
-class TileRunTest : public TileTest {
-  protected:
+struct TileRunTest : TileTest {
     void Run() { EXPECT_TRUE(tiler->Tile()); }
     /// What the status object was shown, in lines.
     std::string Texts() const {

@@ -165,8 +165,7 @@ using fake::MakePoint;
 using Geometry = std::shared_ptr<IGeometry>;
 
 /// Tiles of 100 × 50 from (10, 20); tile (2, 1) spans 110 to 210 and 20 to 70.
-class VectorGeometryTest : public VectorTest {
-  protected:
+struct VectorGeometryTest : VectorTest {
     VectorGeometryTest() { BuildGrid(); }
     Geometry Make(GeometryType type, const fake::Answer& answer) {
         return fake::MakeGeometry(world, type, "whole", {answer});

@@ -18,8 +18,7 @@ struct Outcome {
     bool operator==(const Outcome&) const = default;
 };
 
-class DialogTest : public testing::Test {
-  protected:
+struct DialogTest : testing::Test {
     DialogTest() { LangOffset() = 10000; }
     ~DialogTest() override {
         SetErrorDialog(nullptr);
@@ -71,8 +70,7 @@ struct EventfulSystem final : IOperatingSystem {
 /// A subject is made from the world and has Desktop(), WithoutUser() with ways to answer unattended,
 /// ClipboardHolds(text), and kPrinting, the number that printing fails with.
 template <class Subject>
-class DesktopContract : public DialogTest {
-  protected:
+struct DesktopContract : DialogTest {
     void Begin(std::shared_ptr<IDesktop> desktop, int report, std::function<void()> event) {
         ShowOn(std::move(desktop));
         platform::Platform made = platform::Current();
@@ -88,8 +86,7 @@ class DesktopContract : public DialogTest {
 /// Shown() with all messages and addresses that came to the user, and Told(number, text), a handler's failure
 /// as shown.
 template <class Subject>
-class AttendedDesktop : public DesktopContract<Subject> {
-  protected:
+struct AttendedDesktop : DesktopContract<Subject> {
     AttendedDesktop() { this->ShowOn(subject.Desktop()); }
     Outcome FailAnd(const std::vector<Act>& acts) {
         subject.Plan(acts);

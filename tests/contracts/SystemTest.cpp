@@ -4,8 +4,7 @@
 namespace orvo {
 namespace {
 
-class FileSystemContract : public Contract {
-  protected:
+struct FileSystemContract : Contract {
     const std::shared_ptr<IFileSystemObject> object = services.newFileSystemObject();
     IFileSystemObject& files = *object;
 };

@@ -4,8 +4,7 @@
 namespace orvo {
 namespace {
 
-class UtilityContract : public Contract {
-  protected:
+struct UtilityContract : Contract {
     std::string FreeName(const std::vector<std::string>& extensions) {
         return tools->GetFreeFileName(subject.folder, "i142507", extensions);
     }

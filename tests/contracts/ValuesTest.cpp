@@ -6,8 +6,7 @@
 namespace orvo {
 namespace {
 
-class ValuesContract : public Contract {
-  protected:
+struct ValuesContract : Contract {
     static std::vector<double> Edges(const IEnvelope& e) { return {e.XMin(), e.YMin(), e.XMax(), e.YMax()}; }
     std::shared_ptr<IEnvelope> Box(double x0, double y0, double x1, double y1) const {
         auto box = services.newEnvelope();

@@ -127,8 +127,7 @@ class WindowUser {
     QObject life_;
 };
 
-class WindowTest : public DialogTest {
-  protected:
+struct WindowTest : DialogTest {
     WindowTest() { ShowOn(user.desktop); }
     /// Has a statement fail while the user does these steps.
     Outcome FailAnd(std::deque<Step> steps, int failures = 1, const std::string& about = "R & D") {

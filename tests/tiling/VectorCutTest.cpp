@@ -22,8 +22,7 @@ struct Layer final : ILayer {
     std::shared_ptr<IEnvelope> extent;
 };
 
-class VectorCutTest : public testing::Test {
-  protected:
+struct VectorCutTest : testing::Test {
     VectorCutTest() { platform::Install(linux_platform::MakePlatform()); }
 };
 

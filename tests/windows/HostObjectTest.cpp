@@ -29,8 +29,7 @@ Ref<IDispatch> ObjectOf(const std::shared_ptr<IEnvelope>& envelope) {
     return Value::Adopt(DispatchOf(envelope)).AsObject();
 }
 
-class HostObjects : public testing::Test {
-  protected:
+struct HostObjects : testing::Test {
     ~HostObjects() override { EXPECT_EQ(ServerUse::Count(), before_); }
 
   private:

@@ -59,8 +59,7 @@ class ConsoleSubject {
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, DesktopContract, ConsoleSubject);
 INSTANTIATE_TYPED_TEST_SUITE_P(Console, AttendedDesktop, ConsoleSubject);
 
-class ConsoleDesktopTest : public DialogTest {
-  protected:
+struct ConsoleDesktopTest : DialogTest {
     Outcome FailAnd(std::deque<std::string> lines) {
         user.out.str("");
         user.lines = std::move(lines);
