@@ -55,17 +55,6 @@ TEST_F(ProtocolTest, FailingStatementIsRunAgainFromItsStartOrSkippedOrLeftAndThe
     }
 }
 
-TEST_F(ProtocolTest, SkippedConditionEntersItsBlockAndSkippedLoopTestRunsTheBody) {
-    AlwaysAnswer(kNext);
-    std::string log;
-    Outer([&](Statements& run) {
-        if (run.Test([]() -> bool { Fail(); })) run([&] { log += "in "; });
-        while (run.Test([&] { return log == "in " ? Fail() > 0 : log.size() < 5; })) run([&] { log += "x"; });
-    });
-    EXPECT_EQ(log, "in xx");
-    EXPECT_EQ(Failures(), "6 Outer, 6 Outer");
-}
-
 TEST_F(ProtocolTest, LoopReadsItsLimitOnceCountsPastItAndIsRetriedLeftOrRunOnceWhereTheLimitFails) {
     for (const char* row :  // answers, first, limit and how often it fails; then the bodies, the counter and
                             // the failures

@@ -122,12 +122,6 @@ TYPED_TEST_P(DesktopContract, CopiesTextsAndSaysWhereThereIsNoPrinter) {
     EXPECT_EQ(NumberOf([&] { this->subject.Desktop()->Print({"line"}); }), this->subject.kPrinting);
 }
 
-TYPED_TEST_P(AttendedDesktop, EachChoiceHasItsEnd) {
-    EXPECT_EQ(this->FailAnd({Act::Retry}), (Outcome{2, true}));
-    EXPECT_EQ(this->FailAnd({Act::Next}), (Outcome{1, true}));
-    EXPECT_EQ(this->FailAnd({Act::Leave}), (Outcome{1, false}));
-}
-
 TYPED_TEST_P(AttendedDesktop, SaveAsksBeforeItReplaces) {
     EXPECT_EQ(this->FailAnd({Act::Save, Act::No, Act::Next}), (Outcome{1, true}));
     EXPECT_EQ(this->saved, "old");
@@ -172,8 +166,8 @@ TYPED_TEST_P(AttendedDesktop, AFailureWhileOneIsShownReachesTheCallerOfTheSecond
 
 REGISTER_TYPED_TEST_SUITE_P(DesktopContract, AnswersWithoutAUserAndNeverWaits,
                             CopiesTextsAndSaysWhereThereIsNoPrinter);
-REGISTER_TYPED_TEST_SUITE_P(AttendedDesktop, EachChoiceHasItsEnd, SaveAsksBeforeItReplaces,
-                            MailAndWebHandOnWhatIsLogged, EveryExceptionOfAHandlerIsToldAndTheDialogStays,
+REGISTER_TYPED_TEST_SUITE_P(AttendedDesktop, SaveAsksBeforeItReplaces, MailAndWebHandOnWhatIsLogged,
+                            EveryExceptionOfAHandlerIsToldAndTheDialogStays,
                             AFailureWhileOneIsShownReachesTheCallerOfTheSecond);
 
 }  // namespace orvo
