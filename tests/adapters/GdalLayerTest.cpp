@@ -7,8 +7,7 @@
 namespace orvo {
 namespace {
 
-class GdalLayerTest : public GdalTest {
-  protected:
+struct GdalLayerTest : GdalTest {
     /// Opening fails with a text that names the file and has that part.
     static void ExpectRefusal(const std::string& name, const std::string& part, const char* number = "440 ") {
         EXPECT_THAT(

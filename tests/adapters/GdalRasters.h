@@ -142,8 +142,7 @@ void ExpectPixels(const Picture& picture, const Expected& expected) {
 }
 
 /// A folder, a platform that makes envelopes, and a conversion service.
-class GdalTest : public testing::Test {
-  protected:
+struct GdalTest : testing::Test {
     GdalTest() {
         platform::Platform made;
         made.newEnvelope = [] { return std::make_shared<memory::Envelope>(); };
@@ -163,10 +162,8 @@ class GdalTest : public testing::Test {
                                     double bottom) {
         const auto& t = layer.GeoTransform();
         memory::Envelope box;
-        box.XMin(t[0] + left * t[1]);
-        box.XMax(t[0] + right * t[1]);
-        box.YMin(t[3] + bottom * t[5]);
-        box.YMax(t[3] + top * t[5]);
+        box.XMin(t[0] + left * t[1]), box.XMax(t[0] + right * t[1]);
+        box.YMin(t[3] + bottom * t[5]), box.YMax(t[3] + top * t[5]);
         return box;
     }
     /// Exports whole cells; returns the file written.

@@ -33,12 +33,10 @@ TEST(PartFile, WritersOfOneNameNeverMixAndLeaveNoParts) {
     EXPECT_THAT(folder.Names(), testing::ElementsAre("own", "t.png"));
     std::error_code failed;
     PartFile part(folder.Path(), ".png", failed);
-    EXPECT_FALSE(part.Write("longer than what follows"));
-    EXPECT_FALSE(part.Write("new"));
+    EXPECT_FALSE(part.Write("longer than what follows") || part.Write("new"));
     EXPECT_EQ(part.MoveToNew(folder / "t.png"), std::errc::file_exists);
-    EXPECT_FALSE(part.MoveToNew(folder / "u.png"));
-    EXPECT_FALSE(part.MoveBack(folder / "u.png"));
-    EXPECT_FALSE(part.MoveTo(folder / "t.png"));
+    EXPECT_FALSE(part.MoveToNew(folder / "u.png") || part.MoveBack(folder / "u.png") ||
+                 part.MoveTo(folder / "t.png"));
     EXPECT_EQ(ReadFile(folder / "t.png"), "new");
     EXPECT_EQ(WriteWhole(folder / "none/x", "x"), std::errc::no_such_file_or_directory);
 }

@@ -1,5 +1,7 @@
 // Programs that behave, fail, crash, hang, shout and leave others behind.
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <csignal>
@@ -15,8 +17,7 @@ using Clock = std::chrono::steady_clock;
 
 const auto kNever = [] { return false; };
 
-class PosixProcess : public testing::Test {
-  protected:
+struct PosixProcess : testing::Test {
     ProcessResult Shell(const std::string& commands) {
         return runner.Run("/bin/sh", {"-c", commands}, folder.Path(), kNever);
     }
@@ -32,8 +33,7 @@ TEST_F(PosixProcess, PassesArgumentsFolderAndNothingElse) {
         runner.Run(folder.PutScript("show", "cat; pwd; echo $(ls /proc/self/fd); printf '[%s]' \"$@\""),
                    {"a b", "", "$(id)", "*", "-x"}, folder.Path(), kNever);
     ::close(open);
-    EXPECT_TRUE(result.started);
-    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_TRUE(result.started && result.exitCode == 0);
     // The fourth is the folder that the listing reads.
     EXPECT_EQ(result.output, folder.Path() + "\n0 1 2 3\n[a b][][$(id)][*][-x]");
 }
@@ -53,8 +53,7 @@ TEST_F(PosixProcess, SaysWhyItCouldNotStartAndFindsRelativeProgramsInTheCallersF
     for (const std::string& program : {folder / "missing", std::string("no-such-program-anywhere"),
                                        std::string(), folder.Put("plain", "no program"), folder.Path()}) {
         const auto result = runner.Run(program, {}, folder.Path(), kNever);
-        EXPECT_FALSE(result.started) << program;
-        EXPECT_NE(result.output, "") << program;
+        EXPECT_TRUE(!result.started && result.output != "") << program;
     }
     EXPECT_FALSE(runner.Run("/bin/true", {}, folder / "no folder", kNever).started);
     folder.PutScript("tool", "echo found");
@@ -77,8 +76,7 @@ TEST_F(PosixProcess, KillsAProgramThatDoesNotListen) {
         "trap '' TERM; (while :; do sleep 0.1; touch alive; done) & while :; do sleep 0.1; done";
     const auto result = runner.Run("/bin/sh", {"-c", deaf}, folder.Path(), soon);
     EXPECT_EQ(result.signal, SIGKILL);
-    EXPECT_GT(SecondsSinceStart(), 2);
-    EXPECT_LT(SecondsSinceStart(), 10);
+    EXPECT_THAT(SecondsSinceStart(), testing::AllOf(testing::Gt(2), testing::Lt(10)));
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     std::filesystem::remove(folder / "alive");
     std::this_thread::sleep_for(std::chrono::milliseconds(400));
@@ -95,6 +93,26 @@ TEST_F(PosixProcess, LeavesNoOpenFiles) {
         runner.Run("/bin/none", {}, folder.Path(), kNever);
     }
     EXPECT_EQ(openFiles(), before);
+}
+
+TEST_F(PosixProcess, StartedProgramsRunOnInASessionOfTheirOwn) {
+    using std::chrono::milliseconds;
+    EXPECT_EQ(runner.Start("/bin/sh", {"-c", "exit 3"}, milliseconds(20000)).exitCode, 3);
+    EXPECT_FALSE(runner.Start("no-such-program", {}, milliseconds(1)).started);
+    const std::string script =
+        "cd \"$0\"; echo lost; while [ ! -e go ]; do sleep 0.02; done; "
+        "ps -o sid= -p $$ > sid.part; mv sid.part sid";
+    const ProcessResult left = runner.Start("/bin/sh", {"-c", script, folder.Path()}, milliseconds(50));
+    EXPECT_TRUE(left.started && left.exitCode == -1 && left.signal == 0);
+    folder.Put("go", "");
+    for (int i = 0; i < 500 && !std::filesystem::exists(folder / "sid"); ++i) ::usleep(20000);
+    EXPECT_NE(std::stoi(ReadFile(folder / "sid")), ::getsid(0));
+    // Its end is taken note of at the next start.
+    for (int i = 0; i < 500 && ::waitpid(-1, nullptr, WNOHANG) == 0; ++i) {
+        runner.Start("/bin/true", {}, milliseconds(1000));
+        ::usleep(20000);
+    }
+    EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
 }
 
 }  // namespace

@@ -1,14 +1,11 @@
 // A folder of its own for each test.
 #pragma once
 
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
-#include <string>
 #include <vector>
+
+#include "support/SystemPath.h"
 
 namespace orvo {
 
@@ -20,7 +17,7 @@ class TempFolder {
         do {
             root_ = std::filesystem::temp_directory_path() / ("orvo-" + std::to_string(random()));
         } while (!std::filesystem::create_directory(root_));
-        path_ = root_ / Utf8Path(name);
+        path_ = root_ / DiskPath(name);
         std::filesystem::create_directories(path_);
     }
     ~TempFolder() {
@@ -31,10 +28,10 @@ class TempFolder {
     TempFolder& operator=(const TempFolder&) = delete;
 
     std::string Path() const { return Text(path_); }
-    std::string operator/(const std::string& name) const { return Text(path_ / Utf8Path(name)); }
+    std::string operator/(const std::string& name) const { return Text(path_ / DiskPath(name)); }
 
     std::string Put(const std::string& name, const std::string& content) const {
-        std::ofstream(path_ / Utf8Path(name), std::ios::binary) << content;
+        std::ofstream(path_ / DiskPath(name), std::ios::binary) << content;
         return *this / name;
     }
     /// An executable shell script; `"$1"` and so on are its arguments.
@@ -46,15 +43,10 @@ class TempFolder {
     /// Names of all that is in the folder, hidden things too, sorted.
     std::vector<std::string> Names() const {
         std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(path_)) {
+        for (const auto& entry : std::filesystem::directory_iterator(path_))
             names.push_back(Text(entry.path().filename()));
-        }
         std::sort(names.begin(), names.end());
         return names;
-    }
-
-    static std::filesystem::path Utf8Path(const std::string& text) {
-        return std::u8string(text.begin(), text.end());
     }
 
   private:
@@ -69,7 +61,7 @@ class TempFolder {
 };
 
 inline std::string ReadFile(const std::string& path) {
-    std::ifstream file(TempFolder::Utf8Path(path), std::ios::binary);
+    std::ifstream file(DiskPath(path), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 

@@ -13,15 +13,6 @@ Sub Check(what, holds)
     End If
 End Sub
 
-Class Point
-    Public GeometryType
-    Public X
-    Public Y
-    Public Function Within(tile)
-        Within = X > tile.XMin And X < tile.XMax And Y > tile.YMin And Y < tile.YMax
-    End Function
-End Class
-
 Class StatusDisplay
     Public Log
     Public Steps
@@ -30,40 +21,7 @@ Class StatusDisplay
     End Sub
 End Class
 
-' --- the vector class, and a script's own geometry ---
-
-Dim grid, tile, where, i, column, row
-Set grid = CreateObject("Orvo_Tile.clsTileVector")
-Set tile = CreateObject("OrvoPlatform.Envelope")
-tile.XMin = 0
-tile.YMin = 0
-tile.XMax = 1000
-tile.YMax = 600
-Set grid.LayerExtent = tile
-Set grid.VectorLayer = Nothing
-grid.TileWidth = 250
-grid.TileHeight = 200
-grid.InitializeTiles
-For i = 0 To 11
-    Set tile = grid.GetTileExtent(i Mod 4 + 1, i \ 4 + 1)
-    tile.Height = tile.Depth
-Next
-row = 2
-Check "a variable by reference", grid.GetTileID(1, row) = "grp4"
-Check "a tile's envelope is the same object", tile Is grid.GetTileExtent(4, 3)
-Set where = New Point
-where.GeometryType = 1
-where.X = 600
-where.Y = 300
-column = -1
-row = -1
-Check "the point's tile is found", grid.IsInside(column, row, where)
-Check "and written back", column = 3 And row = 2 And VarType(column) = 3 And VarType(row) = 3
-Check "nothing", grid.Clip(3, 2, where) Is Nothing
-
-' --- the image class: a job on a system without a map platform ---
-
-Dim image, status, folder, files, tiles, keys, raster
+Dim image, status, folder, files, tile, tiles, keys, raster, i
 Set image = CreateObject("Orvo_Tile.clsTileImage")
 Set files = CreateObject("Scripting.FileSystemObject")
 folder = files.GetAbsolutePathName(WScript.Arguments(1))

@@ -8,8 +8,6 @@
 namespace orvo {
 namespace {
 
-using testing::ElementsAre;
-
 constexpr ProcedureText kOuter{"[mod] Public Sub Outer()", "mod", "Outer"};
 constexpr ProcedureText kInner{"[mod] Private Function Inner() As Long", "mod", "Inner"};
 
@@ -17,8 +15,7 @@ constexpr ProcedureText kInner{"[mod] Private Function Inner() As Long", "mod", 
     throw RuntimeError(Fault::Overflow);
 }
 
-class ProtocolTest : public ComponentTest {
-  protected:
+struct ProtocolTest : ComponentTest {
     template <class Body>
     static void Outer(const Body& body) {
         Procedure<void>(kOuter).Run(body);
@@ -56,17 +53,6 @@ TEST_F(ProtocolTest, FailingStatementIsRunAgainFromItsStartOrSkippedOrLeftAndThe
         EXPECT_EQ(ShownLabel(0), "Inner");
         EXPECT_EQ(Trace().Count(), 2U) << "a retry is no new entry";
     }
-}
-
-TEST_F(ProtocolTest, SkippedConditionEntersItsBlockAndSkippedLoopTestRunsTheBody) {
-    AlwaysAnswer(kNext);
-    std::string log;
-    Outer([&](Statements& run) {
-        if (run.Test([]() -> bool { Fail(); })) run([&] { log += "in "; });
-        while (run.Test([&] { return log == "in " ? Fail() > 0 : log.size() < 5; })) run([&] { log += "x"; });
-    });
-    EXPECT_EQ(log, "in xx");
-    EXPECT_EQ(Failures(), "6 Outer, 6 Outer");
 }
 
 TEST_F(ProtocolTest, LoopReadsItsLimitOnceCountsPastItAndIsRetriedLeftOrRunOnceWhereTheLimitFails) {
@@ -166,9 +152,8 @@ TEST_F(ProtocolTest, CallStackKeepsTheTwentyNewestWithTheirTimeOfEntry) {
     for (int i = 0; i < 19; ++i) Procedure<void>(kInner).Run([](Statements&) {});
     EXPECT_EQ(Trace().At(19), "04:03:02 [mod] Public Sub Outer()");
     Procedure<void>(kInner).Run([](Statements&) {});
-    EXPECT_EQ(Trace().Count(), 20U);
-    EXPECT_EQ(Trace().At(0), "23:03:02 [mod] Private Function Inner() As Long");
-    EXPECT_EQ(Trace().At(19), Trace().At(0)) << "the first entry is gone";
+    const std::string inner = "23:03:02 [mod] Private Function Inner() As Long";
+    EXPECT_EQ(Trace().Entries(), std::vector<std::string>(20, inner)) << "the first entry is gone";
 }
 
 TEST_F(ProtocolTest, DialogShowsTheFailureInTheLanguageOfTheDayAndKeepsTheLastChoice) {
@@ -183,10 +168,8 @@ TEST_F(ProtocolTest, DialogShowsTheFailureInTheLanguageOfTheDayAndKeepsTheLastCh
     failOnce();
     ASSERT_EQ(world->failures.size(), 1U) << "nothing was ever clicked: that is a retry";
     const FailureView view = world->failures[0];
-    EXPECT_EQ(view.title, "WARNING! an error has occured ...");
     EXPECT_EQ(view.programInfo, std::string("Orvo_Tile  V") + std::to_string(kVersionMajor) + "." +
                                     std::to_string(kVersionMinor) + "." + std::to_string(kVersionRevision));
-    EXPECT_THAT(view.callStack, ElementsAre("14:25:07 [mod] Public Sub Outer()"));
     Dialog().SetProgInfo("My host 2");
     Answer({kNext});
     failOnce();

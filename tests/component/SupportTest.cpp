@@ -51,8 +51,7 @@ TEST(TextTest, CaseAndNumberRules) {
     for (const char* text : {"", " ", "8012a", "-", "1E", "."}) EXPECT_FALSE(IsNumeric(text)) << text;
 }
 
-class SupportTest : public ComponentTest {
-  protected:
+struct SupportTest : ComponentTest {
     ~SupportTest() override { AddedRows() = {}; }
 };
 

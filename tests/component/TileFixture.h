@@ -32,8 +32,7 @@ class TileImageProbe {
     clsTileImage& tiler_;
 };
 
-class TileTest : public ComponentTest {
-  protected:
+struct TileTest : ComponentTest {
     TileTest() { Renew(); }
     /// A new tiler with usual settings and no layer.
     void Renew() {

@@ -22,8 +22,7 @@ class TileVectorProbe {
     }
 };
 
-class VectorTest : public ComponentTest {
-  protected:
+struct VectorTest : ComponentTest {
     /// A new grid over an extent of that size with its corner at (10, 20).
     void Renew(double width, double height, const std::string& steps) {
         extent = fake::MakeEnvelope(world, {10, 20, 10 + width, 20 + height});

@@ -11,6 +11,7 @@ namespace orvo {
 
 /// A platform under test, in an outside world that the tests know.
 struct Subject {
+    std::string system;  ///< "Linux", "Windows" or "Fake"
     platform::Platform services;
     std::string folder;        ///< holds the source alone; no separator at its end
     std::string source;        ///< an image of 40 × 30 cells
@@ -25,32 +26,22 @@ struct Subject {
     std::shared_ptr<void> world{};  ///< lives as long as the platform is tested
 };
 
-struct NamedSubject {
-    const char* name;
-    Subject (*make)();
-    friend void PrintTo(const NamedSubject& subject, std::ostream* out) { *out << subject.name; }
-};
-
 Subject MakeFakeSubject();
 /// The platform of the system that the tests run on. Its texts are French.
-NamedSubject SystemSubject();
+Subject MakeSystemSubject();
 
-class Contract : public testing::TestWithParam<NamedSubject> {
+class Contract : public testing::TestWithParam<std::string> {
   protected:
     Contract() { platform::Install(services); }
     ~Contract() override { platform::Install({}); }
 
-    const Subject subject = GetParam().make();
+    const Subject subject = GetParam() == "Fake" ? MakeFakeSubject() : MakeSystemSubject();
     const platform::Platform& services = subject.services;
 };
 
-inline std::string NameOf(const testing::TestParamInfo<NamedSubject>& info) {
-    return info.param.name;
-}
-
 // NOLINTNEXTLINE: GoogleTest's own way
-#define ORVO_CONTRACT(contract) \
-    INSTANTIATE_TEST_SUITE_P(   \
-        All, contract, testing::Values(SystemSubject(), NamedSubject{"Fake", MakeFakeSubject}), NameOf)
+#define ORVO_CONTRACT(contract)                                                \
+    INSTANTIATE_TEST_SUITE_P(All, contract, testing::Values("System", "Fake"), \
+                             [](const auto& each) { return each.param; })
 
 }  // namespace orvo

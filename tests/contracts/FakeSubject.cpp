@@ -9,7 +9,8 @@ Subject MakeFakeSubject() {
     world->PutFile(source, "image");
     world->languageOffset = 20000;
     world->registry["Software\\Maker"] = {{"Text", {IRegistry::kTypeString, std::string("/Grün\0", 7)}}};
-    return {.services = world->MakePlatform(),
+    return {.system = "Fake",
+            .services = world->MakePlatform(),
             .folder = "C:\\out",
             .source = source,
             .format = "PNG",

@@ -4,8 +4,7 @@
 namespace orvo {
 namespace {
 
-class UtilityContract : public Contract {
-  protected:
+struct UtilityContract : Contract {
     std::string FreeName(const std::vector<std::string>& extensions) {
         return tools->GetFreeFileName(subject.folder, "i142507", extensions);
     }
@@ -25,11 +24,11 @@ ORVO_CONTRACT(UtilityContract);
 TEST_P(UtilityContract, GivesEachNameOnceInAFolderThatIsThere) {
     EXPECT_EQ(tools->GetLanguageOffset(), 20000);
     for (const char* taken : {"2.png", "3.gif", "4.bmp"}) services.textFiles->Append(stem + taken, "x");
-    EXPECT_EQ(FreeName({"png"}), stem + "1");
-    EXPECT_EQ(FreeName({"jpg", "png", "gif"}), stem + "4");
-    EXPECT_EQ(FreeName({"bmp"}), stem + "5");
+    const std::vector<std::string> names{FreeName({"png"}), FreeName({"jpg", "png", "gif"}),
+                                         FreeName({"bmp"})};
+    EXPECT_THAT(names, testing::ElementsAre(stem + "1", stem + "4", stem + "5"));
     EXPECT_THAT(services.newUtilTools()->GetFreeFileName(subject.folder, "i142507", {"bmp"}),
-                testing::Not(testing::AnyOf(stem + "1", stem + "4", stem + "5")));
+                testing::Not(testing::AnyOfArray(names)));
     EXPECT_EQ(tools->GetFreeFileName(subject.folder, "ö", {"png"}), open + "ö_1");
     EXPECT_EQ(NumberOf([&] { tools->GetFreeFileName(open + "missing", "i", {"png"}); }), 76);
 }
@@ -39,16 +38,13 @@ TEST_P(UtilityContract, ConvertsAWindowOrAWholeImageAndReplacesNone) {
     std::string target = FreeName({"png"});
     EXPECT_FALSE(convert->ConvertExtern("", subject.source, target, 0, nullptr, true));
     EXPECT_FALSE(Convert(subject.source + ".none", target, nullptr));
-    EXPECT_EQ(target, stem + "1");
-    EXPECT_FALSE(Exists(target + ".png"));
-    EXPECT_TRUE(Convert(subject.source, target, &window));
+    EXPECT_TRUE(target == stem + "1" && !Exists(target + ".png"));
+    EXPECT_TRUE(Convert(subject.source, target, &window) && Exists(target));
     EXPECT_EQ(target, stem + "1.png") << "completed";
-    EXPECT_TRUE(Exists(target));
     EXPECT_FALSE(Convert(subject.source, target, nullptr)) << "it stands";
     target = FreeName({"jpg", "png", "gif"}) + ".png";
-    EXPECT_TRUE(Convert(subject.source, target, nullptr));
+    EXPECT_TRUE(Convert(subject.source, target, nullptr) && Exists(target));
     EXPECT_EQ(target, stem + "2.png") << "as given";
-    EXPECT_TRUE(Exists(target));
 }
 
 TEST_P(UtilityContract, ExportsUnderTheNameItReturns) {

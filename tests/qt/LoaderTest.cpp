@@ -22,15 +22,12 @@ std::string WhyNot(const std::string& moduleFolder) {
 }
 
 TEST(WindowModule, WithoutADisplayOrAModuleThereIsAReasonAndNoCrash) {
-    const char* const none = nullptr;
-    for (const auto& [platform, display, reason] :
-         {std::tuple{none, none, "there is no display"},
-          {none, ":4711", "no window can be shown here: could not connect to display :4711"},
-          {"nonsense", none, "no window can be shown here"}}) {
-        const Variable first("QT_QPA_PLATFORM", platform);
-        const Variable second("DISPLAY", display);
-        const Variable third("WAYLAND_DISPLAY", nullptr);
-        EXPECT_THAT(WhyNot(ORVO_BUILT_MODULES), HasSubstr(reason));
+    {
+        const Variable first("DISPLAY", nullptr), second("WAYLAND_DISPLAY", nullptr);
+        const Variable third("QT_QPA_PLATFORM", nullptr);
+        EXPECT_THAT(WhyNot(ORVO_BUILT_MODULES), HasSubstr("there is no display"));
+        const Variable fourth("QT_QPA_PLATFORM", "nonsense");
+        EXPECT_THAT(WhyNot(ORVO_BUILT_MODULES), HasSubstr("no window can be shown here"));
     }
     const TempFolder folder;
     EXPECT_THAT(WhyNot(folder.Path()), HasSubstr("orvo_window.so is not installed"));

@@ -43,10 +43,7 @@ inline std::vector<unsigned char> Normal(const Geometry& geometry) {
 
 inline std::shared_ptr<IEnvelope> Rectangle(double xMin, double yMin, double xMax, double yMax) {
     auto envelope = std::make_shared<memory::Envelope>();
-    envelope->XMin(xMin);
-    envelope->YMin(yMin);
-    envelope->XMax(xMax);
-    envelope->YMax(yMax);
+    envelope->XMin(xMin), envelope->YMin(yMin), envelope->XMax(xMax), envelope->YMax(yMax);
     return envelope;
 }
 

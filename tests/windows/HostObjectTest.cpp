@@ -11,15 +11,13 @@ namespace orvo::windows {
 namespace {
 
 /// A host's object whose members are told by the test.
-class Host final : public ScriptObject {
-  public:
-    explicit Host(std::vector<Member> members) {
-        for (Member& member : members) Add(std::move(member));
-    }
-};
-
-Ref<IDispatch> NewHost(std::vector<Member> members) {
-    return Value::Adopt(new Host(std::move(members))).AsObject();
+Value NewHost(std::vector<Member> members) {
+    struct Host final : ScriptObject {
+        explicit Host(std::vector<Member> own) {
+            for (Member& member : own) Add(std::move(member));
+        }
+    };
+    return Value::Adopt(new Host(std::move(members)));
 }
 
 template <class T>
@@ -31,8 +29,7 @@ Ref<IDispatch> ObjectOf(const std::shared_ptr<IEnvelope>& envelope) {
     return Value::Adopt(DispatchOf(envelope)).AsObject();
 }
 
-class HostObjects : public testing::Test {
-  protected:
+struct HostObjects : testing::Test {
     ~HostObjects() override { EXPECT_EQ(ServerUse::Count(), before_); }
 
   private:
@@ -46,8 +43,7 @@ TEST_F(HostObjects, KeepTheirIdentityOnTheWayBack) {
     EXPECT_NE(ObjectOf(e).Get(), ObjectOf(e->Clone()).Get());
     EXPECT_EQ(ObjectOf(EnvelopeOf(ObjectOf(e).Get())).Get(), ObjectOf(e).Get());
     EXPECT_EQ(GeometryOf(ObjectOf(e).Get())->GeometryType(), GeometryType::Envelope);
-    EXPECT_EQ(EnvelopeOf(nullptr), nullptr);
-    EXPECT_EQ(DispatchOf(std::shared_ptr<IEnvelope>()), nullptr);
+    EXPECT_TRUE(!EnvelopeOf(nullptr) && !DispatchOf(std::shared_ptr<IEnvelope>()));
     const auto tiles = platform.newDictionary();
     tiles->Add("t", e);
     EXPECT_EQ(ObjectOf(tiles->Item("t")).Get(), ObjectOf(e).Get());
@@ -56,7 +52,8 @@ TEST_F(HostObjects, KeepTheirIdentityOnTheWayBack) {
 TEST_F(HostObjects, FailWithTheirOwnNumberAndText) {
     const auto bad =
         NewHost({{L"XMin", [](const Arguments&) -> Value { throw RuntimeError(31000, "Kein Rand ☕"); }},
-                 Holding(L"XMax", std::string("twelve"))});
+                 Holding(L"XMax", std::string("twelve"))})
+            .AsObject();
     const auto envelope = EnvelopeOf(bad.Get());
     EXPECT_EQ(FailureOf([&] { envelope->XMin(); }), "31000 Kein Rand ☕");
     EXPECT_THAT(FailureOf([&] { envelope->YMin(); }), testing::ContainsRegex("^438 .*YMin"));
@@ -67,26 +64,26 @@ TEST_F(HostObjects, FailWithTheirOwnNumberAndText) {
 
 TEST_F(HostObjects, AreAskedByName) {
     int clips = 0;
-    const auto point = NewHost(
-        {Holding(L"X", 2.5),
-         Holding(L"Y", 4.0),
-         Holding(L"GeometryType", Long{1}),
-         Holding(L"IsEmpty", false),
-         {L"Clone", [](const Arguments&) { return Value::Adopt(new Host({})); }},
-         {L"Within", [](const Arguments& a) { return Value(!a.At(0).AsObject()); }},
-         {L"Clip", [&](const Arguments& a) { return Value(Long{clips += static_cast<int>(a.Count())}); }}});
+    const auto point =
+        NewHost({Holding(L"X", 2.5),
+                 Holding(L"Y", 4.0),
+                 Holding(L"GeometryType", Long{1}),
+                 Holding(L"IsEmpty", false),
+                 {L"Clone", [](const Arguments&) { return NewHost({}); }},
+                 {L"Within", [](const Arguments& a) { return Value(!a.At(0).AsObject()); }},
+                 {L"Clip",
+                  [&](const Arguments& a) { return Value(Long{clips += static_cast<int>(a.Count())}); }}})
+            .AsObject();
     const auto geometry = GeometryOf(point.Get());
     EXPECT_EQ(As<IPoint>(geometry)->X(), 2.5);
-    EXPECT_EQ(geometry->GeometryType(), GeometryType::Point);
-    EXPECT_FALSE(geometry->IsEmpty());
+    EXPECT_TRUE(geometry->GeometryType() == GeometryType::Point && !geometry->IsEmpty());
     const auto relation = As<IRelationalOperator>(geometry);
-    EXPECT_TRUE(relation->Within(nullptr));
-    EXPECT_FALSE(relation->Within(NewEnvelope()));
+    EXPECT_TRUE(relation->Within(nullptr) && !relation->Within(NewEnvelope()));
     EXPECT_THAT(FailureOf([&] { relation->Overlaps(nullptr); }), testing::ContainsRegex("^438 .*Overlaps"));
     As<ITopologicalOperator>(geometry)->Clip(NewEnvelope());
     EXPECT_EQ(clips, 1);
     EXPECT_NE(Value::Adopt(DispatchOf(As<IClone>(geometry)->Clone())).AsObject().Get(), point.Get());
-    const auto host = NewHost({Holding(L"FilePath", std::string("C:\\ä.png"))});
+    const auto host = NewHost({Holding(L"FilePath", std::string("C:\\ä.png"))}).AsObject();
     const auto layer = RasterLayerOf(host.Get());
     EXPECT_EQ(layer->FilePath(), "C:\\ä.png");
     EXPECT_FALSE(layer->IsInGeodatabase()) << "it does not know the question";

@@ -44,8 +44,7 @@ int LargestDifference(Pixels a, Pixels b) {
     return largest;
 }
 
-class Imaging : public testing::Test {
-  protected:
+struct Imaging : testing::Test {
     Pixels WholeOf(const std::string& name) const {
         ImageSource source(folder / name);
         return source.Read(0, 0, source.Columns(), source.Rows());

@@ -12,13 +12,16 @@ struct World {
     Variable dataFolder{"XDG_DATA_HOME", "/Grün"};
 };
 
-Subject MakeLinuxSubject() {
+}  // namespace
+
+Subject MakeSystemSubject() {
     auto world = std::make_shared<World>();
     const std::string source = world->folder / "source.tif";
     WriteRaster(source, {.width = 40, .height = 30});
     linux_platform::Options options;
     options.services.languageOffset = 20000;
-    return {.services = linux_platform::MakePlatform(std::move(options)),
+    return {.system = "Linux",
+            .services = linux_platform::MakePlatform(std::move(options)),
             .folder = world->folder.Path(),
             .source = source,
             .format = "GTiff",
@@ -32,12 +35,6 @@ Subject MakeLinuxSubject() {
                     std::filesystem::permissions(SystemPath(path), std::filesystem::perms::owner_read);
                 },
             .world = world};
-}
-
-}  // namespace
-
-NamedSubject SystemSubject() {
-    return {"Linux", MakeLinuxSubject};
 }
 
 }  // namespace orvo

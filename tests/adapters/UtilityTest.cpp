@@ -1,11 +1,15 @@
-// Conversion with real programs: good ones, bad ones, and what they leave behind.
+// Conversion with real programs, good ones and bad ones, what they leave behind, and free names on the disk.
 #include <gmock/gmock.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
 
 #include <chrono>
 
 #include "platform/posix/ProcessRunner.h"
 #include "platform/utility/Converter.h"
 #include "platform/utility/Services.h"
+#include "platform/utility/UtilTools.h"
 #include "tests/Failure.h"
 #include "tests/Rows.h"
 #include "tests/adapters/GdalRasters.h"
@@ -16,11 +20,9 @@ namespace {
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::StartsWith;
 
-class UtilityConvert : public testing::Test {
-  protected:
+struct UtilityConvert : testing::Test {
     UtilityConvert() {
         settings.onFailure = [this](const Request& asked, const std::string& reason) {
             failed = asked;
@@ -104,7 +106,7 @@ TEST_F(UtilityConvert, WorksWithTheRealPrograms) {
         EXPECT_TRUE(convert->ConvertExtern(translate, file, target, 0, nullptr, true));
         EXPECT_EQ(Load(target).bands, components) << spec.bands;
     }
-    EXPECT_THAT(failures, IsEmpty());
+    EXPECT_TRUE(failures.empty());
 }
 
 TEST_F(UtilityConvert, LeavesNothingOfAFailure) {
@@ -130,15 +132,14 @@ TEST_F(UtilityConvert, LeavesNothingOfAFailure) {
     }
     EXPECT_FALSE(Convert(elsewhere / "missing", target));
     EXPECT_THAT(failures.back(), AllOf(HasSubstr("missing could not be started"), HasSubstr("No such file")));
-    EXPECT_EQ(target, name);
-    const std::string broken = elsewhere.Put("broken.tif", "no image");
-    EXPECT_FALSE(convert->ConvertExtern("convert", broken, target, 0, &window, true));
-    EXPECT_THAT(failures.back(), HasSubstr("broken.tif"));
-    EXPECT_FALSE(convert->ConvertExtern("convert", elsewhere / "none.tif", target, 0, nullptr, true));
+    for (const std::string& image : {elsewhere.Put("broken.tif", "no image"), elsewhere / "none.tif"}) {
+        EXPECT_FALSE(convert->ConvertExtern("convert", image, target, 0, &window, true));
+        EXPECT_THAT(failures.back(), HasSubstr(image));
+    }
     EXPECT_EQ(Export(folder / "t.png", 9999), "");
     EXPECT_THAT(failures.back(), HasSubstr("no area on the raster"));
+    EXPECT_TRUE(target == name && written.empty());
     EXPECT_THAT(folder.Names(), ElementsAre(".i_1.reserved"));
-    EXPECT_THAT(written, IsEmpty());
 }
 
 TEST_F(UtilityConvert, RefusesTargetsThatCannotBeAndHandsOnWhatIs) {
@@ -165,9 +166,8 @@ TEST_F(UtilityConvert, AnInterruptionEndsTheProgramAndLeavesNothing) {
     for (int i = 0; i < 2; ++i) EXPECT_EQ(NumberOf([&] { Convert(hang, target); }), 18);
     EXPECT_EQ(NumberOf([&] { Export(target); }), 18);
     EXPECT_LT(elapsed(), std::chrono::seconds(10));
-    EXPECT_THAT(failures, IsEmpty());
     tools.reset();
-    EXPECT_THAT(folder.Names(), IsEmpty());
+    EXPECT_TRUE(failures.empty() && folder.Names().empty());
 }
 
 TEST_F(UtilityConvert, TellsWhichPartOfItsSourceAnImageOrAFailureIsAbout) {
@@ -194,10 +194,62 @@ TEST_F(UtilityConvert, TellsWhichPartOfItsSourceAnImageOrAFailureIsAbout) {
     EXPECT_FALSE(other->ConvertExtern(fail, tiff, web, 0, nullptr, true));
     EXPECT_TRUE(isExport(failed.extent));
     ASSERT_TRUE(other->ConvertExtern(copy, tiff, web, 0, nullptr, true));
-    EXPECT_EQ(written.back().path, web);
-    EXPECT_TRUE(isExport(written.back().extent));
-    EXPECT_FALSE(written.back().window);
+    EXPECT_TRUE(isExport(written.back().extent) && !written.back().window && written.back().path == web);
     EXPECT_THAT(folder.Names(), ElementsAre("i_1.png", "i_2.tif", "i_3.png"));
+}
+
+/// What asking for a name fails with.
+std::string RefusalIn(const std::string& folder, const std::string& extension = "png") {
+    return FailureOf(
+        [&] { UtilTools(std::make_shared<SharedState>(), {}).GetFreeFileName(folder, "i", {extension}); });
+}
+
+/// Runs a check in a process of its own; what it returns must be below 256.
+int InOtherProcess(const std::function<int()>& check) {
+    const pid_t pid = ::fork();
+    if (pid == 0) ::_exit(check());
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(UtilityNames, HoldsANameUntilItsFileStandsOrItsObjectEnds) {
+    const TempFolder folder;
+    const auto state = std::make_shared<SharedState>();
+    UtilTools run(state, {});
+    {
+        UtilTools once(state, {});
+        const std::string first = run.GetFreeFileName(folder.Path(), "i", {"png"});
+        const std::string second = once.GetFreeFileName(folder.Path(), "i", {"jpg", "gif"});
+        EXPECT_TRUE(state->reservations.OnlyExtension(first) == "png" &&
+                    !state->reservations.OnlyExtension(second));
+    }
+    EXPECT_THAT(folder.Names(), ElementsAre(".i_1.reserved"));
+    EXPECT_EQ(run.GetFreeFileName(folder.Path(), "i", {"png"}), folder / "i_3") << "never looked at again";
+}
+
+TEST(UtilityNames, NamesTheFolderThatRefusesAndTheDiskThatIsFull) {
+    const TempFolder folder;
+    EXPECT_THAT(RefusalIn(folder / "none"), AllOf(StartsWith("76 "), HasSubstr(folder / "none")));
+    EXPECT_THAT(RefusalIn(folder.Put("file", "")), StartsWith("76 "));
+    EXPECT_THAT(RefusalIn(folder.Path(), std::string(255, 'x')), StartsWith("75 "));
+    EXPECT_THAT(folder.Names(), ElementsAre("file"));
+    EXPECT_EQ(InOtherProcess([&] {
+                  ::chmod(folder.Path().c_str(), 0500);
+                  if (::geteuid() == 0 && ::seteuid(65534) != 0) return 0;
+                  return std::stoi(RefusalIn(folder.Path()));
+              }),
+              75);
+    const int number = InOtherProcess([&] {
+        const int spaces = ::geteuid() == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER;
+        if (::unshare(spaces) != 0) return 255;
+        ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
+        if (::mount("tmpfs", folder.Path().c_str(), "tmpfs", 0, "nr_inodes=3") != 0) return 255;
+        for (int i = 0; i < 5; ++i) folder.Put("file" + std::to_string(i), "");
+        return std::stoi(RefusalIn(folder.Path()));
+    });
+    if (number == 255) GTEST_SKIP() << "no file system may be mounted here";
+    EXPECT_EQ(number, 61);
 }
 
 }  // namespace
