@@ -15,8 +15,8 @@ std::string WriteAttributes(const OGRFeature& feature);
 /// Gives a feature of the same fields the values back. @return the bytes behind the attributes
 std::string_view ReadAttributes(std::string_view bytes, OGRFeature& feature);
 
-/// Makes all texts of a feature UTF-8, see ValidUtf8. @return the name of the first field that was none; empty
-/// where all were
+/// Makes all texts of a feature UTF-8, see ValidUtf8. @return the name of the first field that was none;
+/// empty where all were
 std::string MendTexts(OGRFeature& feature);
 
 /// The members of a JSON object, `"name":value` with commas between; empty for a feature without fields.

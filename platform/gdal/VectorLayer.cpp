@@ -118,6 +118,11 @@ Overview Look(OGRLayer& layer, const std::string& source, const std::string& nam
 VectorLayer::VectorLayer(const std::string& source, const std::string& layer)
     : source_(source), dataset_(Open(source)), layer_(&Choose(*dataset_, source, layer)) {
     name_ = layer_->GetName();
+    TakeOverview();
+    Rewind();
+}
+
+void VectorLayer::TakeOverview() {
     const auto [extent, count] = Look(*layer_, source_, name_);
     count_ = count;
     extent_ = platform::Create(platform::Current().newEnvelope);
@@ -125,7 +130,6 @@ VectorLayer::VectorLayer(const std::string& source, const std::string& layer)
     extent_->XMax(extent.MaxX);
     extent_->YMin(extent.MinY);
     extent_->YMax(extent.MaxY);
-    Rewind();
 }
 
 VectorLayer::~VectorLayer() = default;

@@ -51,6 +51,7 @@ class VectorLayer final : public ILayer {
   private:
     friend std::shared_ptr<VectorLayer> OpenVectorLayer(const std::string& source, const std::string& layer);
     VectorLayer(const std::string& source, const std::string& layer);
+    void TakeOverview();
     [[noreturn]] void BreakOff(const std::string& why) const;
 
     std::string source_;

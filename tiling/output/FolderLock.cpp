@@ -20,11 +20,11 @@ FolderLock::~FolderLock() {
     close(folder_);
 }
 
-bool FolderLock::TryAlone() {
+bool FolderLock::TryAlone() const {
     return flock(folder_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-void FolderLock::Share() {
+void FolderLock::Share() const {
     flock(folder_, LOCK_SH);
 }
 

@@ -16,9 +16,9 @@ class FolderLock {
     FolderLock& operator=(const FolderLock&) = delete;
 
     /// Takes the lock alone; false where others hold it.
-    bool TryAlone();
+    bool TryAlone() const;
     /// Takes the lock beside others, also after having it alone; waits for one who has it alone.
-    void Share();
+    void Share() const;
 
   private:
     int folder_;

@@ -113,9 +113,9 @@ class LibraryWriter final : public PieceWriter {
             notices.push_back(format + " would change the values of " + Listed(texts_) +
                               ": they stand in the tiles as text");
         for (const auto& [what, names] : changes_.fields)
-            notices.push_back("read back from " + format + ", fields " + what + ": " + Listed(names));
+            notices.push_back(ReadBackNotice("fields " + what + ": " + Listed(names)));
         for (const std::string& what : changes_.others)
-            notices.push_back("read back from " + format + ", the tiles " + what);
+            notices.push_back(ReadBackNotice("the tiles " + what));
         return notices;
     }
 
@@ -140,6 +140,9 @@ class LibraryWriter final : public PieceWriter {
         schema_.area = {around.xMin, around.yMin, around.xMax, around.yMax};
     }
 
+    std::string ReadBackNotice(const std::string& change) const {
+        return "read back from " + schema_.format.name + ", " + change;
+    }
     int FieldCount() const { return schema_.fields->GetFieldCount(); }
     /// Of the source's fields and, behind them, the id.
     std::string NameOf(int field) const {

@@ -21,19 +21,15 @@ void OnWork() {
 
 }  // namespace
 
-WorkLimit::WorkLimit() : outer_(std::exchange(innermost, this)) {
+const WorkLimit* WorkLimit::Enter() const {
     static std::once_flag once;
     std::call_once(once, [] { GEOS_interruptRegisterCallback(&OnWork); });
+    return std::exchange(innermost, this);
 }
 
-WorkLimit::WorkLimit(std::function<bool()> stopped) : WorkLimit() {
-    stopped_ = std::move(stopped);
-}
+WorkLimit::WorkLimit(std::function<bool()> stopped) : stopped_(std::move(stopped)), outer_(Enter()) {}
 
-WorkLimit::WorkLimit(std::chrono::seconds most) : WorkLimit() {
-    most_ = most;
-    end_ = Clock::now() + most;
-}
+WorkLimit::WorkLimit(std::chrono::seconds most) : end_(Clock::now() + most), most_(most), outer_(Enter()) {}
 
 WorkLimit::~WorkLimit() {
     innermost = outer_;

@@ -27,7 +27,8 @@ class WorkLimit {
     static void Require();
 
   private:
-    WorkLimit();
+    /// @return the one around
+    const WorkLimit* Enter() const;
 
     std::function<bool()> stopped_;
     Clock::time_point end_ = Clock::time_point::max();
