@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "platform/memory/Envelope.h"
-#include "tests/component/VectorFixture.h"
+#include "tests/component/Fixture.h"
 
 namespace orvo {
 namespace {
