@@ -8,7 +8,7 @@
 namespace orvo {
 namespace {
 
-class VectorGridTest : public VectorTest {};
+using VectorGridTest = VectorTest;
 
 TEST_F(VectorGridTest, SizesAndCountsFollowEachOtherOnlyAsFarAsTheSettersSay) {
     for (const char* row :  // extent, steps, and the state that they lead to
