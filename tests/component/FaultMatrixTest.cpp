@@ -1,7 +1,6 @@
 // Every platform call of an attempt fails once and for good, under every answer: both classes over the fake
 // platform.
-#include "tests/component/TileFixture.h"
-#include "tests/component/VectorFixture.h"
+#include "tests/component/Fixture.h"
 
 namespace orvo {
 namespace {

@@ -1,6 +1,6 @@
 // clsTileImage: creation, tile sizes and layers, and the tiling run over the fake platform.
 #include "support/Text.h"
-#include "tests/component/TileFixture.h"
+#include "tests/component/Fixture.h"
 
 namespace orvo {
 namespace {

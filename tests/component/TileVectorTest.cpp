@@ -3,12 +3,12 @@
 #include <limits>
 
 #include "platform/memory/Envelope.h"
-#include "tests/component/VectorFixture.h"
+#include "tests/component/Fixture.h"
 
 namespace orvo {
 namespace {
 
-class VectorGridTest : public VectorTest {};
+using VectorGridTest = VectorTest;
 
 TEST_F(VectorGridTest, SizesAndCountsFollowEachOtherOnlyAsFarAsTheSettersSay) {
     for (const char* row :  // extent, steps, and the state that they lead to

@@ -107,10 +107,8 @@ TEST_F(Imaging, LayersLieWhereTheirWorldFileSays) {
 TEST_F(Imaging, ExportCopiesWholeCellsAndResamplesOthers) {
     const auto layer = NewLayer();
     ImageSource source(folder / "quelle ☕.png");
-    EXPECT_EQ(Exported(*layer, "t1.png", {110, 480, 130, 492}, 10, 6), folder / "t1.png");
-    EXPECT_EQ(LargestDifference(WholeOf("t1.png"), source.Read(5, 4, 10, 6)), 0);
-    EXPECT_EQ(Exported(*layer, "t2.sid", {100, 460, 160, 500}, 30, 20), folder / "t2.tif");
-    EXPECT_EQ(LargestDifference(WholeOf("t2.tif"), source.Read(0, 0, 30, 20)), 0);
+    EXPECT_EQ(Exported(*layer, "t.sid", {110, 480, 130, 492}, 10, 6), folder / "t.tif");
+    EXPECT_EQ(LargestDifference(WholeOf("t.tif"), source.Read(5, 4, 10, 6)), 0);
     // Even where the source is even.
     Pixels flat(Kind::Grey, 8, 8);
     std::fill_n(flat.At(0, 0), 64, std::uint8_t{99});
