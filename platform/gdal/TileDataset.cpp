@@ -4,9 +4,6 @@
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
-#include <algorithm>
-#include <cstring>
-
 #include "platform/RuntimeError.h"
 #include "platform/gdal/Attributes.h"
 #include "platform/gdal/ScopedOption.h"
@@ -80,16 +77,6 @@ bool ChecksItsWrites(const std::string& format) {
            format == "FITS";
 }
 
-std::int64_t VertexCount(const OGRGeometry* geometry) {
-    struct Counter : OGRDefaultConstGeometryVisitor {
-        using OGRDefaultConstGeometryVisitor::visit;
-        void visit(const OGRPoint*) override { ++count; }
-        std::int64_t count = 0;
-    } counter;
-    if (geometry != nullptr) geometry->accept(&counter);
-    return counter.count;
-}
-
 }  // namespace
 
 TileDataset::TileDataset(const std::string& path, const std::string& name, const TileSchema& schema)
@@ -136,7 +123,8 @@ void TileDataset::CreateFields() {
         const int target = CreateField(field, taken);
         taken.insert(target);
         const std::string written = layer_->GetLayerDefn()->GetFieldDefn(target)->GetNameRef();
-        fields_.push_back({name, kind, target, written});
+        targets_.push_back(target);
+        content_.fields.push_back({name, written, kind});
     };
     for (int i = 0; i < schema_.fields->GetFieldCount(); ++i) {
         OGRFieldDefn field(schema_.fields->GetFieldDefn(i));
@@ -182,32 +170,32 @@ void TileDataset::Add(std::string_view attributes, std::int64_t id, std::span<co
         Fail("a geometry cannot be read back");
     const OGRwkbGeometryType type = TypeOf(schema_);
     if (wkbFlatten(type) != wkbUnknown) geometry = OGRGeometryFactory::forceTo(geometry, type);
-    vertices_ += VertexCount(geometry);
+    content_.vertices += VertexCount(geometry);
     feature.SetGeometryDirectly(geometry);
     if (layer_->CreateFeature(&feature) != OGRERR_NONE)
         FailToWrite("a feature cannot be written: " + errors.Reason("no reason was given"));
-    ++added_;
+    ++content_.features;
 }
 
 void TileDataset::SetFields(OGRFeature& feature, std::int64_t id) {
     std::vector<int> targets;
-    const std::size_t count = fields_.size() - 2;
+    const std::size_t count = targets_.size() - 2;
     for (std::size_t i = 0; i < count; ++i) {
-        Field& field = fields_[i];
+        WrittenField& field = content_.fields[i];
         const int number = static_cast<int>(i);
         // The library cuts lists short where it makes texts of them.
-        const bool isOurs = layer_->GetLayerDefn()->GetFieldDefn(field.target)->GetType() == OFTString &&
+        const bool isOurs = layer_->GetLayerDefn()->GetFieldDefn(targets_[i])->GetType() == OFTString &&
                             (field.kind == ValueKind::List || field.kind == ValueKind::Whole);
-        targets.push_back(isOurs ? -1 : field.target);
+        targets.push_back(isOurs ? -1 : targets_[i]);
         if (isOurs && source_->IsFieldSetAndNotNull(number))
-            feature.SetField(field.target, JsonValue(*source_, number).c_str());
+            feature.SetField(targets_[i], JsonValue(*source_, number).c_str());
         field.values.Add(PlainValue(*source_, number, field.kind));
     }
     feature.SetFieldsFrom(source_.get(), targets.data(), TRUE);
-    feature.SetField(fields_[count].target, static_cast<GIntBig>(id));
-    feature.SetField(fields_[count + 1].target, name_.c_str());
-    fields_[count].values.Add(std::to_string(id));
-    fields_[count + 1].values.Add(name_);
+    feature.SetField(targets_[count], static_cast<GIntBig>(id));
+    feature.SetField(targets_[count + 1], name_.c_str());
+    content_.fields[count].values.Add(std::to_string(id));
+    content_.fields[count + 1].values.Add(name_);
 }
 
 void TileDataset::Close() {
@@ -218,82 +206,7 @@ void TileDataset::Close() {
     dataset_.reset();
     if (!files_.Failure().empty()) FailToWrite(files_.Failure());
     if (errors.Failed()) FailToWrite(errors.Reason(""));
-    ReadBack();
-}
-
-/// Feature by feature: a count in a header says nothing of what stands behind it.
-void TileDataset::ReadBack() {
-    const ErrorCapture errors;
-    const GDALDatasetUniquePtr written(GDALDataset::Open(path_.c_str(), GDAL_OF_VECTOR));
-    OGRLayer* const layer = written ? written->GetLayer(0) : nullptr;
-    if (layer == nullptr)
-        FailToWrite(schema_.format.name + " cannot be read back (" + errors.Reason("no driver takes it") +
-                    "); choose another --format, for example GPKG");
-    const std::vector<int> places = FindFields(*layer->GetLayerDefn());
-    std::vector<ValueSum> sums(fields_.size());
-    std::int64_t count = 0, vertices = 0;
-    for (const auto& feature : layer) {
-        const OGRGeometry* const geometry = feature->GetGeometryRef();
-        if (geometry == nullptr || geometry->IsEmpty() != 0) continue;
-        ++count;
-        vertices += VertexCount(geometry);
-        for (std::size_t i = 0; i < fields_.size(); ++i)
-            if (places[i] >= 0) sums[i].Add(PlainValue(*feature, places[i], fields_[i].kind));
-    }
-    if (count != added_ || errors.Failed())
-        FailToWrite(schema_.format.name + " gives " + std::to_string(count) + " of " +
-                    std::to_string(added_) + " features back" +
-                    (errors.Failed() ? " (" + errors.Reason("") + ")" : "") +
-                    "; choose another --format, for example GPKG");
-    for (std::size_t i = 0; i < fields_.size(); ++i) {
-        if (places[i] < 0 || sums[i] == fields_[i].values) continue;
-        changes_.values.insert(static_cast<int>(i));
-        changes_.fields["have other values"].insert(fields_[i].name);
-    }
-    if (vertices != vertices_) changes_.others.insert("have other vertices");
-    CompareSystem(*layer);
-}
-
-/// Where the fields stand in the file that is read back; −1 for those that do not.
-std::vector<int> TileDataset::FindFields(OGRFeatureDefn& fields) {
-    std::vector<int> places;
-    for (const Field& field : fields_) {
-        int place = fields.GetFieldIndexCaseSensitive(field.written.c_str());
-        if (place < 0) place = fields.GetFieldIndex(field.written.c_str());
-        const bool isShared = place >= 0 && std::ranges::find(places, place) != places.end();
-        places.push_back(isShared ? -1 : place);
-        if (places.back() < 0) {
-            changes_.missing.insert(static_cast<int>(places.size()) - 1);
-            changes_.fields["are missing"].insert(field.name);
-            continue;
-        }
-        if (field.name != fields.GetFieldDefn(place)->GetNameRef())
-            changes_.fields["have another name"].insert(field.name);
-        const ValueKind kind = KindOf(*fields.GetFieldDefn(place));
-        if (kind != field.kind)
-            changes_.fields[std::string("have become ") + NameOf(kind)].insert(field.name);
-    }
-    return places;
-}
-
-void TileDataset::CompareSystem(OGRLayer& layer) {
-    const OGRSpatialReference* const found = layer.GetSpatialRef();
-    if (found == nullptr || schema_.system == nullptr) {
-        if (found != schema_.system)
-            changes_.others.insert(found == nullptr ? "have no coordinate system"
-                                                    : "have another coordinate system");
-        return;
-    }
-    const char* const options[] = {"IGNORE_DATA_AXIS_TO_SRS_AXIS_MAPPING=YES", "CRITERION=EQUIVALENT",
-                                   nullptr};
-    if (found->IsSame(schema_.system, options) == 0) changes_.others.insert("have another coordinate system");
-}
-
-void Changes::Add(const Changes& more) {
-    values.insert(more.values.begin(), more.values.end());
-    missing.insert(more.missing.begin(), more.missing.end());
-    for (const auto& [what, names] : more.fields) fields[what].insert(names.begin(), names.end());
-    others.insert(more.others.begin(), more.others.end());
+    changes_ = ReadBack(path_, schema_.format.name, schema_.system, content_);
 }
 
 }  // namespace orvo::gdal

@@ -13,7 +13,7 @@
 
 #include "platform/gdal/CheckedFiles.h"
 #include "platform/gdal/ErrorCapture.h"
-#include "platform/gdal/FieldValues.h"
+#include "platform/gdal/ReadBack.h"
 #include "platform/gdal/VectorFormat.h"
 
 class GDALDataset;
@@ -39,16 +39,6 @@ struct TileSchema {
     std::map<int, std::string> renamed;
 };
 
-/// What a file that is read back does not hold as it was put in.
-struct Changes {
-    std::set<int> values, missing;  ///< numbers of the source's fields, the id and the tile behind them
-    /// For users: what fields "have" or "are", with their names.
-    std::map<std::string, std::set<std::string>> fields;
-    std::set<std::string> others;  ///< likewise of the tiles
-
-    void Add(const Changes& more);
-};
-
 class TileDataset {
   public:
     /// Creates the file, and those that go with it, for one layer of that name. Fails with number 440 where
@@ -69,20 +59,9 @@ class TileDataset {
     const Changes& Changed() const { return changes_; }
 
   private:
-    /// A field of the source, or one of ours.
-    struct Field {
-        std::string name;  ///< in the source
-        ValueKind kind;
-        int target;           ///< in the file that is written
-        std::string written;  ///< its name there
-        ValueSum values = {};
-    };
     void CreateFields();
     int CreateField(OGRFieldDefn& field, const std::set<int>& taken);
     void SetFields(OGRFeature& feature, std::int64_t id);
-    void ReadBack();
-    std::vector<int> FindFields(OGRFeatureDefn& fields);
-    void CompareSystem(OGRLayer& layer);
     [[noreturn]] void FailToCreate(const ErrorCapture& errors) const;
     [[noreturn]] void FailToWrite(const std::string& reason) const;
 
@@ -92,10 +71,9 @@ class TileDataset {
     CheckedFiles files_;
     std::unique_ptr<GDALDataset> dataset_;
     OGRLayer* layer_ = nullptr;  ///< of the dataset
-    std::vector<Field> fields_;  ///< the source's, then the id's and the tile's
+    std::vector<int> targets_;   ///< numbers of its fields: the source's, then the id's and the tile's
     std::unique_ptr<OGRFeature> source_;
-    std::int64_t added_ = 0;
-    std::int64_t vertices_ = 0;
+    WrittenContent content_;
     gdal::Warnings warnings_;
     Changes changes_;
 };
