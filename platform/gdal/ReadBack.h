@@ -34,6 +34,7 @@ struct Changes {
     std::map<std::string, std::set<std::string>> fields;
     std::set<std::string> others;  ///< likewise of the tiles
 
+    bool IsEmpty() const { return fields.empty() && others.empty(); }
     void Add(const Changes& more);
 };
 

@@ -100,6 +100,7 @@ class LibraryWriter final : public PieceWriter {
             while (!chunk.empty()) AddFirst(chunk, dataset);
         });
         dataset.Close();
+        if (dataset.Changed().IsEmpty()) return;  // whatever the library warned of
         for (const auto& [sort, text] : dataset.Warned()) warnings_.try_emplace(sort, text);
         changes_.Add(dataset.Changed());
     }
