@@ -204,6 +204,7 @@ void TileDataset::Close() {
     if (dataset_->TestCapability(ODsCTransactions) != 0) dataset_->CommitTransaction();
     dataset_->FlushCache(true);
     dataset_.reset();
+    for (auto& [sort, text] : warnings_) text = files_.WithPaths(text);
     if (!files_.Failure().empty()) FailToWrite(files_.Failure());
     if (errors.Failed()) FailToWrite(errors.Reason(""));
     changes_ = ReadBack(path_, schema_.format.name, schema_.system, content_);

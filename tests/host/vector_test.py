@@ -240,7 +240,7 @@ class TreatmentsTest(VectorTest):
 
     def test_a_format_keeps_each_value_or_names_the_field(self):
         fields = {"big": [9007199254740993, -2**63, 2**63 - 1, 7], "name": ["ä|\t,", "b\n", "long" * 90, ""],
-                  "NAME": ["other"], "quite_a_long_name": ["x"], "list": [[1, 2], list(range(100))],
+                  "NAME": ["other"], "Name": ["third"], "quite_a_long_name": ["x"], "list": [[1, 2], list(range(100))],
                   "json": ['{"a":1}', "{'a':1}", "NaN", "[" * 300 + "]" * 300, '{"n":1e2,"m":12345678901234567890}'],
                   "real": [1 / 3, 1e300], "time": ["2024-02-29T12:13:14.567+02:00"]}
         values = [{name: given[i % len(given)] for name, given in fields.items()} for i in range(12)]

@@ -2,6 +2,7 @@
 
 #include <ogr_feature.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <optional>
@@ -86,7 +87,7 @@ class LibraryWriter final : public PieceWriter {
         for (int field = 0; field <= FieldCount(); ++field) {
             const bool isChanged = changes && changes->values.contains(field);
             if (SharesName(field) && (isChanged || !changes || changes->missing.contains(field))) {
-                schema_.renamed[field] = gdal::FreeFieldName(*schema_.fields, NameOf(field));
+                schema_.renamed[field] = OtherName(field);
             } else if (isChanged && (IsLong(field) || IsList(field))) {
                 schema_.asText.insert(field);
                 texts_.insert(NameOf(field));
@@ -158,6 +159,20 @@ class LibraryWriter final : public PieceWriter {
     /// With an earlier field, but for the case.
     bool SharesName(int field) const {
         return field < FieldCount() && schema_.fields->GetFieldIndex(NameOf(field).c_str()) < field;
+    }
+
+    /// With a number behind it, unlike all others whatever the case.
+    std::string OtherName(int field) const {
+        std::string name;
+        const auto isTaken = [&] {
+            return schema_.fields->GetFieldIndex(name.c_str()) >= 0 ||
+                   std::ranges::any_of(schema_.renamed, [&](const auto& other) {
+                       return EQUAL(other.second.c_str(), name.c_str());
+                   });
+        };
+        for (int number = 2; name.empty() || isTaken(); ++number)
+            name = NameOf(field) + "_" + std::to_string(number);
+        return name;
     }
 
     /// How much a number asks of a format: most where a double does not hold it, then by its size.
