@@ -63,8 +63,10 @@ class Walk {
     }
     void Add(const std::string& name) {
         if (!seen_.insert(name).second) return;
-        AddPaths(name, files_);
-        AddSources(Definition(name).get(), CPLGetPath(name.c_str()));
+        const CPLXMLTreeCloser definition = Definition(name);
+        const bool isText = name.starts_with('<');
+        if (!isText) AddPaths(name, files_);
+        AddSources(definition.get(), isText ? "" : CPLGetPath(name.c_str()));
     }
     std::vector<std::string> Files() const { return {files_.begin(), files_.end()}; }
 

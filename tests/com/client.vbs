@@ -13,6 +13,15 @@ Sub Check(what, holds)
     End If
 End Sub
 
+Class Point
+    Public GeometryType
+    Public X
+    Public Y
+    Public Function Within(tile)
+        Within = X > tile.XMin And X < tile.XMax And Y > tile.YMin And Y < tile.YMax
+    End Function
+End Class
+
 Class StatusDisplay
     Public Log
     Public Steps
@@ -20,6 +29,39 @@ Class StatusDisplay
         If isStep Then Steps = Steps + 1 Else Log = Log & text & "|" & maxValue & "|"
     End Sub
 End Class
+
+' --- the vector class, and a script's own geometry ---
+
+Dim grid, extent, where, column, row
+Set extent = CreateObject("OrvoPlatform.Envelope")
+extent.XMin = 0
+extent.XMax = 1000
+extent.YMin = 0
+extent.YMax = 600
+Set grid = CreateObject("Orvo_Tile.clsTileVector")
+Set grid.LayerExtent = extent
+Set grid.VectorLayer = Nothing
+grid.TileWidth = 250
+grid.TileHeight = 200
+grid.InitializeTiles
+For row = 1 To 3
+    For column = 1 To 4
+        grid.GetTileExtent(column, row).Height = grid.GetTileExtent(column, row).Depth
+    Next
+Next
+row = 2
+Check "a variable by reference", grid.GetTileID(1, row) = "grp4"
+Set where = New Point
+where.GeometryType = 1
+where.X = 600
+where.Y = 300
+column = -1
+row = -1
+Check "the point's tile is found", grid.IsInside(column, row, where)
+Check "and written back", column = 3 And row = 2 And VarType(column) = 3 And VarType(row) = 3
+Check "numbers that are no variables", grid.IsInside(3, 2, where)
+
+' --- the image class: a job on a system without a map platform ---
 
 Dim image, status, folder, files, tile, tiles, keys, raster, i
 Set image = CreateObject("Orvo_Tile.clsTileImage")

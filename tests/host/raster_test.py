@@ -253,6 +253,10 @@ class UsageTest(RasterTest):
         for source in ("missing.png", "empty.png", "text.png", "."):
             self.refuse("raster", source, "out", ["--tile-size", "5"], 1, [source])
         self.refuse("raster", "ten.tif", "out", ["--tile-size", "5"], 1, ["ten.tif", "gdalwarp"])
+        huge = gdal.GetDriverByName("GTiff").Create(self.path("huge.tif"), 5, 5)
+        huge.SetGeoTransform((0, 2e16, 0, 1e17, 0, -2e16))
+        huge = None
+        self.refuse("raster", "huge.tif", "out", ["--tile-size", "1"], 2, ["no pixels", "2e+16"])
         self.refuse("raster", "back\\slash.png", "out", ["--tile-size", "5"], 2, ["backslash"])
         summary = self.cut("map.png", "out", "--tile-size", 5, "--name", "missing.png", "--language", "en", exit_code=1)
         self.assertIn("File not found or format not supported", summary["stderr"])

@@ -6,6 +6,7 @@ import random
 import re
 import resource
 import sys
+import time
 import unittest
 
 from osgeo import gdal, ogr, osr
@@ -356,7 +357,8 @@ class UsageTest(VectorTest):
                 ("--columns 99999 --rows 99999", "99999 x 99999", "larger"),
                 ("--tile-width 5.5 --tile-height 5", "5.5", "whole"),
                 ("--columns 2 --rows 2 --format nonsense", "nonsense", "GPKG"),
-                ("--columns 2 --rows 2 --id ../x", "../x"), ("--columns 2 --rows 2 --layer missing", "missing", "shapes")):
+                ("--columns 2 --rows 2 --id ../x", "../x"),
+                ("--columns 2 --rows 2 --layer missing", "missing", "shapes")):
             self.refuse("vector", source, "out", arguments.split(), 2, words)
         self.refuse("vector", "wide.gpkg", "out", ["--columns", "1000000", "--rows", "1"], 2, ["32 bits", "fewer"])
         for name, code, *words in (
@@ -433,6 +435,18 @@ class FaultsTest(VectorTest):
         process = self.start("vector", source, "out", "--columns", "40", "--rows", "40", "--format", "gpkg", "-q")
         summary = self.interrupt(process, lambda: any("grp" in name for name in self.names()))
         self.assertGreater(summary["tiles"]["not_reached"], 0)
+
+    def test_tiles_that_vanish_stand_in_no_index(self):
+        source = write_layer(self.path("map.gpkg"), blobs(4, 400, 3), kind=ogr.wkbPolygon)
+        process = self.start("vector", source, "out", "--columns", "20", "--rows", "20", "--format", "gpkg", "-q")
+        while process.poll() is None and not any(name.startswith("grp") for name in self.names()):
+            time.sleep(0.005)
+        gone = next(name for name in self.names() if name.startswith("grp"))
+        os.remove(self.path("out", gone))
+        summary = json.loads(process.communicate()[0])
+        self.assertEqual([failure["tile"] + ".gpkg" for failure in summary["failures"]], [gone])
+        self.assertEqual(process.returncode, 1)
+        self.check(summary)
 
     def test_full_disk(self):
         # A file may grow to 6000 bytes: tiles of few features get through, the big one does not.
