@@ -36,14 +36,13 @@ void AddPaths(const std::string& name, std::set<std::string>& files) {
         files.insert(name);
         return;
     }
-    for (std::size_t at = 0; at < name.size(); at = name.find_first_of("/:,\"{<>", at)) {
-        at += at == 0 ? 0 : 1;
+    for (std::size_t at = 0, mark = 0; mark != std::string::npos; at = mark + 1) {
         const std::string path = PathAt(name, at);
         if (!path.empty()) {
             files.insert(path);
             return;
         }
-        if (at == 0) at = 1;
+        mark = name.find_first_of("/:,\"{", at);
     }
 }
 
