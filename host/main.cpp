@@ -9,6 +9,7 @@
 #include "host/Commands.h"
 #include "host/Interrupt.h"
 #include "host/Session.h"
+#include "host/Suggestion.h"
 #include "platform/FailureInFlight.h"
 #include "tiling/Errors.h"
 
@@ -71,8 +72,7 @@ int Main(int count, char** values) {
     } catch (const tiling::UsageError& error) {
         return Fail(kExitUsage, error.what());
     } catch (const CLI::ParseError& error) {
-        return Fail(kExitUsage,
-                    std::string(error.what()) + " (orvo-tile --help and orvo-tile COMMAND --help explain)");
+        return Fail(kExitUsage, Explain(application, error));
     }
     return Run(commands);
 }

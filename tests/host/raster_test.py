@@ -4,6 +4,8 @@ import copy
 import hashlib
 import json
 import os
+import random
+import re
 import resource
 import shutil
 import signal
@@ -231,7 +233,6 @@ class UsageTest(RasterTest):
             (["tif", "--converter"], "10 --format tif"),
             (["no-such-program", "PATH"], "10 --converter no-such-program"),
             (["./file"], "10 --converter ./file"),
-            (["--colour"], "10 --colour"),
             (["backslash"], "10 --name a\\b"),
         ]
         for words, *runs in cases:
@@ -240,6 +241,35 @@ class UsageTest(RasterTest):
                 self.refuse("raster", "map.png", "out", arguments, 2, words)
         for option in ("--format", "--converter", "--tile-size"):
             self.refuse("raster", "map.png", "out", ["--tile-size", "10", option, ""], 2, [option])
+
+    def test_slips_are_named_with_what_was_meant(self):
+        def said(*arguments):
+            done = self.run_tile(*arguments)
+            self.assertEqual((done.returncode, done.stdout, done.stderr.count("\n")), (2, "", 1), done.stderr)
+            return done.stderr
+
+        random.seed(5)
+        slips = (lambda t, i: t[:i] + t[i + 1:], lambda t, i: t[:i] + "z" + t[i:], lambda t, i: t[:i] + "z" + t[i + 1:],
+                 lambda t, i: t[:i] + t[i + 1] + t[i] + t[i + 2:])
+        commands = re.findall(r"^  ([a-z-]+) ", self.run_tile("--help").stdout.split("Subcommands:")[1], re.M)
+        self.assertLessEqual({"raster", "vector", "locate"}, set(commands))
+        for command in commands:
+            options = re.findall(r"--([a-z-]+)", self.run_tile(command, "--help").stdout.split("Exit codes")[0])
+            for name in {command, *options}:
+                word = random.choice(slips)(name, random.randrange(len(name) - 1))
+                if word in {*commands, *options}:
+                    continue  # two equal letters swapped
+                with self.subTest(command=command, word=word):
+                    if name == command:
+                        self.assertEqual(said(word, "a", "--vtr"), f'orvo-tile: "{word}" is no command; did you mean '
+                                         f"{name}? (orvo-tile --help lists them)\n")
+                    else:
+                        self.assertEqual(said(command, "a", f"--{word}=5"),
+                                         f'orvo-tile: "--{word}" is no option of {command}; did you mean --{name}? '
+                                         f"(orvo-tile {command} --help lists them)\n")
+        for arguments, name in (("tiles", "tiles"), ("raster a b -x", "-x"), ("raster --colour red", "--colour"),
+                                ("--tile-size 5 raster a b", "--tile-size"), ("x" * 99999, "x" * 99999)):
+            self.assertRegex(said(*arguments.split()), f'^orvo-tile: "{name}" is no (command|option of [a-z-]+) .orvo')
 
     def test_paths_and_sources(self):
         write_raster(self.path("map.png"), 20, 10)
