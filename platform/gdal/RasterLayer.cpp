@@ -2,6 +2,7 @@
 
 #include <cpl_string.h>
 #include <gdal_priv.h>
+#include <ogrsf_frmts.h>
 
 #include <algorithm>
 #include <cmath>
@@ -35,6 +36,16 @@ bool IsEmptyFile(const std::string& path) {
     return std::filesystem::is_regular_file(path, failed) && std::filesystem::file_size(path, failed) == 0;
 }
 
+/// Whether a source without a raster has a layer with geometries.
+bool HoldsFeatures(const std::string& path) {
+    const ErrorCapture ignored;
+    const GDALDatasetUniquePtr dataset(GDALDataset::Open(path.c_str(), GDAL_OF_VECTOR));
+    if (!dataset) return false;
+    for (OGRLayer* const layer : dataset->GetLayers())
+        if (layer->GetGeomType() != wkbNone) return true;
+    return false;
+}
+
 std::unique_ptr<GDALDataset> Open(const std::string& name) {
     const std::string path = !IsOnDisk(name) && IsOnDisk(SystemPath(name)) ? SystemPath(name) : name;
     if (!IsOnDisk(path) && path.find_first_of(":<") == std::string::npos && !path.starts_with("/vsi")) {
@@ -46,6 +57,7 @@ std::unique_ptr<GDALDataset> Open(const std::string& name) {
     std::unique_ptr<GDALDataset> dataset(
         GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
     if (!dataset) {
+        if (HoldsFeatures(path)) Refuse(name, "holds features, no image. Cut it with 'orvo-tile vector'.");
         Refuse(name, "cannot be opened as a raster (" + errors.Reason("no driver takes it") +
                          "). Check that it is complete, and in a format that 'gdalinfo --formats' lists.");
     }

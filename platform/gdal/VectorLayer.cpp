@@ -39,7 +39,7 @@ std::unique_ptr<GDALDataset> Open(const std::string& source) {
     std::unique_ptr<GDALDataset> dataset(
         GDALDataset::Open(source.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
     if (dataset && dataset->GetLayerCount() > 0) return dataset;
-    if (IsRaster(source)) Refuse(source, "is a raster, not a vector layer. Cut it with 'orvo-tile raster'.");
+    if (IsRaster(source)) Refuse(source, "holds an image, no features. Cut it with 'orvo-tile raster'.");
     if (dataset) Refuse(source, "holds no vector layers. 'ogrinfo' shows what is in it.");
     Refuse(source, "cannot be opened as a vector layer (" + errors.Reason("no driver takes it") +
                        "). Check that it is complete, and in a format that 'ogrinfo --formats' lists.");

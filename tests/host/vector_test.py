@@ -365,8 +365,13 @@ class UsageTest(VectorTest):
                 ("two.gpkg", 2, "--layer", "first, second"), ("far.gpkg", 2, "32 bits"),
                 ("missing.gpkg", 1, "missing.gpkg", "spelling"), ("none.gpkg", 1, "none.gpkg", "no features"),
                 ("null.gpkg", 1, "null.gpkg", "geometry"), ("plain.gpkg", 1, "plain.gpkg", "no geometries"),
-                ("map.tif", 1, "orvo-tile raster"), ("text.txt", 1, "text.txt"), ("empty.shp", 1, "empty.shp")):
+                ("map.tif", 1, "map.tif holds an image", "orvo-tile raster"),
+                ("text.txt", 1, "text.txt"), ("empty.shp", 1, "empty.shp")):
             self.refuse("vector", name, "out", size, code, words)
+        write_layer(self.path("map.geojson"), [square(1, 1)], "GeoJSON")
+        for name, *words in (("map.geojson", "holds features", "orvo-tile vector"), (source, "orvo-tile vector"),
+                             (f"GPKG:{source}:shapes", "orvo-tile vector"), ("plain.gpkg", "cannot be opened")):
+            self.refuse("raster", name, "out", ["--tile-size", "5"], 1, [name, *words])
         os.mkfifo(self.path("pipe"))
         for name in ("pipe", "", "CSV:pipe", "/vsigzip/" + self.path("pipe"), "/vsistdin/"):
             for command, options in (("vector", size), ("raster", ["--tile-size", "5"])):
