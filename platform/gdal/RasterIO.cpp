@@ -21,6 +21,7 @@
 #include "platform/gdal/Pieces.h"
 #include "platform/gdal/PngEncoder.h"
 #include "platform/gdal/RasterLayer.h"
+#include "platform/gdal/SourceOptions.h"
 #include "platform/gdal/Startup.h"
 #include "platform/raster/ImageFormat.h"
 #include "support/SystemPath.h"
@@ -161,7 +162,8 @@ std::string RasterIO::ExportRasterWindow(IRasterLayer& layer, const std::string&
 GDALDataset& RasterIO::OpenSource(const std::string& sourceFile) {
     if (source_ && sourceFile_ == sourceFile) return *source_;
     const ErrorCapture errors;
-    source_.reset(GDALDataset::Open(SystemPath(sourceFile).c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR));
+    source_.reset(GDALDataset::Open(SystemPath(sourceFile).c_str(), GDAL_OF_RASTER | GDAL_OF_VERBOSE_ERROR,
+                                    nullptr, kSourceOptions));
     if (!source_ || source_->GetRasterCount() == 0) {
         source_.reset();
         throw RuntimeError(Fault::FileNotFound, errors.Reason(sourceFile + " holds no image"));

@@ -12,6 +12,7 @@
 #include "platform/gdal/DatasetName.h"
 #include "platform/gdal/ErrorCapture.h"
 #include "platform/gdal/ScopedOption.h"
+#include "platform/gdal/SourceOptions.h"
 #include "platform/gdal/Startup.h"
 #include "support/SystemPath.h"
 
@@ -54,8 +55,8 @@ std::unique_ptr<GDALDataset> Open(const std::string& name) {
     }
     if (IsEmptyFile(path)) Refuse(name, "is an empty file. Fetch or copy it again.");
     const ErrorCapture errors;
-    std::unique_ptr<GDALDataset> dataset(
-        GDALDataset::Open(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR));
+    std::unique_ptr<GDALDataset> dataset(GDALDataset::Open(
+        path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR, nullptr, kSourceOptions));
     if (!dataset) {
         if (HoldsFeatures(path)) Refuse(name, "holds features, no image. Cut it with 'orvo-tile vector'.");
         Refuse(name, "cannot be opened as a raster (" + errors.Reason("no driver takes it") +

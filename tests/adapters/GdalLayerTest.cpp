@@ -1,6 +1,7 @@
 // What layers say about their source, and which sources are refused.
 #include <gmock/gmock.h>
 
+#include "platform/gdal/ScopedOption.h"
 #include "tests/Failure.h"
 #include "tests/adapters/GdalRasters.h"
 
@@ -36,6 +37,31 @@ TEST_F(GdalLayerTest, RastersInContainersNameContainerAndRaster) {
     const auto table = gdal::OpenRasterLayer("GPKG:" + package + ":relief");
     EXPECT_TRUE(table->IsInGeodatabase());
     EXPECT_EQ(table->FilePath(), package + "\\relief");
+}
+
+// The library's threads decode a block once for each piece of it that is read.
+TEST_F(GdalLayerTest, BlocksAreDecodedOnceWhateverTheEnvironmentSays) {
+    const auto threads = [] {
+        namespace fs = std::filesystem;
+        return std::distance(fs::directory_iterator("/proc/self/task"), fs::directory_iterator());
+    };
+    const std::string source =
+        Make("tiled.tif", {.width = 64,
+                           .height = 64,
+                           .bands = 3,
+                           .options = {"TILED=YES", "COMPRESS=DEFLATE", "BLOCKXSIZE=32", "BLOCKYSIZE=32"}});
+    const auto before = threads();
+    const gdal::ScopedOption several("GDAL_NUM_THREADS", "4");
+    const auto layer = gdal::OpenRasterLayer(source);
+    EXPECT_NE(Export(*layer, "tile.png", 0, 0, 64, 64), "");
+    PixelWindow window{.width = 64, .height = 64};
+    EXPECT_TRUE(io_->CutWindow(source, window, out_ / "tile.tif", reason_)) << reason_;
+    EXPECT_EQ(threads(), before);
+    std::array<char, std::size_t{3} * 64 * 64> cells{};
+    ASSERT_EQ(OpenFile(source)->RasterIO(GF_Read, 0, 0, 64, 64, cells.data(), 64, 64, GDT_Byte, 3, nullptr, 3,
+                                         192, 1, nullptr),
+              CE_None);
+    EXPECT_GT(threads(), before) << "the setting does nothing";
 }
 
 TEST_F(GdalLayerTest, RefusalsNameTheFileAndTheRemedy) {
