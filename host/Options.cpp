@@ -99,13 +99,18 @@ std::string ParsePrefix(const std::string& text) {
     return text;
 }
 
+void BeginGroup(CLI::App& command, const std::string& title) {
+    command.option_defaults()->group(title);
+}
+
 void AddDialogOptions(CLI::App& command, SessionOptions& options) {
+    BeginGroup(command, "Messages and failures");
     AddChoice<Language>(command, "--language", options.language,
                         {{"", Language::Locale},
                          {"de", Language::German},
                          {"en", Language::English},
                          {"fr", Language::French}},
-                        "Language of messages: de, en or fr (default: the locale's)");
+                        "Language of messages, where it is not the locale's");
     AddChoice<dialog::Policy>(
         command, "--on-error", options.policy,
         {{"ask", dialog::Policy::Ask}, {"next", dialog::Policy::Next}, {"leave", dialog::Policy::Leave}},
@@ -114,20 +119,26 @@ void AddDialogOptions(CLI::App& command, SessionOptions& options) {
     AddChoice<DialogPlace>(
         command, "--dialog", options.place,
         {{"auto", DialogPlace::Auto}, {"window", DialogPlace::Window}, {"terminal", DialogPlace::Terminal}},
-        "Where to ask: window, terminal, or auto (a window where there is a display and no terminal)");
+        "Where to ask; auto takes a window where there is a display and no terminal");
 }
 
 void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite) {
-    AddDialogOptions(command, options);
+    BeginGroup(command, "Run");
     command.add_flag("--overwrite", overwrite, "Remove the files of an earlier run from OUTDIR first");
-    AddChoice<ProgressMode>(command, "--progress", options.progress,
-                            {{"auto", ProgressMode::Auto},
-                             {"bar", ProgressMode::Bar},
-                             {"json", ProgressMode::Json},
-                             {"none", ProgressMode::None}},
-                            "On standard error: bar, json (one object per line), none, or auto (a bar on a "
-                            "terminal)");
+    AddChoice<ProgressMode>(
+        command, "--progress", options.progress,
+        {{"auto", ProgressMode::Auto},
+         {"bar", ProgressMode::Bar},
+         {"json", ProgressMode::Json},
+         {"none", ProgressMode::None}},
+        "On standard error; auto draws a bar on a terminal, json gives one object per line");
     command.add_flag("-q,--quiet", options.quiet, "Say nothing on standard error but errors");
+    AddDialogOptions(command, options);
+}
+
+void AddHelp(CLI::App& command) {
+    BeginGroup(command, "Help");
+    command.set_help_flag("-h,--help", "Print this help and exit");
 }
 
 }  // namespace orvo::host

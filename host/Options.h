@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -12,13 +13,25 @@
 
 namespace orvo::host {
 
-/// An option whose text becomes a value as the command line is read.
+/// What is added to a command from here on stands in the help under this title, in the order of the titles'
+/// first use.
+void BeginGroup(CLI::App& command, const std::string& title);
+
+/// The help's word for a value.
+template <class Value>
+constexpr const char* TypeName() {
+    if (std::is_integral_v<Value>) return "N";
+    return std::is_floating_point_v<Value> ? "NUMBER" : "TEXT";
+}
+
+/// An option whose text becomes a value as the command line is read. The help calls it N, NUMBER or TEXT by
+/// the type of the value; the result's type_name() says more.
 /// @param parse fails with UsageError; its text goes behind the option's name and the text given
 template <class Value, class Parse>
 CLI::Option* AddValue(CLI::App& command, const std::string& name, Value& value, Parse parse,
                       const std::string& description) {
     const std::string label = name.substr(name.find_last_of(',') + 1);
-    return command.add_option_function<std::string>(
+    CLI::Option* const option = command.add_option_function<std::string>(
         name,
         [label, &value, parse](const std::string& text) {
             try {
@@ -28,14 +41,19 @@ CLI::Option* AddValue(CLI::App& command, const std::string& name, Value& value, 
             }
         },
         description);
+    return option->type_name(TypeName<Value>());
 }
 
-/// An option that takes one of some words. @param words the default first; an empty one is not named to users
+/// An option that takes one of some words, which the help shows. @param words the default first; an empty one
+/// is not named to users
 template <class Value>
 CLI::Option* AddChoice(CLI::App& command, const std::string& name, Value& value,
                        std::vector<std::pair<std::string, Value>> words, const std::string& description) {
     const std::string usual = words.front().first;
     value = words.front().second;
+    std::string shown;
+    for (const auto& [word, ignored] : words)
+        if (!word.empty()) shown += (shown.empty() ? "" : "|") + word;
     const auto parse = [words = std::move(words)](const std::string& text) {
         std::string known;
         for (std::size_t i = 0; i < words.size(); ++i) {
@@ -44,7 +62,7 @@ CLI::Option* AddChoice(CLI::App& command, const std::string& name, Value& value,
         }
         throw tiling::UsageError("is not known; choose " + known);
     };
-    return AddValue(command, name, value, parse, description)->default_str(usual);
+    return AddValue(command, name, value, parse, description)->type_name(shown)->default_str(usual);
 }
 
 // Parsers. All fail with UsageError, whose text says what the value is not, and the remedy.
@@ -64,9 +82,11 @@ std::string ParseProgram(const std::string& text);
 /// A text that can begin the name of a file.
 std::string ParsePrefix(const std::string& text);
 
-/// --language, --on-error and --dialog.
+/// --language, --on-error and --dialog, in a group of their own.
 void AddDialogOptions(CLI::App& command, SessionOptions& options);
-/// These, --overwrite, --progress and --quiet.
+/// --overwrite, --progress and --quiet in a group, then the dialog's.
 void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite);
+/// --help, last of all.
+void AddHelp(CLI::App& command);
 
 }  // namespace orvo::host

@@ -58,13 +58,15 @@ void AddFiles(CLI::App& command, tiling::RasterJob& job) {
     command.add_option("INPUT", job.input, "Raster file, or a raster inside a container as GDAL names it")
         ->required();
     command.add_option("OUTDIR", job.outdir, "Folder for the tiles; made where it is missing")->required();
+    BeginGroup(command, "Output");
     AddValue(
         command, "--name", job.name,
         [](const std::string& text) {
             if (text.empty()) throw UsageError("is empty; give the image file");
             return text;
         },
-        "Image file, where it is not the layer's own");
+        "Image file, where it is not the layer's own")
+        ->type_name("FILENAME");
     command.add_flag("--world-files", job.worldFiles, "Write a world file beside each tile");
     command.add_flag("--vrt", job.vrt, "Write mosaic.vrt, one virtual raster over all tiles");
     command.add_flag("--preview", job.preview,
@@ -73,22 +75,27 @@ void AddFiles(CLI::App& command, tiling::RasterJob& job) {
 
 void AddTiles(CLI::App& command, RasterOptions& options) {
     tiling::RasterJob& job = options.job;
+    BeginGroup(command, "Tiles");
     AddValue(command, "--tile-size", options.tileSize, ParseSize,
              "Width and height of a tile in whole map units; -1 spans the whole axis");
     AddValue(command, "--tile-width", options.tileWidth, ParseSize, "Width alone");
     AddValue(command, "--tile-height", options.tileHeight, ParseSize, "Height alone");
     AddValue(command, "--format", job.format, ParseFormat,
              "Extension of the tiles: png, jpg, gif, bmp, or with --converter what that can write")
+        ->type_name("EXT")
         ->default_str(job.format);
-    AddValue(command, "--quality", job.quality, ParseQuality, "1 to 100, for formats with losses")
+    AddValue(command, "--quality", job.quality, ParseQuality, "For formats with losses")
+        ->type_name("1-100")
         ->default_str(std::to_string(job.quality));
     AddValue(command, "--converter", job.converter, ParseProgram,
              "Program that converts the tiles: convert, magick, gm, vips, gdal_translate, or any that takes "
-             "SOURCE TARGET QUALITY");
+             "SOURCE TARGET QUALITY")
+        ->type_name("PROGRAM");
     command
         .add_option_function<std::vector<std::string>>(
             "--clip", [&job](const std::vector<std::string>& texts) { job.clip = ParseClip(texts); },
-            "Cut only what lies in this area, in map units: XMIN YMIN XMAX YMAX")
+            "Cut only what lies in this area, in map units")
+        ->type_name("XMIN YMIN XMAX YMAX")
         ->expected(4);
 }
 
@@ -98,8 +105,8 @@ Command AddRaster(CLI::App& application) {
     CLI::App* const app = application.add_subcommand(
         "raster", "Cut a raster layer into image tiles with an index of their places");
     const auto options = std::make_shared<RasterOptions>();
-    AddFiles(*app, options->job);
     AddTiles(*app, *options);
+    AddFiles(*app, options->job);
     AddRunOptions(*app, options->session, options->job.overwrite);
     return {app, [options] { return Run(*options); }};
 }

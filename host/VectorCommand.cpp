@@ -55,13 +55,15 @@ void AddInput(CLI::App& command, tiling::VectorGridJob& job) {
 }
 
 void AddTiles(CLI::App& command, tiling::VectorGridJob& job) {
+    BeginGroup(command, "Tiles");
     AddValue(command, "--tile-width", job.sizes.width, ParseSize,
              "Width of a tile in whole map units; -1 spans the axis");
     AddValue(command, "--tile-height", job.sizes.height, ParseSize, "Height of a tile");
     AddValue(command, "--columns", job.sizes.columns, ParseCount, "Number of columns, instead of a width");
     AddValue(command, "--rows", job.sizes.rows, ParseCount, "Number of rows, instead of a height");
-    command.add_option("--layer", job.layer, "Layer, where the source holds several");
-    AddValue(command, "--id", job.prefix, ParsePrefix, "Text before the tiles' identifiers grp0, grp1, ...");
+    command.add_option("--layer", job.layer, "Layer, where the source holds several")->type_name("NAME");
+    AddValue(command, "--id", job.prefix, ParsePrefix, "Text before the tiles' identifiers grp0, grp1, ...")
+        ->type_name("PREFIX");
 }
 
 }  // namespace
@@ -74,10 +76,12 @@ Command AddVector(CLI::App& application) {
     AddInput(*app, job);
     app->add_option("OUTDIR", job.outdir, "Folder for the tiles; made where it is missing")->required();
     AddTiles(*app, job);
+    BeginGroup(*app, "Output");
     app->add_option(
            "--format", job.format,
            "Format of the tiles: GeoJSON, GPKG, \"ESRI Shapefile\", FlatGeobuf or any other that GDAL "
            "creates; an extension does too")
+        ->type_name("NAME")
         ->capture_default_str();
     app->add_flag("--strict", job.strict, "Write nothing of an area for the tiles that it covers whole");
     app->add_flag("--preview", job.preview, "Write index.html, a page that shows the features and tiles");
@@ -91,7 +95,7 @@ Command AddLocate(CLI::App& application) {
     const auto options = std::make_shared<VectorOptions>();
     AddInput(*app, options->job);
     AddValue(*app, "X", options->x, ParseNumber, "Place in the layer's coordinate system")->required();
-    AddValue(*app, "Y", options->y, ParseNumber, "")->required();
+    AddValue(*app, "Y", options->y, ParseNumber, "Its other coordinate")->required();
     AddTiles(*app, options->job);
     AddRunOptions(*app, options->session, options->job.overwrite);
     return {app, [options] { return RunLocate(*options); }};

@@ -2,12 +2,15 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "errorreport/Version.h"
 #include "host/Commands.h"
+#include "host/HelpFormat.h"
 #include "host/Interrupt.h"
+#include "host/Options.h"
 #include "host/Session.h"
 #include "host/Suggestion.h"
 #include "platform/FailureInFlight.h"
@@ -58,13 +61,19 @@ int Run(const std::vector<Command>& commands) {
 
 int Main(int count, char** values) {
     CLI::App application{"Cuts raster and vector layers into georeferenced tiles.", "orvo-tile"};
+    const auto format = std::make_shared<HelpFormat>();
+    format->label("Positionals", "Arguments");
+    application.formatter(format);
     application.set_version_flag("--version", Version());
     application.require_subcommand(1);
     application.footer(kFooter);
     application.fallthrough(false);
     const std::vector<Command> commands{AddRaster(application), AddVector(application),
                                         AddLocate(application), AddErrorDemo(application)};
-    for (const Command& command : commands) command.app->footer(kFooter);
+    for (const Command& command : commands) {
+        AddHelp(*command.app);
+        command.app->footer(kFooter);
+    }
     try {
         application.parse(ArgumentsInReverse(count, values));
     } catch (const CLI::Success& wish) {

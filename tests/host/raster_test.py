@@ -271,6 +271,23 @@ class UsageTest(RasterTest):
                                 ("--tile-size 5 raster a b", "--tile-size"), ("x" * 99999, "x" * 99999)):
             self.assertRegex(said(*arguments.split()), f'^orvo-tile: "{name}" is no (command|option of [a-z-]+) .orvo')
 
+    def test_help_names_values_that_serve(self):
+        for command in ("raster", "vector", "locate", "error-demo"):
+            text = self.run_tile(command, "--help").stdout.split("Exit codes")[0]
+            groups = re.findall(r"^(\w.*):$", text, re.M)
+            self.assertEqual(groups[-2:], ["Messages and failures", "Help"])
+            if command != "error-demo":
+                self.assertEqual((groups[:2], groups[-3]), (["Arguments", "Tiles"], "Run"))
+            self.assertLessEqual(max(map(len, text.splitlines())), 80)
+            self.assertNotIn("\n\n\n", text)
+            found = re.findall(r"^  (--\S+) (\S+)(?: \[(.+)\])?$", text.replace("  ", "\n  "), re.M)
+            self.assertIn(("--on-error", "ask|next|leave", "ask"), found)
+            for option, values, usual in found:
+                words = values.split("|") if "|" in values else ["1", "100"] if values == "1-100" else []
+                for word in {*words, usual} - {""}:
+                    with self.subTest(command=command, option=option, word=word):
+                        self.assertNotIn(option + ' "', self.run_tile(command, "-", "-", "1", option, word).stderr)
+
     def test_paths_and_sources(self):
         write_raster(self.path("map.png"), 20, 10)
         write_raster(self.path("ten.tif"), 10, 10)
