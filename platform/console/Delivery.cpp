@@ -10,6 +10,7 @@
 #include <system_error>
 
 #include "platform/RuntimeError.h"
+#include "platform/console/Words.h"
 
 namespace orvo::console {
 namespace {
@@ -17,10 +18,6 @@ namespace {
 constexpr std::chrono::seconds kPrinting{20};  ///< a spooler answers sooner, or not at all
 constexpr std::chrono::seconds kOpening{2};    ///< what cannot open an address has said so by then
 constexpr std::size_t kScreenPiece = 512;      ///< GNU screen passes at most 768 bytes through at once
-
-[[noreturn]] void FailPrinting(const std::string& why) {
-    throw RuntimeError(Fault::PrinterError, why);
-}
 
 /// A file that is there as long as its object.
 class Document {
@@ -38,7 +35,7 @@ class Document {
         const bool whole = ::close(descriptor) == 0 && written == static_cast<ssize_t>(text.size());
         if (whole) return;
         ::unlink(name_.c_str());
-        FailPrinting(name_ + " could not be written; is the disk full?");
+        FailPrinting(name_ + CurrentWords().notWritten);
     }
     ~Document() { ::unlink(name_.c_str()); }
     Document(const Document&) = delete;
@@ -84,8 +81,13 @@ std::vector<std::string> BrowserCommand(const std::string& browser, const std::s
 
 }  // namespace
 
+void FailPrinting(const std::string& why) {
+    throw RuntimeError(static_cast<Long>(Fault::PrinterError), CurrentWords().printerError + why);
+}
+
 void PrintLines(IProcessRunner& runner, const std::vector<std::string>& lines,
                 const std::function<bool()>& interrupted) {
+    const Words& words = CurrentWords();
     const Document document(lines);
     const auto end = std::chrono::steady_clock::now() + kPrinting;
     const auto over = [&] { return interrupted() || std::chrono::steady_clock::now() >= end; };
@@ -93,11 +95,10 @@ void PrintLines(IProcessRunner& runner, const std::vector<std::string>& lines,
         const ProcessResult result = runner.Run(command, {document.Name()}, "", over);
         if (!result.started) continue;
         if (result.exitCode == 0) return;
-        if (result.signal != 0) FailPrinting(command + " did not finish; is the print server running?");
-        FailPrinting(command + " says: " + OneLine(result.output) +
-                     " (lpoptions -d NAME chooses the default printer; the report can be saved instead)");
+        if (result.signal != 0) FailPrinting(command + words.printerStops);
+        FailPrinting(command + words.printerSays + OneLine(result.output) + words.printerAdvice);
     }
-    FailPrinting("there is no lp or lpr; install cups-client, or save the report instead");
+    FailPrinting(words.noPrinter);
 }
 
 std::string ClipboardSequence(std::string_view text, Clipboard clipboard) {

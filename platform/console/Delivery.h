@@ -10,8 +10,11 @@
 
 namespace orvo::console {
 
+/// Fails with number 482 and a text in the language of the day.
+[[noreturn]] void FailPrinting(const std::string& why);
+
 /// Prints lines of UTF-8 on the default printer through lp, else lpr. Number 482 where neither is there, none
-/// prints, or none is done within 20 seconds; the text says what to do.
+/// prints, or none is done within 20 seconds; the text says what to do, in the language of the day.
 void PrintLines(IProcessRunner& runner, const std::vector<std::string>& lines,
                 const std::function<bool()>& interrupted);
 

@@ -80,7 +80,7 @@ void Desktop::Beep() {
 }
 
 void Desktop::Print(const std::vector<std::string>& lines) {
-    if (!options_.runner) throw RuntimeError(Fault::PrinterError, "no printing command may be started");
+    if (!options_.runner) FailPrinting(CurrentWords().noCommands);
     PrintLines(*options_.runner, lines, options_.interrupted);
 }
 

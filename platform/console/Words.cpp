@@ -17,6 +17,13 @@ constexpr Words kGerman{
     "Hier gibt es keine Zwischenablage. Der Bericht steht zuletzt in ",
     "Wird geöffnet: ",
     "Kein Programm öffnet sie. Bitte diese Adresse selbst öffnen: ",
+    "Druckerfehler: ",
+    " konnte nicht geschrieben werden; ist der Datenträger voll?",
+    " wurde nicht fertig; läuft der Druckdienst?",
+    " meldet: ",
+    " (lpoptions -d NAME wählt den Standarddrucker; der Bericht kann statt dessen gespeichert werden)",
+    "Es gibt weder lp noch lpr; bitte cups-client installieren oder den Bericht statt dessen speichern",
+    "Es darf kein Druckbefehl gestartet werden",
 };
 
 constexpr Words kEnglish{
@@ -27,6 +34,13 @@ constexpr Words kEnglish{
     "There is no clipboard here. The report stands last in ",
     "Opening ",
     "No program opens it. Please open this address yourself: ",
+    "Printer error: ",
+    " could not be written; is the disk full?",
+    " did not finish; is the print server running?",
+    " says: ",
+    " (lpoptions -d NAME chooses the default printer; the report can be saved instead)",
+    "there is no lp or lpr; install cups-client, or save the report instead",
+    "no printing command may be started",
 };
 
 constexpr Words kFrench{
@@ -38,6 +52,13 @@ constexpr Words kFrench{
     "Il n'y a pas de presse-papier ici. Le rapport se trouve à la fin de ",
     "Ouverture de ",
     "Aucun programme ne l'ouvre. Veuillez ouvrir cette adresse vous-même : ",
+    "Erreur d'impression : ",
+    " n'a pas pu être écrit ; le disque est-il plein ?",
+    " ne s'est pas terminé ; le serveur d'impression fonctionne-t-il ?",
+    " répond : ",
+    " (lpoptions -d NOM choisit l'imprimante par défaut ; le rapport peut aussi être enregistré)",
+    "il n'y a ni lp ni lpr ; veuillez installer cups-client, ou enregistrer le rapport",
+    "aucune commande d'impression ne peut être lancée",
 };
 
 }  // namespace

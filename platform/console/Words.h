@@ -11,6 +11,13 @@ struct Words {
     const char* notCopied;
     const char* opening;  ///< before the address
     const char* notOpened;
+    const char* printerError;   ///< before why the printer fails, that is one of those below
+    const char* notWritten;     ///< behind the name of a file
+    const char* printerStops;   ///< behind the name of the command
+    const char* printerSays;    ///< between the name of the command and its words
+    const char* printerAdvice;  ///< behind these
+    const char* noPrinter;
+    const char* noCommands;
 };
 
 /// Those of the process's language offset; English for an unknown one.

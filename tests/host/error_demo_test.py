@@ -33,10 +33,10 @@ class ErrorDemoTest(HostTest):
     def program(self, name, commands):
         os.chmod(self.write("bin/" + name, f"#!/bin/sh\n{commands}\n"), 0o755)
 
-    def session(self, *turns, **environment):
+    def session(self, *turns, language="en", **environment):
         """A run at a terminal. Each turn is a text to wait for and the answer to it."""
         master, slave = pty.openpty()
-        arguments = [ORVO_TILE, "error-demo", "--language", "en"]
+        arguments = [ORVO_TILE, "error-demo", "--language", language]
         process = subprocess.Popen(arguments, cwd=self.folder, env={**self.environment, **environment}, stdin=slave,
                                    stdout=subprocess.PIPE, stderr=slave, start_new_session=True,
                                    preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
@@ -107,6 +107,14 @@ class ErrorDemoTest(HostTest):
                             (failing, "open this address yourself: " + WEB)):  # there is no display
             self.assertIn(text, shown)
         self.assertEqual(self.read("opened"), f"-x {WEB}\n")
+        for language, *words in (
+                ("de", "482 (Druckerfehler: lp meldet: no default (lpoptions", "gespeichert werden))\n",
+                 "Zwischenablage des Terminals", "Bitte diese Adresse selbst öffnen: https:"),
+                ("fr", "482 (Erreur d'impression : lp répond : no default (lpoptions", "être enregistré))\n",
+                 "presse-papier du terminal", "Veuillez ouvrir cette adresse vous-même : https:")):
+            shown = self.session((PROMPT, "4\n"), (PROMPT, "7\n"), (PROMPT, "\x04"), language=language)[1]
+            for text in words:
+                self.assertIn(text, shown)
 
     def test_a_log_that_cannot_be_written_hides_nothing(self):
         cannot = "The error report cannot be logged. Path not found: /no/folder/Orvo_Tile.EPT"
