@@ -223,8 +223,6 @@ class UsageTest(RasterTest):
             (["12.5", "whole"], "12.5"),
             (["1 to 100"], "10 --quality 0", "10 --quality 101"),
             (["es", "de, en or fr"], "10 --language es"),
-            (["panic", "ask, next or leave"], "10 --on-error panic"),
-            (["dots", "auto"], "10 --progress dots"),
             (["--clip", "XMIN", "YMIN"], "10 --clip 5 0 5 9", "10 --clip 0 9 5 1"),
             (["decimal point"], "10 --clip 0 0 east 9", "10 --clip 0 0 1e999 9"),
             (["does not meet", "0 0 20 10"], "10 --clip 20 0 30 10"),
