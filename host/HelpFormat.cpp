@@ -8,6 +8,11 @@ namespace {
 
 constexpr std::size_t kLineWidth = 80;
 
+/// What follows the name of an argument that takes several words: "... OUTDIR".
+std::string RestOf(const CLI::Option& argument) {
+    return argument.get_expected_max() > 1 ? argument.get_type_name() : "";
+}
+
 }  // namespace
 
 std::string HelpFormat::make_help(const CLI::App* command, std::string name, CLI::AppFormatMode mode) const {
@@ -16,10 +21,15 @@ std::string HelpFormat::make_help(const CLI::App* command, std::string name, CLI
 }
 
 std::string HelpFormat::make_option_opts(const CLI::Option* option) const {
+    if (!option->nonpositional()) return RestOf(*option);
     const bool isFlag = option->get_type_size() == 0;
-    if (isFlag || !option->nonpositional()) return "";
+    if (isFlag) return "";
     const std::string usual = option->get_default_str();
     return " " + option->get_type_name() + (usual.empty() ? "" : " [" + usual + "]");
+}
+
+std::string HelpFormat::make_option_usage(const CLI::Option* option) const {
+    return option->get_name(true) + RestOf(*option);
 }
 
 std::string HelpFormat::make_option_desc(const CLI::Option* option) const {

@@ -12,6 +12,7 @@ class HelpFormat final : public CLI::Formatter {
   public:
     std::string make_help(const CLI::App* command, std::string name, CLI::AppFormatMode mode) const override;
     std::string make_option_opts(const CLI::Option* option) const override;
+    std::string make_option_usage(const CLI::Option* option) const override;
     std::string make_option_desc(const CLI::Option* option) const override;
 };
 

@@ -11,7 +11,7 @@
 #include <sstream>
 #include <string_view>
 
-#include "support/Text.h"
+#include "errorreport/Version.h"
 
 namespace orvo::host {
 namespace {
@@ -64,15 +64,53 @@ Integer ParseQuality(const std::string& text) {
     return value;
 }
 
-std::string ParseFormat(const std::string& text) {
-    std::string format = LCase(text);
-    if (format.starts_with('.')) format.erase(0, 1);
-    const bool plain = std::all_of(format.begin(), format.end(),
-                                   [](unsigned char c) { return c < 128 && std::isalnum(c) != 0; });
-    if (format.empty() || format.size() > 10 || !plain)
-        throw UsageError("is no file extension; give one such as png, jpg, gif or bmp");
-    if (format == "jpeg") return "jpg";
-    return format == "tiff" ? "tif" : format;
+std::vector<double> ParseNumbers(const std::string& option, const std::vector<std::string>& texts) {
+    std::vector<double> numbers;
+    for (const std::string& text : texts) {
+        try {
+            numbers.push_back(ParseNumber(text));
+        } catch (const UsageError& error) {
+            throw UsageError(option + " \"" + text + "\" " + error.what());
+        }
+    }
+    return numbers;
+}
+
+double ParseUnits(const std::string& text) {
+    const double value = ParseNumber(text);
+    if (value <= 0 && value != -1)
+        throw UsageError("is no size of a tile; give map units above 0, or -1 for the whole axis");
+    return value;
+}
+
+std::pair<Long, Long> ParsePixels(const std::string& option, const std::string& text) {
+    const auto cross = text.find('x');
+    const auto parse = [&](const std::string& part) {
+        Long value = 0;
+        if (Read(part, value) != std::errc() || value < 1)
+            throw UsageError(option + " \"" + text +
+                             "\" is no size of a tile; give pixels, for example 256 or 256x512");
+        return value;
+    };
+    if (cross == std::string::npos) return {parse(text), parse(text)};
+    return {parse(text.substr(0, cross)), parse(text.substr(cross + 1))};
+}
+
+std::vector<int> ParseBands(const std::string& text) {
+    std::vector<int> bands;
+    std::istringstream parts(text + ",");
+    for (std::string part; std::getline(parts, part, ',');) {
+        Long band = 0;
+        if (Read(part, band) != std::errc() || band < 1)
+            throw UsageError("is no list of bands; give numbers from 1 on with commas, for example 4,3,2");
+        bands.push_back(band);
+    }
+    return bands;
+}
+
+std::string ProgramName() {
+    return "orvo-tile " + std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) + "." +
+           std::to_string(kVersionRevision);
 }
 
 std::string ParseProgram(const std::string& text) {

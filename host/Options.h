@@ -73,14 +73,23 @@ Long ParseSize(const std::string& text);
 Long ParseCount(const std::string& text);
 /// A finite number with a decimal point.
 double ParseNumber(const std::string& text);
+/// The same for several, whose option is named.
+std::vector<double> ParseNumbers(const std::string& option, const std::vector<std::string>& texts);
+/// Map units above 0, or −1 for a whole axis.
+double ParseUnits(const std::string& text);
+/// "256" or "256x512", from 1 on: width and height.
+std::pair<Long, Long> ParsePixels(const std::string& option, const std::string& text);
+/// "4,3,2".
+std::vector<int> ParseBands(const std::string& text);
 /// 1 to 100.
 Integer ParseQuality(const std::string& text);
-/// A bare extension in lower case; a leading dot is dropped, "jpeg" and "tiff" become "jpg" and "tif".
-std::string ParseFormat(const std::string& text);
 /// The path of a program that is an executable file or found along PATH.
 std::string ParseProgram(const std::string& text);
 /// A text that can begin the name of a file.
 std::string ParsePrefix(const std::string& text);
+
+/// Name and version, as --version says them.
+std::string ProgramName();
 
 /// --language, --on-error and --dialog, in a group of their own.
 void AddDialogOptions(CLI::App& command, SessionOptions& options);

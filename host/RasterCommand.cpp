@@ -1,5 +1,7 @@
 // orvo-tile raster.
 #include <memory>
+#include <sstream>
+#include <tuple>
 #include <vector>
 
 #include "host/Commands.h"
@@ -16,21 +18,16 @@ using tiling::UsageError;
 struct RasterOptions {
     tiling::RasterJob job;
     SessionOptions session;
-    Long tileSize = 0;  ///< 0 where it was not given, as the two others
-    Long tileWidth = 0;
-    Long tileHeight = 0;
+    std::vector<std::string> paths;  ///< INPUT..., OUTDIR
+    double tileSize = 0;             ///< 0 where it was not given, as the two others
+    double tileWidth = 0;
+    double tileHeight = 0;
+    bool dryRun = false;
 };
 
 Rectangle ParseClip(const std::vector<std::string>& texts) {
-    Rectangle clip;
-    double* const edges[] = {&clip.xMin, &clip.yMin, &clip.xMax, &clip.yMax};
-    for (std::size_t i = 0; i < 4; ++i) {
-        try {
-            *edges[i] = ParseNumber(texts.at(i));
-        } catch (const UsageError& error) {
-            throw UsageError("--clip \"" + texts[i] + "\" " + error.what());
-        }
-    }
+    const std::vector<double> edges = ParseNumbers("--clip", texts);
+    const Rectangle clip{edges[0], edges[1], edges[2], edges[3]};
     if (clip.xMin >= clip.xMax || clip.yMin >= clip.yMax) {
         throw UsageError(
             "--clip has no area; give XMIN YMIN XMAX YMAX with XMIN below XMAX and YMIN below YMAX");
@@ -38,65 +35,164 @@ Rectangle ParseClip(const std::vector<std::string>& texts) {
     return clip;
 }
 
+tiling::Values ParseValues(const std::string& text, tiling::RasterJob& job) {
+    std::istringstream words(text);
+    std::string how, low, high, more;
+    words >> how >> low >> high >> more;
+    job.range.reset();
+    if (how == "refuse" && low.empty()) return tiling::Values::Refuse;
+    const bool ranged = !low.empty();
+    if (how != "stretch" || !more.empty() || (ranged && high.empty()))
+        throw UsageError("is not known; choose stretch, stretch MIN MAX or refuse");
+    if (ranged) {
+        job.range = {ParseNumber(low), ParseNumber(high)};
+        if (!(job.range->first < job.range->second)) throw UsageError("has no range: give MIN below MAX");
+    }
+    return tiling::Values::Stretch;
+}
+
+void TakePaths(RasterOptions& options) {
+    if (options.paths.size() < 2)
+        throw UsageError(options.paths.empty()
+                             ? "INPUT and OUTDIR are missing; name a raster file and a folder"
+                             : "OUTDIR is missing; name a folder for the tiles");
+    options.job.outdir = options.paths.back();
+    options.job.inputs.assign(options.paths.begin(), options.paths.end() - 1);
+}
+
 void TakeTileSize(RasterOptions& options) {
-    if (options.tileSize != 0 && (options.tileWidth != 0 || options.tileHeight != 0))
-        throw UsageError("--tile-size is for square tiles; leave it out, or --tile-width and --tile-height");
-    if (options.tileSize == 0 && (options.tileWidth == 0 || options.tileHeight == 0))
+    tiling::RasterJob& job = options.job;
+    const bool square = options.tileSize != 0, sides = options.tileWidth != 0 || options.tileHeight != 0;
+    const bool pixels = job.tilePixelWidth != 0;
+    if (int{square} + int{sides} + int{pixels} > 1)
         throw UsageError(
-            "the tiles need a size in whole map units: --tile-size N, or --tile-width N --tile-height N");
-    options.job.tileWidth = options.tileSize != 0 ? options.tileSize : options.tileWidth;
-    options.job.tileHeight = options.tileSize != 0 ? options.tileSize : options.tileHeight;
+            "the tiles have one size: give --tile-pixels, --tile-size, or --tile-width and --tile-height");
+    if (!pixels && !square && (options.tileWidth == 0 || options.tileHeight == 0))
+        throw UsageError(
+            "the tiles need a size: --tile-pixels N in pixels, or in map units --tile-size N, or "
+            "--tile-width N "
+            "and --tile-height N");
+    job.tileWidth = pixels ? -1 : square ? options.tileSize : options.tileWidth;
+    job.tileHeight = pixels ? -1 : square ? options.tileSize : options.tileHeight;
 }
 
 int Run(RasterOptions& options) {
+    TakePaths(options);
     TakeTileSize(options);
+    if (options.job.overwrite && options.job.resume)
+        throw UsageError("--overwrite begins anew and --resume goes on; choose one of them");
+    options.job.program = ProgramName();
     Session session(options.session);
+    if (options.dryRun) {
+        Print(tiling::PlanOfRaster(options.job), "the plan");
+        return kExitDone;
+    }
     return session.Finish(tiling::CutRaster(options.job, session.Callbacks()));
 }
 
-void AddFiles(CLI::App& command, tiling::RasterJob& job) {
-    command.add_option("INPUT", job.input, "Raster file, or a raster inside a container as GDAL names it")
-        ->required();
-    command.add_option("OUTDIR", job.outdir, "Folder for the tiles; made where it is missing")->required();
-    BeginGroup(command, "Output");
-    AddValue(
-        command, "--name", job.name,
-        [](const std::string& text) {
-            if (text.empty()) throw UsageError("is empty; give the image file");
-            return text;
-        },
-        "Image file, where it is not the layer's own")
-        ->type_name("FILENAME");
-    command.add_flag("--world-files", job.worldFiles, "Write a world file beside each tile");
-    command.add_flag("--vrt", job.vrt, "Write mosaic.vrt, one virtual raster over all tiles");
-    command.add_flag("--preview", job.preview,
-                     "Write index.html, a page that shows the tiles where they lie");
+void AddPlaces(CLI::App& command, RasterOptions& options) {
+    command
+        .add_option(
+            "INPUT", options.paths,
+            "Raster files, or rasters inside containers as GDAL names them, several as one mosaic; then "
+            "OUTDIR, the folder for the tiles, made where it is missing")
+        ->type_name("... OUTDIR")
+        ->expected(1, CLI::detail::expected_max_vector_size)
+        ->allow_extra_args();
 }
 
-void AddTiles(CLI::App& command, RasterOptions& options) {
-    tiling::RasterJob& job = options.job;
+void AddGrid(CLI::App& command, RasterOptions& options) {
     BeginGroup(command, "Tiles");
-    AddValue(command, "--tile-size", options.tileSize, ParseSize,
-             "Width and height of a tile in whole map units; -1 spans the whole axis");
-    AddValue(command, "--tile-width", options.tileWidth, ParseSize, "Width alone");
-    AddValue(command, "--tile-height", options.tileHeight, ParseSize, "Height alone");
-    AddValue(command, "--format", job.format, ParseFormat,
-             "Extension of the tiles: png, jpg, gif, bmp, or with --converter what that can write")
-        ->type_name("EXT")
-        ->default_str(job.format);
-    AddValue(command, "--quality", job.quality, ParseQuality, "For formats with losses")
-        ->type_name("1-100")
-        ->default_str(std::to_string(job.quality));
-    AddValue(command, "--converter", job.converter, ParseProgram,
-             "Program that converts the tiles: convert, magick, gm, vips, gdal_translate, or any that takes "
-             "SOURCE TARGET QUALITY")
-        ->type_name("PROGRAM");
+    tiling::RasterJob& job = options.job;
+    const auto add = [&](const char* name, auto& value, auto parse, const char* type, const char* text) {
+        AddValue(command, name, value, parse, text)->type_name(type);
+    };
+    command
+        .add_option_function<std::string>(
+            "--tile-pixels",
+            [&job](const std::string& text) {
+                std::tie(job.tilePixelWidth, job.tilePixelHeight) = ParsePixels("--tile-pixels", text);
+            },
+            "Width and height of a tile in pixels")
+        ->type_name("N[xM]");
+    add("--tile-size", options.tileSize, ParseUnits, "UNITS",
+        "Width and height of a tile in map units; -1 spans the whole axis");
+    add("--tile-width", options.tileWidth, ParseUnits, "UNITS", "Width alone");
+    add("--tile-height", options.tileHeight, ParseUnits, "UNITS", "Height alone");
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--origin",
+            [&job](const std::vector<std::string>& texts) {
+                const auto numbers = ParseNumbers("--origin", texts);
+                job.origin = Point{numbers[0], numbers[1]};
+            },
+            "Upper left corner of the grid, so that several layers share one (default: the layer's)")
+        ->type_name("X Y")
+        ->expected(2);
     command
         .add_option_function<std::vector<std::string>>(
             "--clip", [&job](const std::vector<std::string>& texts) { job.clip = ParseClip(texts); },
             "Cut only what lies in this area, in map units")
         ->type_name("XMIN YMIN XMAX YMAX")
         ->expected(4);
+    command
+        .add_option(
+            "--tile-names", job.tileNames,
+            "Names of the tiles, with the fields {source}, {row}, {column}, {x} and {y}; / makes folders")
+        ->type_name("PATTERN")
+        ->capture_default_str();
+    command.add_flag("--skip-blank", job.skipBlank, "Leave out tiles that hold only nodata or transparency");
+}
+
+void AddFormat(CLI::App& command, tiling::RasterJob& job) {
+    BeginGroup(command, "Format");
+    const auto add = [&](const char* name, auto& value, auto parse, const char* type, const char* text) {
+        return AddValue(command, name, value, parse, text)->type_name(type);
+    };
+    command
+        .add_option("--format", job.format,
+                    "Extension or GDAL driver: png, jpg, tif, COG, webp, jp2, ..., any that GDAL creates")
+        ->type_name("NAME")
+        ->capture_default_str();
+    command
+        .add_option("--co", job.options,
+                    "Creation option of the GDAL driver, as for GDAL's tools; repeatable")
+        ->type_name("NAME=VALUE")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    add("--quality", job.quality, ParseQuality, "1-100", "For formats with losses")
+        ->default_str(std::to_string(job.quality));
+    add("--bands", job.bands, ParseBands, "N,N,...", "Bands to take, in this order (default: all)");
+    add(
+        "--values", job.values, [&job](const std::string& text) { return ParseValues(text, job); },
+        "stretch|stretch MIN MAX|refuse",
+        "What becomes of cells that the format cannot hold: one stretch of the whole layer to 8 bits, or an "
+        "error")
+        ->default_str("stretch");
+    add("--converter", job.converter, ParseProgram, "PROGRAM",
+        "Program that converts the tiles: convert, magick, gm, vips, gdal_translate, or any that takes "
+        "SOURCE TARGET QUALITY");
+    add(
+        "--name", job.name,
+        [](const std::string& text) {
+            if (text.empty()) throw UsageError("is empty; give the image file");
+            return text;
+        },
+        "FILE", "Image file that the converter gets, where it is not the layer's own");
+}
+
+void AddProducts(CLI::App& command, RasterOptions& options) {
+    BeginGroup(command, "Output");
+    const auto add = [&](const char* name, bool& value, const char* text) {
+        command.add_flag(name, value, text);
+    };
+    tiling::RasterJob& job = options.job;
+    add("--world-files", job.worldFiles,
+        "Write a world file beside each tile, and .aux.xml where the format cannot say where it lies");
+    add("--vrt", job.vrt, "Write mosaic.vrt, one virtual raster over all tiles");
+    add("--preview", job.preview, "Write index.html, a page that shows the tiles where they lie");
+    add("--resume", job.resume, "Go on where a run of the same job ended: tiles that are there are kept");
+    add("--dry-run", options.dryRun, "Print grid, names and counts, and write nothing");
 }
 
 }  // namespace
@@ -105,8 +201,10 @@ Command AddRaster(CLI::App& application) {
     CLI::App* const app = application.add_subcommand(
         "raster", "Cut a raster layer into image tiles with an index of their places");
     const auto options = std::make_shared<RasterOptions>();
-    AddTiles(*app, *options);
-    AddFiles(*app, options->job);
+    AddPlaces(*app, *options);
+    AddGrid(*app, *options);
+    AddFormat(*app, options->job);
+    AddProducts(*app, *options);
     AddRunOptions(*app, options->session, options->job.overwrite);
     return {app, [options] { return Run(*options); }};
 }

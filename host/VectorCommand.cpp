@@ -31,8 +31,9 @@ void CheckTiles(const tiling::TileSizes& tiles) {
         "the tiles need --tile-width N and --tile-height N in whole map units, or --columns C and --rows R");
 }
 
-int RunVector(const VectorOptions& options) {
+int RunVector(VectorOptions& options) {
     CheckTiles(options.job.sizes);
+    options.job.program = ProgramName();
     Session session(options.session);
     return session.Finish(tiling::CutVector(options.job, session.Callbacks()));
 }

@@ -1,12 +1,12 @@
 // orvo-tile: finds the command and runs it.
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "errorreport/Version.h"
 #include "host/Commands.h"
 #include "host/HelpFormat.h"
 #include "host/Interrupt.h"
@@ -23,26 +23,32 @@ constexpr const char* kFooter =
     "Exit codes: 0 all tiles are there; 1 something failed or is missing; 2 wrong usage; 130 interrupted.\n"
     "Put -- before paths that begin with a dash.";
 
-std::string Version() {
-    return "orvo-tile " + std::to_string(kVersionMajor) + "." + std::to_string(kVersionMinor) + "." +
-           std::to_string(kVersionRevision);
-}
-
 int Fail(ExitCode code, const std::string& text) {
     Say(text);
     return code;
 }
 
-/// As the parser takes them. A number such as -.5 gets its zero: it would be
-/// read as an option.
+bool IsNumber(const std::string& text) {
+    return text.find_first_of("0123456789") != std::string::npos &&
+           text.find_first_not_of("+-.0123456789eE") == std::string::npos;
+}
+
+/// As the parser takes them. A number such as -.5 gets its zero: it would be read as an option. The words of
+/// "--values stretch MIN MAX" become one.
 std::vector<std::string> ArgumentsInReverse(int count, char** values) {
     std::vector<std::string> arguments;
-    for (int i = count - 1; i > 0; --i) {
+    for (int i = 1; i < count; ++i) {
         std::string value = values[i];
         if (value.size() > 2 && value.starts_with("-.") && value[2] >= '0' && value[2] <= '9')
             value.insert(1, "0");
+        const bool stretches = value == "stretch" && !arguments.empty() && arguments.back() == "--values";
+        if (stretches && i + 2 < count && IsNumber(values[i + 1]) && IsNumber(values[i + 2])) {
+            value += std::string(" ") + values[i + 1] + " " + values[i + 2];
+            i += 2;
+        }
         arguments.push_back(std::move(value));
     }
+    std::ranges::reverse(arguments);
     return arguments;
 }
 
@@ -64,7 +70,7 @@ int Main(int count, char** values) {
     const auto format = std::make_shared<HelpFormat>();
     format->label("Positionals", "Arguments");
     application.formatter(format);
-    application.set_version_flag("--version", Version());
+    application.set_version_flag("--version", ProgramName());
     application.require_subcommand(1);
     application.footer(kFooter);
     application.fallthrough(false);

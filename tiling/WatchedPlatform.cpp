@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "platform/gdal/RasterIO.h"
 #include "platform/posix/ProcessRunner.h"
 #include "platform/utility/Services.h"
 #include "tiling/Errors.h"
@@ -18,11 +17,16 @@ WatchedPlatform::WatchedPlatform(const std::function<bool()>& interrupted, Event
     utility::Settings services = std::move(events.services);
     services.languageOffset = installed_.newUtilTools()->GetLanguageOffset();
     services.interrupted = interrupted;
-    auto made = utility::MakeServices(services, gdal::NewRasterIO, std::make_shared<posix::ProcessRunner>());
+    auto made = utility::MakeServices(services, std::move(events.newRasterIO),
+                                      std::make_shared<posix::ProcessRunner>());
     platform::Platform watched = installed_;
     watched.desktop = desktop_;
-    watched.newUtilTools = std::move(made.newUtilTools);
-    watched.newRasterConvert = std::move(made.newRasterConvert);
+    watched.newUtilTools = [make = std::move(made.newUtilTools), name = std::move(events.named)] {
+        return name(make());
+    };
+    watched.newRasterConvert = [make = std::move(made.newRasterConvert), serve = std::move(events.served)] {
+        return serve(make());
+    };
     watched.newEnvelope = [interrupted, newEnvelope = installed_.newEnvelope,
                            heard = std::move(events.onNewEnvelope)] {
         if (interrupted()) throw RuntimeError(Fault::UserInterrupt);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/Platform.h"
+#include "platform/gdal/RasterIO.h"
 #include "platform/utility/Settings.h"
 #include "tiling/WatchedDesktop.h"
 
@@ -21,6 +22,13 @@ class WatchedPlatform {
         std::function<void(const std::string& failure)> onFailureShown = [](const std::string&) {};
         /// An envelope is made; the walk over a raster's grid makes one for each cell.
         std::function<void()> onNewEnvelope = [] {};
+        /// Reads and writes pixels for the services.
+        platform::Maker<IRasterIO> newRasterIO = gdal::NewRasterIO;
+        /// Stand before the services for names, and for export and conversion.
+        std::function<std::shared_ptr<IUtilTools>(std::shared_ptr<IUtilTools>)> named =
+            [](std::shared_ptr<IUtilTools> service) { return service; };
+        std::function<std::shared_ptr<IRasterConvert>(std::shared_ptr<IRasterConvert>)> served =
+            [](std::shared_ptr<IRasterConvert> service) { return service; };
         utility::Settings services;  ///< who hears the services; language and interruption are not used
     };
 

@@ -91,6 +91,16 @@ std::span<const unsigned char> FileInMemory::Bytes() const {
     return {bytes, static_cast<std::size_t>(size)};
 }
 
+std::unique_ptr<GDALDataset> DatasetOf(const Pixels& pixels) {
+    const ErrorCapture errors;
+    std::unique_ptr<GDALDataset> image(Create("MEM", "", pixels, nullptr, errors).release());
+    const bool colours = pixels.form == Form::RGB || pixels.form == Form::RGBA;
+    for (int i = 0; i < (colours ? 3 : 1) && pixels.form != Form::Indexed; ++i)
+        image->GetRasterBand(i + 1)->SetColorInterpretation(
+            colours ? static_cast<GDALColorInterp>(GCI_RedBand + i) : GCI_GrayIndex);
+    return image;
+}
+
 void WriteGif(const Pixels& indexed, const FileInMemory& file) {
     const NoSideFiles noSideFiles;
     const ErrorCapture errors;

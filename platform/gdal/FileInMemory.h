@@ -1,11 +1,14 @@
 // Image files that the raster library itself writes, made in memory.
 #pragma once
 
+#include <memory>
 #include <span>
 #include <string>
 
 #include "platform/gdal/Pixels.h"
 #include "platform/gdal/ReadWindow.h"
+
+class GDALDataset;
 
 namespace orvo::gdal {
 
@@ -23,6 +26,9 @@ class FileInMemory {
   private:
     std::string name_;
 };
+
+/// An image of 8 bits as a dataset in memory. Fails with the library's text.
+std::unique_ptr<GDALDataset> DatasetOf(const Pixels& pixels);
 
 /// Each fails with the library's text where the format does not hold the image.
 void WriteGif(const Pixels& indexed, const FileInMemory& file);

@@ -49,7 +49,8 @@ bool HasTransparentEntry(const Palette& palette) {
 
 }  // namespace
 
-LayerReader::LayerReader(RasterLayer& layer) : layer_(layer), plan_(PlanBands(layer.Dataset())) {}
+LayerReader::LayerReader(RasterLayer& layer, std::optional<Range> range)
+    : layer_(layer), range_(range), plan_(PlanBands(layer.Dataset())) {}
 
 bool LayerReader::Recover() {
     const bool first = !ahead_.IsStopped();
@@ -59,7 +60,9 @@ bool LayerReader::Recover() {
 }
 
 const Stretch& LayerReader::LayerStretch() {
-    return stretch_.Get([&] { return MeasureStretch(layer_.Dataset(), plan_); });
+    return stretch_.Get([&] {
+        return range_ ? Stretch{range_->low, range_->high, true} : MeasureStretch(layer_.Dataset(), plan_);
+    });
 }
 
 bool LayerReader::IsStretched(const Holds& holds) const {
@@ -97,6 +100,49 @@ void LayerReader::Read(const TileWindow& window, const Holds& holds, Pixels& pix
         ReadDirect(window, pixels);
         if (holds.transparency) SetTransparentColour(pixels);
     }
+}
+
+void LayerReader::ReadCells(const TileWindow& window, std::span<const int> bands, GDALDataType type,
+                            unsigned char* cells) {
+    int across = 0, down = 0;
+    layer_.Dataset().GetRasterBand(1)->GetBlockSize(&across, &down);
+    if (across == layer_.Width()) {
+        ahead_.Read(layer_, bands, type, window, Resample::Nearest, cells);
+        return;
+    }
+    // Reading along spares nothing where the source itself is made of tiles.
+    const auto cell = static_cast<std::size_t>(GDALGetDataTypeSizeBytes(type));
+    const std::size_t pixel = cell * bands.size();
+    ReadWindow(layer_.Dataset(), bands, window, Resample::Nearest, cells,
+               {.type = type,
+                .pixel = pixel,
+                .line = pixel * static_cast<std::size_t>(window.columns),
+                .band = cell});
+}
+
+bool LayerReader::IsBlank(const TileWindow& window) {
+    for (int number = 1; number <= layer_.BandCount(); ++number) {
+        if (number != plan_.alpha && !IsBlank(*layer_.Dataset().GetRasterBand(number), window)) return false;
+    }
+    return true;
+}
+
+bool LayerReader::IsBlank(GDALRasterBand& band, const TileWindow& window) const {
+    std::vector<unsigned char> visible(
+        static_cast<std::size_t>(window.columns) * static_cast<std::size_t>(window.rows), 255);
+    if ((band.GetMaskFlags() & GMF_ALL_VALID) == 0)
+        ReadWindow(*band.GetMaskBand(), window, Resample::Nearest, visible.data(), {.type = GDT_Byte});
+    const bool indexed = !plan_.palette.empty();
+    if (indexed || GDALDataTypeIsFloating(band.GetRasterDataType()) != 0) {
+        std::vector<double> cells(visible.size());
+        ReadWindow(band, window, Resample::Nearest, cells.data(), {.type = GDT_Float64});
+        for (std::size_t i = 0; i < cells.size(); ++i) {
+            const auto index = static_cast<std::size_t>(indexed ? cells[i] : 0);
+            const bool clear = indexed && index < plan_.palette.size() && plan_.palette[index].alpha == 0;
+            if (clear || std::isnan(cells[i])) visible[i] = 0;
+        }
+    }
+    return std::ranges::all_of(visible, [](unsigned char value) { return value == 0; });
 }
 
 void LayerReader::ReadIndexed(const TileWindow& window, Pixels& pixels) {

@@ -9,6 +9,8 @@
 #include "platform/gdal/ReadWindow.h"
 #include "platform/gdal/Stretch.h"
 
+class GDALRasterBand;
+
 namespace orvo::gdal {
 
 /// What an image format can hold beside 8-bit greys and colours.
@@ -26,10 +28,15 @@ struct Holds {
 class LayerReader {
   public:
     /// The layer must outlive this object; it may be opened anew in between.
-    explicit LayerReader(RasterLayer& layer);
+    /// @param range of the stretch; without one the layer's own is measured
+    explicit LayerReader(RasterLayer& layer, std::optional<Range> range = {});
 
     /// Fills `pixels`, whose memory it reuses. Fails with number 57 where the source cannot be read.
     void Read(const TileWindow& window, const Holds& holds, Pixels& pixels);
+
+    /// Reads the cells of bands of one type as they are, interleaved by pixels. Fails like Read.
+    void ReadCells(const TileWindow& window, std::span<const int> bands, GDALDataType type,
+                   unsigned char* cells);
 
     /// Prepares for another try after a failed read: opens the source anew and reads nothing ahead from then
     /// on. False where that was done before, so that another try is in vain; the source is opened anew all
@@ -37,11 +44,18 @@ class LayerReader {
     bool Recover();
 
     RasterLayer& Layer() const { return layer_; }
+    const BandPlan& Plan() const { return plan_; }
+    /// Whether cells are brought to 8 bits.
+    bool IsStretched(const Holds& holds) const;
+    /// What Read gives. Fails like Read.
+    Form FormFor(const Holds& holds);
+    /// Fails with number 57 where the source cannot be read.
+    const Stretch& LayerStretch();
+    /// Whether a window shows nothing but nodata and full transparency. Fails like Read.
+    bool IsBlank(const TileWindow& window);
 
   private:
-    bool IsStretched(const Holds& holds) const;
-    Form FormFor(const Holds& holds);
-    const Stretch& LayerStretch();
+    bool IsBlank(GDALRasterBand& band, const TileWindow& window) const;
     void ReadIndexed(const TileWindow& window, Pixels& pixels);
     void ReadExpanded(const TileWindow& window, Pixels& pixels);
     void ReadDirect(const TileWindow& window, Pixels& pixels);
@@ -51,6 +65,7 @@ class LayerReader {
     void SetTransparentColour(Pixels& pixels) const;
 
     RasterLayer& layer_;
+    std::optional<Range> range_;
     BandPlan plan_;
     ReadAhead ahead_;
     Lazy<Stretch> stretch_;

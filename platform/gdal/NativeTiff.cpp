@@ -8,6 +8,7 @@
 #include <numeric>
 
 #include "platform/RuntimeError.h"
+#include "platform/gdal/BandFacts.h"
 #include "platform/gdal/ErrorCapture.h"
 #include "platform/gdal/ScopedOption.h"
 
@@ -148,7 +149,11 @@ void CopyAsTiff(GDALDataset& source, const TileWindow& window, Place place, cons
                                                Options(source).List()));
     Require(target != nullptr, errors);
     CopyBandProperties(source, *target);
-    if (place == Place::Keep) CopyPlace(source, window, *target);
+    if (place == Place::Keep) {
+        CopyPlace(source, window, *target);
+        for (int band = 1; band <= source.GetRasterCount(); ++band)
+            CopyFacts(*source.GetRasterBand(band), *target->GetRasterBand(band));
+    }
     CopyCells(source, window, *target);
     if (HasOwnMask(source)) CopyMask(source, window, *target);
     target->FlushCache(true);

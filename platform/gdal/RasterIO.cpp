@@ -11,15 +11,12 @@
 #include "platform/FailureInFlight.h"
 #include "platform/RuntimeError.h"
 #include "platform/files/PartFile.h"
-#include "platform/gdal/ColourTable.h"
 #include "platform/gdal/ErrorCapture.h"
 #include "platform/gdal/FileInMemory.h"
-#include "platform/gdal/JpegEncoder.h"
-#include "platform/gdal/LayerReader.h"
+#include "platform/gdal/LayerEncoder.h"
 #include "platform/gdal/NativeTiff.h"
 #include "platform/gdal/OrderedRows.h"
 #include "platform/gdal/Pieces.h"
-#include "platform/gdal/PngEncoder.h"
 #include "platform/gdal/RasterLayer.h"
 #include "platform/gdal/SourceOptions.h"
 #include "platform/gdal/Startup.h"
@@ -29,42 +26,11 @@
 namespace orvo::gdal {
 namespace {
 
-using raster::ImageFormat;
-
-/// What a tile is written as; nothing stands for the TIFF that takes the place of other formats.
-using Format = std::optional<ImageFormat>;
-
-Holds HoldsOf(Format format) {
-    if (!format) return {.transparency = true, .palette = true};
-    switch (*format) {
-        case ImageFormat::Png:
-            return {.sixteenBits = true, .transparency = true, .palette = true};
-        case ImageFormat::Gif:
-            return {.transparency = true, .palette = true};
-        case ImageFormat::Bmp:
-            return {.palette = true};
-        case ImageFormat::Jpeg:
-        case ImageFormat::Tiff:
-            break;
-    }
-    return {};
-}
-
 void Write(const std::string& target, std::span<const unsigned char> bytes) {
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     if (const std::error_code failed = files::WriteWhole(SystemPath(target), text))
         throw RuntimeError(static_cast<Long>(Fault::PathFileAccess), failed.message());
 }
-
-/// A layer that tiles are cut from, and what was learned about it as a whole.
-struct OpenLayer {
-    explicit OpenLayer(std::shared_ptr<RasterLayer> from)
-        : layer(std::move(from)), reader(*layer), indexer(reader) {}
-
-    std::shared_ptr<RasterLayer> layer;
-    LayerReader reader;
-    Indexer indexer;
-};
 
 class RasterIO final : public IRasterIO {
   public:
@@ -78,80 +44,36 @@ class RasterIO final : public IRasterIO {
     std::string CheckImage(const std::string& file, Long width, Long height) override;
 
   private:
-    OpenLayer& Use(IRasterLayer& layer);
+    LayerEncoder& Use(IRasterLayer& layer);
     GDALDataset& OpenSource(const std::string& sourceFile);
-    std::span<const unsigned char> Encode(OpenLayer& source, const TileWindow& window, Format format,
-                                          int quality);
-    std::span<const unsigned char> EncodeOnce(OpenLayer& source, const TileWindow& window, Format format,
-                                              int quality);
 
-    std::unique_ptr<OpenLayer> layer_;
+    std::unique_ptr<LayerEncoder> layer_;
     std::string sourceFile_;
     GDALDatasetUniquePtr source_;
-    OrderedRows layerRows_, sourceRows_;
-    Pixels pixels_;
-    PngEncoder png_;
-    JpegEncoder jpeg_;
-    std::optional<FileInMemory> file_;  // the last one that the raster library wrote
+    OrderedRows sourceRows_;
 };
 
-OpenLayer& RasterIO::Use(IRasterLayer& layer) {
+LayerEncoder& RasterIO::Use(IRasterLayer& layer) {
     auto* const own = dynamic_cast<RasterLayer*>(&layer);
     if (own == nullptr) throw RuntimeError(Fault::TypeMismatch, "the layer comes from another library");
-    if (!layer_ || layer_->layer.get() != own) {
-        layer_ = std::make_unique<OpenLayer>(std::static_pointer_cast<RasterLayer>(own->shared_from_this()));
-        layerRows_.Restart();
-    }
+    if (!layer_ || &layer_->Layer() != own)
+        layer_ =
+            std::make_unique<LayerEncoder>(std::static_pointer_cast<RasterLayer>(own->shared_from_this()));
     return *layer_;
-}
-
-std::span<const unsigned char> RasterIO::Encode(OpenLayer& source, const TileWindow& window, Format format,
-                                                int quality) {
-    for (;;) {
-        try {
-            ReserveBlockCache(source.layer->Dataset(), window);
-            layerRows_.Reach(source.layer->Dataset(), source.layer->FilePath(), static_cast<int>(window.top));
-            return EncodeOnce(source, window, format, quality);
-        } catch (const RuntimeError& failure) {
-            layerRows_.Restart();
-            if (failure.Number() != static_cast<Long>(Fault::DeviceIOError) || !source.reader.Recover())
-                throw;
-        }
-    }
-}
-
-std::span<const unsigned char> RasterIO::EncodeOnce(OpenLayer& source, const TileWindow& window,
-                                                    Format format, int quality) {
-    file_.emplace();
-    if (format == ImageFormat::Tiff) {
-        CopyAsTiff(source.layer->Dataset(), window, Place::Keep, *file_);
-        return file_->Bytes();
-    }
-    source.reader.Read(window, HoldsOf(format), pixels_);
-    if (format == ImageFormat::Png) return png_.Encode(pixels_);
-    if (format == ImageFormat::Jpeg) return jpeg_.Encode(pixels_, quality);
-    if (format == ImageFormat::Gif) {
-        source.indexer.MakeIndexed(pixels_);
-        WriteGif(pixels_, *file_);
-    } else if (format == ImageFormat::Bmp) {
-        WriteBmp(pixels_, *file_);
-    } else {
-        WriteTiff(pixels_, *file_);
-    }
-    return file_->Bytes();
 }
 
 std::string RasterIO::ExportRasterWindow(IRasterLayer& layer, const std::string& targetFile, Integer quality,
                                          const IEnvelope& envelope, Long width, Long height,
                                          std::string& reason) {
     try {
-        OpenLayer& source = Use(layer);
+        LayerEncoder& source = Use(layer);
         const raster::TargetName name = raster::SplitName(targetFile);
-        const Format format = raster::FormatOf(name.extension);
+        const PictureFormat format = raster::FormatOf(name.extension);
         std::string target = format ? targetFile : name.stem + ".tif";
-        const TileWindow window = raster::WindowOf(source.layer->GeoTransform(), source.layer->Width(),
-                                                   source.layer->Height(), envelope, width, height);
-        Write(target, Encode(source, window, format, raster::QualityOf(quality)));
+        RasterLayer& own = source.Layer();
+        const TileWindow window =
+            raster::WindowOf(own.GeoTransform(), own.Width(), own.Height(), envelope, width, height);
+        Write(target, source.Encode(window, format, raster::QualityOf(quality)));
         return target;
     } catch (...) {
         reason = FailureInFlight().Description();

@@ -2,6 +2,7 @@
 
 #include <cpl_string.h>
 #include <gdal_priv.h>
+#include <gdal_utils.h>
 #include <ogrsf_frmts.h>
 
 #include <algorithm>
@@ -112,11 +113,77 @@ std::string DriverOf(GDALDataset& dataset) {
     return driver == nullptr ? "" : driver->GetDescription();
 }
 
+using MosaicOptions = std::unique_ptr<GDALBuildVRTOptions, decltype(&GDALBuildVRTOptionsFree)>;
+using TranslateOptions = std::unique_ptr<GDALTranslateOptions, decltype(&GDALTranslateOptionsFree)>;
+
+/// One virtual raster over all of them. What does not fit to the others is an error, not left out.
+std::unique_ptr<GDALDataset> Mosaic(const std::vector<std::string>& names) {
+    CPLStringList paths;
+    for (const std::string& name : names) {
+        const auto part = Open(name);
+        RequireBands(*part, name);
+        paths.AddString(part->GetDescription());
+    }
+    CPLStringList arguments;
+    arguments.AddString("-strict");
+    const ErrorCapture errors;
+    const MosaicOptions options(GDALBuildVRTOptionsNew(arguments.List(), nullptr), GDALBuildVRTOptionsFree);
+    std::unique_ptr<GDALDataset> mosaic(GDALDataset::FromHandle(
+        GDALBuildVRT("", paths.size(), nullptr, paths.List(), options.get(), nullptr)));
+    if (!mosaic || errors.Failed()) {
+        Refuse(names.front() + " and the other sources",
+               "do not make one mosaic (" + errors.Reason("unlike") +
+                   "). Bring them to one form first with gdalwarp.");
+    }
+    return mosaic;
+}
+
+GDALColorInterp MeaningOf(GDALRasterBand& band, int number, int count) {
+    const GDALColorInterp said = band.GetColorInterpretation();
+    if (said == GCI_AlphaBand || said == GCI_PaletteIndex) return said;
+    if (count < 3) return GCI_GrayIndex;
+    return number <= 3 ? static_cast<GDALColorInterp>(GCI_RedBand + number - 1) : GCI_Undefined;
+}
+
+std::unique_ptr<GDALDataset> Choose(std::unique_ptr<GDALDataset> dataset, const std::vector<int>& bands,
+                                    const std::string& name) {
+    CPLStringList arguments;
+    for (const char* const argument : {"-q", "-of", "VRT"}) arguments.AddString(argument);
+    for (const int band : bands) {
+        if (band < 1 || band > dataset->GetRasterCount())
+            Refuse(name, "has no band " + std::to_string(band) + ", but bands 1 to " +
+                             std::to_string(dataset->GetRasterCount()) + ".");
+        arguments.AddString("-b");
+        arguments.AddString(std::to_string(band).c_str());
+    }
+    const ErrorCapture errors;
+    const TranslateOptions options(GDALTranslateOptionsNew(arguments.List(), nullptr),
+                                   GDALTranslateOptionsFree);
+    std::unique_ptr<GDALDataset> chosen(GDALDataset::FromHandle(
+        GDALTranslate("", GDALDataset::ToHandle(dataset.get()), options.get(), nullptr)));
+    if (!chosen) Refuse(name, "cannot be read by bands (" + errors.Reason("no reason was given") + ").");
+    const int count = chosen->GetRasterCount();
+    for (int i = 1; i <= count; ++i) {
+        GDALRasterBand& band = *chosen->GetRasterBand(i);
+        band.SetColorInterpretation(MeaningOf(band, i, count));
+    }
+    dataset.release()->ReleaseRef();  // the chosen bands hold it from now on
+    return chosen;
+}
+
+std::unique_ptr<GDALDataset> Open(const RasterSource& source) {
+    auto dataset = source.names.size() == 1 ? Open(source.names.front()) : Mosaic(source.names);
+    if (source.bands.empty()) return dataset;
+    RequireBands(*dataset, source.names.front());
+    return Choose(std::move(dataset), source.bands, source.names.front());
+}
+
 }  // namespace
 
-RasterLayer::RasterLayer(const std::string& name)
-    : dataset_(Open(name)),
-      name_(name),
+RasterLayer::RasterLayer(RasterSource source)
+    : source_(std::move(source)),
+      dataset_(Open(source_)),
+      name_(source_.names.front()),
       columns_(dataset_->GetRasterXSize()),
       rows_(dataset_->GetRasterYSize()),
       bands_(dataset_->GetRasterCount()) {
@@ -161,7 +228,7 @@ GDALDataset& RasterLayer::Dataset() const {
 /// The source opened anew; empty where that fails or it is no longer the raster that it was.
 std::unique_ptr<GDALDataset> RasterLayer::OpenAgain() const {
     try {
-        auto fresh = Open(name_);
+        auto fresh = Open(source_);
         const bool same = fresh->GetRasterXSize() == columns_ && fresh->GetRasterYSize() == rows_ &&
                           fresh->GetRasterCount() == bands_;
         return same ? std::move(fresh) : nullptr;
@@ -205,9 +272,9 @@ std::string RasterLayer::BandType(int band) const {
     return GDALGetDataTypeName(found->GetRasterDataType());
 }
 
-std::shared_ptr<RasterLayer> OpenRasterLayer(const std::string& nameOrSubdataset) {
+std::shared_ptr<RasterLayer> OpenRasterLayer(const RasterSource& source) {
     Start();
-    return std::shared_ptr<RasterLayer>(new RasterLayer(nameOrSubdataset));
+    return std::shared_ptr<RasterLayer>(new RasterLayer(source));
 }
 
 }  // namespace orvo::gdal

@@ -4,12 +4,19 @@
 #include <array>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/Raster.h"
 
 class GDALDataset;
 
 namespace orvo::gdal {
+
+/// What a layer is read from.
+struct RasterSource {
+    std::vector<std::string> names;  ///< one raster, or several that are taken as one mosaic
+    std::vector<int> bands{};        ///< from 1 on, in the order in which they are taken; empty for all
+};
 
 /// A raster that is opened once and stays open as long as the object lives: layer, raster and dataset in one.
 ///
@@ -51,17 +58,18 @@ class RasterLayer final : public IRasterLayer,
     std::string BandType(int band) const;
 
   private:
-    friend std::shared_ptr<RasterLayer> OpenRasterLayer(const std::string& nameOrSubdataset);
-    explicit RasterLayer(const std::string& name);
+    friend std::shared_ptr<RasterLayer> OpenRasterLayer(const RasterSource& source);
+    explicit RasterLayer(RasterSource source);
 
     void Locate();
     void NameSource();
     std::unique_ptr<GDALDataset> OpenAgain() const;
 
+    RasterSource source_;
     std::unique_ptr<GDALDataset> dataset_;
     std::unique_ptr<GDALDataset> forRows_;
     bool triedRows_ = false;
-    std::string name_;  // as it was opened
+    std::string name_;  // of the first source, as it was opened
     std::string filePath_;
     std::string format_;
     Long columns_ = 0;
@@ -72,8 +80,13 @@ class RasterLayer final : public IRasterLayer,
     bool contained_ = false;
 };
 
-/// Opens a raster file or a raster inside a container by the name that the library gives it.
-/// Fails with number 53 for a missing file and 440 else; the text names the raster and the remedy.
-std::shared_ptr<RasterLayer> OpenRasterLayer(const std::string& nameOrSubdataset);
+/// Opens raster files, or rasters inside containers by the names that the library gives them. Several must
+/// be alike in bands, types and coordinate system; a later one lies above an earlier one. Chosen bands are a
+/// grey, or red, green and blue, whatever they were. Fails with number 53 for a missing file and 440 else;
+/// the text names the raster and the remedy.
+std::shared_ptr<RasterLayer> OpenRasterLayer(const RasterSource& source);
+inline std::shared_ptr<RasterLayer> OpenRasterLayer(const std::string& name) {
+    return OpenRasterLayer(RasterSource{{name}});
+}
 
 }  // namespace orvo::gdal

@@ -9,6 +9,11 @@ class GDALDataset;
 
 namespace orvo::gdal {
 
+struct Range {
+    double low = 0;
+    double high = 0;
+};
+
 /// One linear stretch for a whole layer, so that neighbouring tiles match.
 ///
 /// `low` and `high` are the least and the greatest valid cell of the whole raster, exact over all its cells,

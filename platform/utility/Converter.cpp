@@ -11,22 +11,6 @@
 namespace orvo::utility {
 namespace {
 
-/// "convert" for "/usr/bin/convert-im6.q16" and "convert.exe"; empty for a program that is not known.
-std::string KnownName(const std::string& program) {
-    const std::string path = SystemPath(program);
-    std::string file = LCase(std::string_view(path).substr(path.rfind('/') + 1));
-    if (file.ends_with(".exe")) file.resize(file.size() - 4);
-    for (const char* name : {"gdal_translate", "convert", "magick", "gm", "vips"}) {
-        if (!file.starts_with(name)) continue;
-        std::string_view version = std::string_view(file).substr(std::strlen(name));
-        if (version.starts_with('-')) version.remove_prefix(1);
-        if (version.starts_with("im")) version.remove_prefix(2);
-        const bool isVersion = !version.empty() && version[0] >= '0' && version[0] <= '9';
-        if (file == name || isVersion) return name;
-    }
-    return {};
-}
-
 bool HasLosses(const std::string& format) {
     constexpr std::array<std::string_view, 10> formats{"jpg", "jpeg", "jpe",  "jfif", "webp",
                                                        "jp2", "j2k",  "heic", "avif", "jxl"};
@@ -50,9 +34,24 @@ std::vector<std::string> TranslatorBands(const ImageLayout& layout, const std::s
 
 }  // namespace
 
+std::string KnownConverter(const std::string& program) {
+    const std::string path = SystemPath(program);
+    std::string file = LCase(std::string_view(path).substr(path.rfind('/') + 1));
+    if (file.ends_with(".exe")) file.resize(file.size() - 4);
+    for (const char* name : {"gdal_translate", "convert", "magick", "gm", "vips"}) {
+        if (!file.starts_with(name)) continue;
+        std::string_view version = std::string_view(file).substr(std::strlen(name));
+        if (version.starts_with('-')) version.remove_prefix(1);
+        if (version.starts_with("im")) version.remove_prefix(2);
+        const bool isVersion = !version.empty() && version[0] >= '0' && version[0] <= '9';
+        if (file == name || isVersion) return name;
+    }
+    return {};
+}
+
 std::vector<std::string> ConverterArguments(const Conversion& conversion) {
     const auto& [program, source, target, quality, layout] = conversion;
-    const std::string name = KnownName(program);
+    const std::string name = KnownConverter(program);
     const std::string number = std::to_string(quality);
     const std::string format = LCase(AfterLast(target, '.'));
     const bool losses = HasLosses(format);

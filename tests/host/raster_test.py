@@ -1,5 +1,6 @@
 """Runs of the real orvo-tile: exit code, standard output, standard error, and what stands on the disk."""
 
+import contextlib
 import copy
 import hashlib
 import json
@@ -9,6 +10,7 @@ import re
 import resource
 import shutil
 import signal
+import struct
 import sys
 import unittest
 
@@ -21,6 +23,14 @@ ogr.UseExceptions()
 gdal.PushErrorHandler("CPLQuietErrorHandler")
 gdal.SetConfigOption("GDAL_PAM_ENABLED", "NO")
 CONVERT = ["--converter", "/usr/bin/convert"]
+
+
+@contextlib.contextmanager
+def side_files():
+    """Files beside an image are read, too."""
+    gdal.SetConfigOption("GDAL_PAM_ENABLED", "YES")
+    yield
+    gdal.SetConfigOption("GDAL_PAM_ENABLED", "NO")
 
 
 def pattern(column, row, band):
@@ -61,7 +71,7 @@ class RasterTest(HostTest):
         """The numbers add up, and the index names exactly the tiles on the disk."""
         tiles = summary["tiles"]
         self.assertEqual(tiles["expected"],
-                         tiles["written"] + tiles["failed"] + tiles["outside"] + tiles["not_reached"])
+                         sum(tiles[k] for k in ("written", "failed", "blank", "outside", "not_reached")))
         self.assertEqual(tiles["failed"], len(summary["failures"]))
         features = self.index_of(summary) if summary["index"] else {}
         self.assertEqual(len(features), tiles["written"])
@@ -96,17 +106,23 @@ class TilesTest(RasterTest):
         # 40 pixels a tile: two whole ones and a rest in each direction.
         features = self.index_of(summary)
         self.assertEqual(sorted((c, r) for c, r, _ in features.values()),
-                         [(c, r) for c in range(3) for r in range(2)])
+                         [(c, r) for c in (1, 2, 3) for r in (1, 2)])
         rings = {f["properties"]["location"]: f["geometry"]["coordinates"]
                  for f in json.loads(self.read(summary["index"]))["features"]}
         for name, (column, row, (west, east, south, north)) in features.items():
             # Against the clock from the south-west.
             self.assertEqual(rings[name], [[[west, south], [east, south], [east, north], [west, north], [west, south]]])
-            width, height = min(40, 105 - 40 * column), min(40, 70 - 40 * row)
+            self.assertEqual(name, f"r{row}_c{column}.png")
+            x, y = 40 * (column - 1), 40 * (row - 1)
+            width, height = min(40, 105 - x), min(40, 70 - y)
             tile = self.path("out", name)
-            self.assertEqual(pixels(tile), pixels(source, 40 * column, 40 * row, width, height))
-            left, top = 500000.3 + 4 * column, 5600000.7 - 4 * row
-            numbers = map(float, self.read(tile[:-3] + "pgw").split())
+            self.assertEqual(pixels(tile), pixels(source, x, y, width, height))
+            left, top = 500000.3 + x / 10, 5600000.7 - y / 10
+            numbers = list(map(float, self.read(tile[:-3] + "pgw").split()))
+            with side_files():
+                shown = gdal.Open(tile)
+                self.assertEqual(shown.GetSpatialRef().GetAuthorityCode(None), "25832")
+                self.assertAlmostEqual(shown.GetGeoTransform()[0], left, places=6)
             for number, expected in zip((west, east, north, south, *numbers),
                                         (left, left + width / 10, top, top - height / 10,
                                          0.1, 0, 0, -0.1, left + 0.05, top - 0.05)):
@@ -135,9 +151,9 @@ class TilesTest(RasterTest):
             out = f"out{len(way)}"
             summary = self.cut(source, out, "--tile-size", 20, "--clip", 25, -5, 33, 15, "--world-files", *way)
             self.assertEqual(summary["tiles"],
-                             {"expected": 6, "written": 1, "failed": 0, "outside": 5, "not_reached": 0})
+                             {"expected": 1, "written": 1, "failed": 0, "blank": 0, "outside": 0, "not_reached": 0})
             (name, (column, row, envelope)), = self.index_of(summary).items()
-            self.assertEqual((column, row, envelope), (1, 1, (25, 33, 0, 15)))
+            self.assertEqual((column, row, envelope), (2, 2, (25, 33, 0, 15)))
         # The converter's window begins at pixel 5 and row 5 of the tile, both odd: R gives 6; 8 wide, 15 high gives
         # 16, which the raster's edge cuts back to 14.
         self.assertIn("clipped tiles", summary["notices"][0])
@@ -161,30 +177,132 @@ class TilesTest(RasterTest):
     def test_tile_formats(self):
         cases = [  # source, bands, arguments, extension of the tiles, word of a notice
             ("map.png", 3, ["--format", ".JPEG"], "jpg", None),
-            ("map.png", 3, ["--format", "jpg", *CONVERT], "png", "stay png"),
+            ("map.png", 3, ["--format", "jpg", *CONVERT], "jpg", None),
             ("map.tif", 3, ["--format", "tif", "--preview", *CONVERT], "tif", None),
-            ("map.jpg", 3, [], "jpg", "stay jpg"),
+            ("map.jpg", 3, [], "png", None),
             ("five.tif", 5, [], "png", "5 bands"),
-            ("map.tif", 3, ["--name", "map.png", "--format", "gif", *CONVERT], "png", "stay png"),
+            ("five.tif", 5, ["--format", "webp", "--co", "LOSSLESS=YES", "--bands", "5,3,1"], "webp", None),
+            ("map.tif", 3, ["--name", "map.png", "--format", "gif", *CONVERT], "gif", None),
         ]
         for number, (source, bands, arguments, extension, word) in enumerate(cases):
             write_raster(self.path(source), 20, 10, bands)
             summary = self.cut(source, f"out{number}", "--tile-size", 10, *arguments)
             self.assertEqual({name.rsplit(".")[-1] for name in self.index_of(summary)}, {extension})
-            notices = " ".join(summary["notices"])
-            self.assertTrue(word in notices if word else "stay" not in notices, notices)
+            notices = " ".join(n for n in summary["notices"] if "coordinate" not in n)
+            self.assertTrue(word in notices if word else not notices, notices)
+            if "--bands" in arguments:
+                tile, five = gdal.Open(self.path(f"out{number}", "r1_c2.webp")), gdal.Open(self.path(source))
+                for band, chosen in ((1, 5), (2, 3), (3, 1)):
+                    self.assertEqual(tile.GetRasterBand(band).ReadRaster(),
+                                     five.GetRasterBand(chosen).ReadRaster(10, 0, 10, 10))
 
-    def test_most_tiles(self):
-        write_raster(self.path("more.png"), 80, 50, bands=1)
-        for language, text in (("de", "zuviele Kacheln (max. 999)"), ("en", "too many tiles (max. 999)"),
-                               ("fr", "trop de tuiles (max. 999)")):
-            for arguments, locale in ((["--language", language], "C"), ([], language + "_XX.UTF-8")):
-                done = self.run_tile("raster", "more.png", "more", "--tile-size", 2, *arguments,
-                                     environment={"LC_ALL": locale})
-                self.assertEqual((done.returncode, self.names("more")), (2, set()))
-                for words in (text, "40 x 25 = 1000 tiles", "--tile-size 3 would do"):
-                    self.assertIn(words, done.stderr)
-        self.cut("more.png", "more", "--tile-size", 3)
+    def write_model(self, name, columns, rows, kind=gdal.GDT_Float32):
+        """Heights in degrees with all that a band can say of itself, and without data in the first 30 x 30 cells."""
+        system = osr.SpatialReference()
+        system.ImportFromEPSG(4326)
+        made = gdal.GetDriverByName("GTiff").Create(self.path(name), columns, rows, 1, kind)
+        made.SetGeoTransform([7, 1 / 3600, 0, 47, 0, -1 / 3600])
+        made.SetSpatialRef(system)
+        band = made.GetRasterBand(1)
+        for setting, value in (("NoDataValue", -9999), ("Scale", 0.1), ("Offset", 3.5), ("Description", "height")):
+            getattr(band, "Set" + setting)(value)
+        for y in range(rows):
+            values = [-9999 if x < 30 and y < 30 else x / 3 + y * 17.3 for x in range(columns)]
+            band.WriteRaster(0, y, columns, 1, struct.pack(f"{columns}d", *values), buf_type=gdal.GDT_Float64)
+        return self.path(name)
+
+    def test_values_are_kept_or_the_change_is_told(self):
+        model = self.write_model("model.tif", 75, 61)
+        source = gdal.Open(model)
+        for arguments, exact in ((["tif"], True), (["COG"], True), (["GTiff", "--co", "COMPRESS=LZW"], True),
+                                 (["img"], True), (["tif", "--converter", "gdal_translate"], True),
+                                 (["png"], False), (["webp"], False),
+                                 (["png", "--converter", "gdal_translate"], False)):
+            with self.subTest(arguments=arguments), side_files():
+                out = "-".join(arguments).replace("/", "")
+                summary = self.cut(model, out, "--tile-pixels", "31x30", "--skip-blank", "--format", *arguments)
+                self.assertEqual((summary["tiles"]["written"], summary["tiles"]["blank"]), (9, 0))
+                told = [n for n in summary["notices"] if "8 bits" in n]
+                self.assertEqual(len(told), not exact)
+                for name, (column, row, _) in self.index_of(summary).items() if exact else ():
+                    tile, x, y = gdal.Open(self.path(out, name)), 31 * (column - 1), 30 * (row - 1)
+                    window = (x, y, min(31, 75 - x), min(30, 61 - y))
+                    self.assertEqual(tile.GetRasterBand(1).ReadRaster(), source.GetRasterBand(1).ReadRaster(*window))
+                    self.assertEqual(tile.GetSpatialRef().IsSame(source.GetSpatialRef()), 1)
+                    for number, expected in zip(tile.GetGeoTransform(), (7 + x / 3600, 1 / 3600, 0, 47 - y / 3600, 0, -1 / 3600)):
+                        self.assertAlmostEqual(number, expected, places=11)
+                    for said in ("NoDataValue", "Scale", "Offset", "Description"):
+                        self.assertEqual(*(getattr(d.GetRasterBand(1), "Get" + said)() for d in (tile, source)))
+                if not exact:
+                    self.assertIn(f"{source.GetRasterBand(1).ComputeRasterMinMax()[1]:.9g}"[:6], told[0])
+        summary = self.cut(model, "blank", "--tile-pixels", 30, "--skip-blank", "--format", "tif")
+        self.assertEqual((summary["tiles"]["written"], summary["tiles"]["blank"]), (8, 1))
+        self.refuse("raster", model, "no", ["--tile-pixels", "30", "--values", "refuse"], 2, ["Float32", "tif"])
+        self.refuse("raster", model, "no", ["--tile-pixels", "30", *CONVERT], 2, ["Float32", "gdal_translate"])
+        ranged = self.cut(model, "ranged", "--tile-pixels", 75, "--values", "stretch", 0, 1000)
+        shown = gdal.Open(self.path("ranged", "r1_c1.png"))
+        self.assertEqual(shown.GetRasterBand(1).ReadRaster(50, 40, 1, 1)[0], int((50 / 3 + 40 * 17.3) * 255 / 1000 + 0.5))
+        self.assertIn("0 becomes 0 and 1000 255", ranged["notices"][0])
+
+    def test_sizes_and_one_grid_for_several_layers(self):
+        model = self.write_model("model.tif", 500, 300)
+        sizes = [  # arguments, pixels of a tile, columns and rows, word of a notice
+            (["--tile-pixels", 257], (257, 257), (2, 2), None), (["--tile-pixels", "31x256"], (31, 256), (17, 2), None),
+            (["--tile-size", 0.025], (90, 90), (6, 4), None),
+            (["--tile-size", 0.01251], (46, 46), (11, 7), "0.0127778 degrees a tile, 46 pixels"),
+            (["--tile-width", 0.05, "--tile-height", -1], (180, 300), (3, 1), None)]
+        for arguments, pixel, counts, word in sizes:
+            plan = self.run_tile("raster", model, "plan", "--format", "tif", "--dry-run", *arguments)
+            grid, notices = (json.loads(plan.stdout)[k] for k in ("grid", "notices"))
+            self.assertEqual((grid["tile_pixels"], (grid["columns"], grid["rows"])), (list(pixel), counts))
+            self.assertEqual([word in n for n in notices], [True] if word else [])
+            self.assertEqual(self.names("plan"), set())
+        # A second layer begins 100 cells to the right and 70 below; both know a tile by the same name and place.
+        shifted = gdal.Translate(self.path("part.tif"), model, srcWin=[100, 70, 200, 150])
+        shifted = None
+        origin = ["--origin", 6.99, 47.01, "--tile-pixels", 64, "--format", "tif"]
+        whole = self.index_of(self.cut(model, "whole", *origin))
+        part = self.index_of(self.cut("part.tif", "part", *origin))
+        self.assertTrue(set(part) < set(whole))
+        for name in part:
+            a, b = gdal.Open(self.path("whole", name)), gdal.Open(self.path("part", name))
+            inner = [round((b.GetGeoTransform()[k] - a.GetGeoTransform()[k]) / a.GetGeoTransform()[d])
+                     for k, d in ((0, 1), (3, 5))]
+            self.assertEqual(b.ReadRaster(), a.ReadRaster(*inner, b.RasterXSize, b.RasterYSize))
+        self.assertGreater(min(c for c, _, _ in part.values()), 1)
+        self.refuse("raster", model, "no", ["--origin", "7.1", "48", "--tile-pixels", "64"], 2, ["--origin", "inside"])
+
+    def test_any_number_of_tiles(self):
+        source = write_raster(self.path("many.tif"), 1050, 4, bands=1)
+        summary = self.cut(source, "out", "--tile-pixels", 1, "--vrt", "--progress", "json")
+        self.assertEqual(summary["tiles"]["written"], 4200)
+        self.assertEqual(pixels(summary["vrt"]), pixels(source))
+        events = [json.loads(line) for line in summary["stderr"].splitlines()]
+        self.assertEqual([e["cell"] for e in events if e["event"] == "cell"], list(range(1, 4201)))
+        self.assertEqual([e["event"] for e in events if e["event"] in ("start", "end")], ["start", "end"])
+        # Several sources are one mosaic, whose later ones lie above.
+        for number in range(2):
+            write_raster(self.path(f"{number}.tif"), 30, 20, left=25.0 * number)
+        halves = self.cut("0.tif", "1.tif", "two", "--tile-pixels", 55)
+        self.assertEqual(pixels(self.path("two", "r1_c1.png"), 25, 0, 30, 20), pixels(self.path("1.tif")))
+        self.assertEqual(halves["inputs"], ["0.tif", "1.tif"])
+        write_raster(self.path("1.tif"), 30, 20, bands=1)
+        self.assertEqual(self.run_tile("raster", "0.tif", "1.tif", "no", "--tile-pixels", 9).returncode, 1)
+
+    def test_tile_names(self):
+        source = write_raster(self.path("map.tif"), 20, 110, 1, 0.5)
+        cases = [("{source}_{row}_{column}", "map_03_1.png"), ("{column}/{row}", "1/03.png"),
+                 ("t{x}_{y}.png", "t0_45.png"), ("z/{row}/{source}{column}", "z/03/map1.png")]
+        for number, (pattern, third) in enumerate(cases):
+            summary = self.cut(source, f"out{number}", "--tile-pixels", 10, "--tile-names", pattern, "--preview")
+            self.assertEqual(summary["tiles"]["written"], 22)
+            self.assertIn(third, self.index_of(summary))
+            self.assertIn(third, [tile["name"] for tile in self.data_of(summary)[2:]])
+            self.cut(source, f"out{number}", "--tile-pixels", 200, "--overwrite")
+            self.assertEqual(self.names(f"out{number}"), {"r1_c1.png", "tiles.geojson", "job.json"})
+        for pattern, word in (("{row}", "two tiles"), ("{x}", "two tiles"), ("{row}_{colum}", "{colum}"),
+                              ("../{row}_{column}", "dot"), ("/{row}_{column}", "slashes"), ("{row}_{column", "brace")):
+            self.refuse("raster", source, "no", ["--tile-pixels", "1", "--tile-names", pattern], 2, [word])
 
     def test_odd_names(self):
         # The last is also the text of a stage, which must not hide the steps of the grid.
@@ -192,7 +310,7 @@ class TilesTest(RasterTest):
                      "semi;colon&amp.png", "a <b> & c.png", "extern"):
             shutil.copy(write_raster(self.path("map.png"), 20, 10), self.path(name))
             summary = self.cut("--tile-size", 10, "--vrt", "--preview", *CONVERT, "--", name, name + " out/deep/")
-            self.assertEqual(sorted((c, r) for c, r, _ in self.index_of(summary).values()), [(0, 0), (1, 0)])
+            self.assertEqual(sorted((c, r) for c, r, _ in self.index_of(summary).values()), [(1, 1), (2, 1)])
             self.assertEqual(pixels(summary["vrt"]), pixels(self.path("map.png")))
             title, _, *tiles = self.data_of(summary)
             self.assertEqual(title, name)
@@ -215,12 +333,16 @@ class UsageTest(RasterTest):
         write_raster(self.path("map.png"), 20, 10)
         self.write("file", "x")
         cases = [  # words of the message, and arguments that lead to it each
-            (["--tile-size"], "", "10 --tile-width 5", " "),
+            (["--tile-size"], "", "10 --tile-width 5", "10 --tile-pixels 5"),
             (["--tile-height"], None),
-            (['"0"', "1 to 2147483647"], "0"),
-            (['"-2"', "-1"], "-2"),
+            (["above 0", "-1"], "0", "-2", "-0.5"),
             (["32 bits", "-1"], "2147483648", "99999999999999999999", "2147483647"),  # the last: odd, rounded up
-            (["12.5", "whole"], "12.5"),
+            (["no size", "256x512"], "10 --tile-pixels 0", "10 --tile-pixels 5x", "10 --tile-pixels 1.5"),
+            (["commas"], "10 --bands 1,,2", "10 --bands x"),
+            (["refuse", "MIN MAX"], "10 --values clip"),
+            (["MIN below MAX"], "10 --values stretch 5 5"),
+            (["--co", "SPEED"], "10 --format tif --co SPEED=9"),
+            (["--resume"], "10 --overwrite --resume"),
             (["1 to 100"], "10 --quality 0", "10 --quality 101"),
             (["es", "de, en or fr"], "10 --language es"),
             (["--clip", "XMIN", "YMIN"], "10 --clip 5 0 5 9", "10 --clip 0 9 5 1"),
@@ -228,10 +350,11 @@ class UsageTest(RasterTest):
             (["does not meet", "0 0 20 10"], "10 --clip 20 0 30 10"),
             (["--clip"], "10 --clip 1 2 3"),
             (["--format"], "10 --format ../x"),
-            (["tif", "--converter"], "10 --format tif"),
+            (["VRT", "GTiff"], "10 --format VRT"),
             (["no-such-program", "PATH"], "10 --converter no-such-program"),
             (["./file"], "10 --converter ./file"),
             (["backslash"], "10 --name a\\b"),
+            (["missing.png"], "10 --name missing.png"),
         ]
         for words, *runs in cases:
             for run in runs:
@@ -303,9 +426,6 @@ class UsageTest(RasterTest):
         huge = None
         self.refuse("raster", "huge.tif", "out", ["--tile-size", "1"], 2, ["no pixels", "2e+16"])
         self.refuse("raster", "back\\slash.png", "out", ["--tile-size", "5"], 2, ["backslash"])
-        summary = self.cut("map.png", "out", "--tile-size", 5, "--name", "missing.png", "--language", "en", exit_code=1)
-        self.assertIn("File not found or format not supported", summary["stderr"])
-        self.assertEqual(self.names(), set())
         for folder, *words in (("o\\ut", "backslash"), ("text.png", "text.png", "folder"),
                                ("text.png/deep", "text.png"), ("", "OUTDIR"), ("/proc", "/proc", "written"), ("/proc/deep/er", "/proc")):
             self.refuse("raster", "map.png", folder, ["--tile-size", "5"], 2, words)
@@ -332,7 +452,7 @@ class FolderTest(RasterTest):
         self.assertEqual(self.again("--overwrite", "--clip", "90", "90", "99", "99").returncode, 2)
         self.assertEqual(self.names(), earlier | mine)
         summary = self.cut("map.png", "out", "--tile-size", 20, "--overwrite")
-        self.assertEqual(self.names(), set(self.index_of(summary)) | {"tiles.geojson"} | mine)
+        self.assertEqual(self.names(), set(self.index_of(summary)) | {"tiles.geojson", "job.json"} | mine)
 
     def test_forged_indexes_are_refused(self):
         self.write("victim.png", "mine")
@@ -341,6 +461,7 @@ class FolderTest(RasterTest):
         before = self.names()
         for place, value in (("location", "../victim.png"), ("location", self.path("victim.png")),
                              ("location", "holiday.png"), ("companions", ["../victim.png"]), ("companions", None),
+                             ("location", "r1_c1/../../victim.png"), ("companions", ["r1_c1.png/../../victim.png"]),
                              ("generator", "other")):
             with self.subTest(place=place, value=value):
                 forged = copy.deepcopy(genuine)
@@ -352,11 +473,11 @@ class FolderTest(RasterTest):
                 self.assertEqual((self.names(), self.read("victim.png")), (before, "mine"))
 
     def test_links_are_not_followed(self):
-        tile, = self.index_of(self.cut("map.png", "out", "--tile-size", 20))
+        tile, = self.index_of(self.cut("map.png", "out", "--tile-size", 20, "--tile-names", "whole{row}{column}"))
         self.write("victim.png", "mine")
         os.remove(self.path("out", tile))
         os.symlink(self.path("victim.png"), self.path("out", tile))
-        self.assertEqual(self.again("--overwrite").returncode, 0)
+        self.assertEqual(self.again("--overwrite").returncode, 0)  # its tiles have other names
         self.assertTrue(os.path.islink(self.path("out", tile)) and os.path.exists(self.path("victim.png")))
         os.rename(self.path("out", "tiles.geojson"), self.path("index"))
         os.symlink(self.path("index"), self.path("out", "tiles.geojson"))
@@ -377,23 +498,64 @@ class FolderTest(RasterTest):
         self.assertEqual([os.path.basename(summary[k]) for k in ("index", "vrt", "preview")],
                          ["tiles_2.geojson", "mosaic_2.vrt", "index_2.html"])
 
-    def test_processes_share_a_folder(self):
-        write_raster(self.path("big.tif"), 120, 120)
-        slow = self.script("slow", 'sleep 0.002; exec cp "$1" "$2"')
-        running = [self.start("raster", "big.tif", "out", "--tile-size", "10", "--vrt", "--preview", "-q",
-                              "--converter", slow, "--format", "tif") for _ in range(2)]
-        summaries = [json.loads(process.communicate(timeout=60)[0]) for process in running]
-        self.assertEqual([process.returncode for process in running], [0, 0])
-        self.assertEqual({os.path.basename(s["index"]) for s in summaries}, {"tiles.geojson", "tiles_2.geojson"})
-        tiles = set()
-        for summary in summaries:
-            self.check(summary)
-            self.assertEqual(pixels(summary["vrt"]), pixels(self.path("big.tif")))
-            tiles.update(self.index_of(summary))
-        self.assertEqual(len(tiles), 288)
-        # One --overwrite clears both runs away.
-        self.cut("map.png", "out", "--tile-size", 20, "--overwrite")
-        self.assertEqual(len(self.names()), 2)
+    def test_one_run_at_a_time(self):
+        slow = self.script("slow", 'sleep 0.02; exec cp "$1" "$2"')
+        running = [self.start("raster", "map.png", "out", "--tile-size", "4", "-q", "--converter", slow, "--format",
+                              "tif") for _ in range(3)]
+        done = sorted((process.wait(60), *process.communicate()) for process in running)
+        self.assertEqual([code for code, _, _ in done], [0, 2, 2])
+        self.check(json.loads(done[0][1]))
+        for _, out, error in done[1:]:
+            self.assertRegex(error, "another run is writing|holds tiles already")
+
+    def test_a_run_that_was_killed_is_resumed_or_removed(self):
+        options = ["--tile-pixels", "6", "--world-files", "--vrt", "--preview", "--tile-names", "{row}/{column}",
+                   "--skip-blank", "--format", "tif"]
+        whole = self.contents(self.cut("map.png", "whole", *options)["outdir"])
+        # The converter kills its parent at the n-th tile; the resumed run has another converter of that name.
+        for number in (1, 2, 7, 16):
+            for way in ("--resume", "--overwrite"):
+                self.write("calls", "")
+                killer = self.script("killer", f'echo >> "{self.folder}/calls"\ncp "$1" "$2"\n'
+                                     f'[ $(wc -l < "{self.folder}/calls") -ne {number} ] || kill -9 $PPID\n')
+                shutil.rmtree(self.path("out"), ignore_errors=True)
+                command = ["map.png", "out", *options, "--converter", killer]
+                self.assertEqual(self.run_tile("raster", *command).returncode, -9)
+                self.write("out/mine.txt", "mine")
+                if way == "--resume":
+                    refused = self.run_tile("raster", *command, "--resume", "--tile-pixels", "7")
+                    self.assertEqual(refused.returncode, 2)
+                    refused = self.run_tile("raster", *command[:-1], "/bin/cp", "--resume")
+                    self.assertIn("converter was", refused.stderr)
+                self.assertEqual(self.again().returncode, 2)
+                summary = self.cut(*command, way) if way == "--resume" else self.cut("map.png", "out", *options, way)
+                self.assertEqual(summary["tiles"]["written"], 16)
+                if way == "--overwrite":
+                    os.remove(self.path("out", "mine.txt"))
+                    found = self.contents(self.path("out"))
+                    self.assertEqual(found, whole)
+
+    def test_failures_are_made_up_for_by_resume(self):
+        slow = self.script("cut", 'cp "$1" "$2"')
+        command = ["map.png", "out", "--tile-pixels", 5, "--format", "heic", "--world-files", "--converter", slow]
+        whole = self.contents(self.cut("map.png", "whole", *command[2:])["outdir"])
+        self.write("calls", "")
+        self.script("cut", f'echo >> "{self.folder}/calls"; [ $(wc -l < "{self.folder}/calls") -gt 4 ] && cp "$1" "$2"')
+        failed = self.cut(*command, exit_code=1)
+        self.assertGreaterEqual(failed["tiles"]["failed"] + len(failed["leftovers"]), 1)
+        self.assertEqual(self.cut(*command, "--resume")["tiles"]["written"], 16)
+        now = self.contents(self.path("out"))
+        self.assertEqual({k for k in now if now[k] != whole.get(k)} | set(whole) - set(now), set())
+
+    @staticmethod
+    def contents(folder):
+        """Bytes by path of all that is in a folder; of job.json only that it is there."""
+        found = {}
+        for base, _, names in os.walk(folder):
+            for name in names:
+                with open(os.path.join(base, name), "rb") as file:
+                    found[os.path.relpath(os.path.join(base, name), folder)] = name == "job.json" or file.read()
+        return found
 
 
 class FaultsTest(RasterTest):
@@ -406,12 +568,12 @@ class FaultsTest(RasterTest):
         for number in (signal.SIGINT, signal.SIGTERM):
             out = f"out{number}"
             process = self.start("raster", self.source, out, "--tile-size", "4", "--converter", slow, "--format", "tif")
-            ready = lambda: sum(name.endswith("tif") and name[0] == "i" for name in self.names(out)) >= 3
+            ready = lambda: sum(name.endswith("tif") and name[0] == "r" for name in self.names(out)) >= 3
             summary = self.interrupt(process, ready, number)
             self.assertGreaterEqual(summary["tiles"]["written"], 3)
             self.assertGreater(summary["tiles"]["not_reached"], 50)
             self.assertEqual(summary["tiles"]["failed"], 0)
-            self.assertEqual(self.names(out), set(self.index_of(summary)) | {"tiles.geojson"})
+            self.assertEqual(self.names(out), set(self.index_of(summary)) | {"tiles.geojson", "job.json"})
 
     def test_a_converter_that_fails(self):
         refuse = self.script("refuse", "echo no licence >&2; exit 3")
@@ -421,15 +583,20 @@ class FaultsTest(RasterTest):
         notice, = [n for n in summary["notices"] if n.startswith("4 tiles")]
         self.assertIn("no licence", notice)
         # It steps in vain for a format that nobody writes. Said once, not once a tile.
-        summary = self.cut(self.source, "out", "--tile-size", 20, "--format", "webp", "--converter", refuse,
+        summary = self.cut(self.source, "out", "--tile-size", 20, "--format", "heic", "--converter", refuse,
                            exit_code=1)
-        self.assertEqual([(f["column"], f["row"]) for f in summary["failures"]], [(0, 0), (1, 0), (0, 1), (1, 1)])
+        self.assertEqual([(f["column"], f["row"]) for f in summary["failures"]], [(1, 1), (2, 1), (1, 2), (2, 2)])
         self.assertRegex(summary["stderr"], r"^.*4 tiles failed.*\n$")
         # What was exported on the way is kept, named, and cleared away by the next run.
         self.assertEqual(len(summary["leftovers"]), 4)
-        self.assertEqual(self.names(), set(summary["leftovers"]) | {"tiles.geojson"})
+        self.assertEqual(self.names(), set(summary["leftovers"]) | {"tiles.geojson", "job.json"})
         self.cut(self.source, "out", "--tile-size", 40, "--overwrite")
-        self.assertEqual(len(self.names()), 2)
+        self.assertEqual(len(self.names()), 3)
+        # One that changes values is not believed.
+        ruin = self.script("ruin", 'exec gdal_translate -q -scale 0 255 0 100 "$1" "$2"')
+        summary = self.cut(self.source, "ruined", "--tile-size", 20, "--vrt", "--converter", ruin)
+        self.assertIn("values are not those of the source", " ".join(summary["notices"]))
+        self.assertEqual(pixels(summary["vrt"]), pixels(self.source))
 
     def counting(self, number, act):
         """A converter that does something at its n-th call."""
@@ -455,20 +622,14 @@ class FaultsTest(RasterTest):
                            preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (12000, 12000)))
         self.assertEqual((summary["tiles"]["written"], summary["tiles"]["failed"]), (1, 1))
         self.assertIn("File too large", summary["failures"][0]["reason"])
-        self.assertEqual(self.names(), set(self.index_of(summary)) | {"tiles.geojson"})
+        self.assertEqual(self.names(), set(self.index_of(summary)) | {"tiles.geojson", "job.json"})
 
-    def test_failures_without_a_terminal(self):
-        for policy, lines in (("leave", 1), ("ask", 1), ("next", 2)):
-            with self.subTest(policy):
-                # The output folder goes away at the second tile.
-                converter = self.counting(2, f'rm -rf "{self.folder}/out"')
-                summary = self.cut(self.source, "out", "--tile-size", 20, "--format", "tif", "--on-error", policy,
-                                   "--converter", converter, "--language", "en", exit_code=1)
-                shown = [line for line in summary["stderr"].splitlines() if "Error description:" in line]
-                self.assertGreaterEqual(len(shown), lines)
-                self.assertIn("Path not found", shown[0])
-                self.assertIn("Exit Procedure" if policy != "next" else "Continue with next Command", shown[0])
-                self.assertEqual((summary["tiles"]["written"], summary["index"]), (0, None))
+    def test_a_folder_that_goes_away(self):
+        converter = self.counting(2, f'rm -rf "{self.folder}/out"')
+        summary = self.cut(self.source, "out", "--tile-size", 10, "--format", "tif", "--converter", converter,
+                           exit_code=1)
+        self.assertEqual((summary["tiles"]["written"], summary["index"]), (0, None))
+        self.assertTrue(any("No such file" in f["reason"] for f in summary["failures"]), summary["failures"])
 
 
 if __name__ == "__main__":

@@ -82,6 +82,8 @@ class VectorTest(HostTest):
         if not summary["index"]:
             return {}
         dataset = ogr.Open(summary["index"])
+        for f in dataset.GetLayer():  # from the upper left corner, and from the lower left one
+            self.assertEqual((f["column"], summary["grid"]["rows"] + 1 - f["row"]), (f["x"], f["y"]))
         return {f["location"]: (f["column"], f["row"], f["tile"], f.GetGeometryRef().GetEnvelope())
                 for f in dataset.GetLayer()}
 
@@ -138,7 +140,7 @@ class TilesTest(VectorTest):
                 tile = ogr.Open(self.path(f"out{number}", next(iter(self.index_of(summary)))))
                 self.assertEqual(tile.GetLayer().GetSpatialRef().GetProjParm("central_meridian"), 9)
                 again = self.cut(source, f"out{number}", "--columns", 1, "--rows", 1, "--overwrite")
-                self.assertEqual(set(os.listdir(again["outdir"])), {"grp0.geojson", "tiles.geojson"})
+                self.assertEqual(set(os.listdir(again["outdir"])), {"grp0.geojson", "tiles.geojson", "job.json"})
 
     def test_locate_agrees_with_vector(self):
         rng = random.Random(5)

@@ -24,8 +24,4 @@ bool FolderLock::TryAlone() const {
     return flock(folder_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-void FolderLock::Share() const {
-    flock(folder_, LOCK_SH);
-}
-
 }  // namespace orvo::tiling

@@ -12,21 +12,10 @@
 #include <optional>
 
 #include "tiling/Errors.h"
+#include "tiling/output/ReferenceSystem.h"
 
 namespace orvo::tiling {
 namespace {
-
-/// What a tile offers to the mosaic.
-struct Source {
-    const PlacedTile* tile = nullptr;
-    int width = 0;  ///< pixels of the file
-    int height = 0;
-    int colours = 1;  ///< 1 for grey, 3 for red, green and blue, however they are stored
-    bool alpha = false;
-    bool palette = false;
-    GDALDataType type = GDT_Byte;
-    std::optional<double> nodata;
-};
 
 std::string Digits(double value) {
     std::array<char, 40> text{};
@@ -34,18 +23,67 @@ std::string Digits(double value) {
     return text.data();
 }
 
-std::string Escaped(const std::string& text) {
-    char* const escaped = CPLEscapeString(text.c_str(), static_cast<int>(text.size()), CPLES_XML);
-    std::string copy = escaped;
-    CPLFree(escaped);
-    return copy;
-}
+/// A band of a tile: its type, and what else it says of itself, as elements of the virtual raster.
+struct BandFacts {
+    std::string type;
+    std::string elements;
+    bool operator==(const BandFacts&) const = default;
+};
+
+/// What a tile offers to the mosaic.
+struct Source {
+    PlacedTile tile;
+    int width = 0;  ///< pixels of the file
+    int height = 0;
+    int colours = 1;  ///< 1 for grey, 3 for red, green and blue, however they are stored
+    bool alpha = false;
+    bool palette = false;
+    GDALDataType type = GDT_Byte;
+    std::optional<double> nodata;
+    std::vector<BandFacts> bands;
+};
 
 bool HasTransparency(const GDALColorTable& colours) {
     for (int i = 0; i < colours.GetColorEntryCount(); ++i) {
         if (colours.GetColorEntry(i)->c4 < 255) return true;
     }
     return false;
+}
+
+std::string TableElement(const GDALColorTable& table) {
+    std::string text = "    <ColorTable>\n";
+    for (int i = 0; i < table.GetColorEntryCount(); ++i) {
+        GDALColorEntry entry{};
+        table.GetColorEntryAsRGB(i, &entry);
+        const auto part = [](const char* name, short value) {
+            return std::string(" ") + name + "=\"" + std::to_string(value) + "\"";
+        };
+        text += "      <Entry" + part("c1", entry.c1) + part("c2", entry.c2) + part("c3", entry.c3) +
+                part("c4", entry.c4) + "/>\n";
+    }
+    return text + "    </ColorTable>\n";
+}
+
+std::string Element(const std::string& name, const std::string& text) {
+    return "    <" + name + ">" + text + "</" + name + ">\n";
+}
+
+BandFacts FactsOf(GDALRasterBand& band) {
+    BandFacts facts{GDALGetDataTypeName(band.GetRasterDataType()), ""};
+    const std::string name = band.GetDescription();
+    if (!name.empty()) facts.elements += Element("Description", Escaped(name));
+    facts.elements += Element("ColorInterp", GDALGetColorInterpretationName(band.GetColorInterpretation()));
+    int has = 0;
+    const double nodata = band.GetNoDataValue(&has);
+    if (has != 0) facts.elements += Element("NoDataValue", Digits(nodata));
+    const double offset = band.GetOffset(&has);
+    if (has != 0 && offset != 0) facts.elements += Element("Offset", Digits(offset));
+    const double scale = band.GetScale(&has);
+    if (has != 0 && scale != 1) facts.elements += Element("Scale", Digits(scale));
+    const std::string unit = band.GetUnitType();
+    if (!unit.empty()) facts.elements += Element("UnitType", Escaped(unit));
+    if (const GDALColorTable* const table = band.GetColorTable()) facts.elements += TableElement(*table);
+    return facts;
 }
 
 Source Look(const std::string& folder, const PlacedTile& tile) {
@@ -58,10 +96,11 @@ Source Look(const std::string& folder, const PlacedTile& tile) {
     GDALRasterBand& first = *dataset->GetRasterBand(1);
     const int bands = dataset->GetRasterCount();
     Source source;
-    source.tile = &tile;
+    source.tile = tile;
     source.width = dataset->GetRasterXSize();
     source.height = dataset->GetRasterYSize();
     source.type = first.GetRasterDataType();
+    for (int band = 1; band <= bands; ++band) source.bands.push_back(FactsOf(*dataset->GetRasterBand(band)));
     if (const GDALColorTable* const colours = first.GetColorTable(); bands == 1 && colours != nullptr) {
         source.palette = true;
         source.colours = 3;
@@ -78,33 +117,34 @@ Source Look(const std::string& folder, const PlacedTile& tile) {
 
 class Mosaic {
   public:
-    Mosaic(const std::string& folder, const std::vector<PlacedTile>& tiles, double cellWidth,
-           double cellHeight)
-        : cellWidth_(cellWidth), cellHeight_(cellHeight), area_(tiles.front().placement) {
-        for (const PlacedTile& tile : tiles) {
+    Mosaic(const std::string& folder, const TileList& tiles, double cellWidth, double cellHeight)
+        : cellWidth_(cellWidth), cellHeight_(cellHeight) {
+        tiles([&](const PlacedTile& tile) {
             const Rectangle& place = tile.placement;
+            if (sources_.empty()) area_ = place;
             area_ = {std::min(area_.xMin, place.xMin), std::min(area_.yMin, place.yMin),
                      std::max(area_.xMax, place.xMax), std::max(area_.yMax, place.yMax)};
             sources_.push_back(Look(folder, tile));
-            const Source& source = sources_.back();
+            Source& source = sources_.back();
+            if (sources_.size() == 1) bands_ = source.bands;
+            alike_ = alike_ && source.bands == bands_;
+            source.bands = {};
             colours_ = std::max(colours_, source.colours);
             alpha_ = alpha_ || source.alpha;
             type_ = GDALDataTypeUnion(type_, source.type);
             if (source.nodata) nodata_ = source.nodata;
-        }
+        });
     }
 
     std::string Text(const std::string& system) const {
         std::string text = "<VRTDataset rasterXSize=\"" + Size(area_.xMax - area_.xMin, cellWidth_) +
                            "\" rasterYSize=\"" + Size(area_.yMax - area_.yMin, cellHeight_) + "\">\n";
-        if (!system.empty()) {
-            text += "  <SRS dataAxisToSRSAxisMapping=\"" + AxisMapping(system) + "\">" + Escaped(system) +
-                    "</SRS>\n";
-        }
+        text += SystemElement(system, 2);
         text += "  <GeoTransform>" + Digits(area_.xMin) + ", " + Digits(cellWidth_) + ", 0, " +
                 Digits(area_.yMax) + ", 0, " + Digits(-cellHeight_) + "</GeoTransform>\n";
-        for (int band = 1; band <= colours_; ++band) text += Band(band, false);
-        if (alpha_) text += Band(colours_ + 1, true);
+        for (int band = 1; alike_ && band <= static_cast<int>(bands_.size()); ++band) text += AlikeBand(band);
+        for (int band = 1; !alike_ && band <= colours_; ++band) text += Band(band, false);
+        if (!alike_ && alpha_) text += Band(colours_ + 1, true);
         return text + "</VRTDataset>\n";
     }
 
@@ -113,16 +153,13 @@ class Mosaic {
         return std::to_string(std::max(1L, std::lround(span / cell)));
     }
 
-    /// Which axis of the system is x and which y.
-    static std::string AxisMapping(const std::string& system) {
-        OGRSpatialReference read;
-        read.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
-        if (read.importFromWkt(system.c_str()) != OGRERR_NONE) return "1,2";
-        std::string text;
-        for (const int axis : read.GetDataAxisToSRSAxisMapping()) {
-            text += (text.empty() ? "" : ",") + std::to_string(axis);
-        }
-        return text;
+    /// A band that all tiles have.
+    std::string AlikeBand(int number) const {
+        const BandFacts& facts = bands_[static_cast<std::size_t>(number - 1)];
+        std::string text = "  <VRTRasterBand dataType=\"" + facts.type + "\" band=\"" +
+                           std::to_string(number) + "\">\n" + facts.elements;
+        for (const Source& source : sources_) text += SourceElement("SimpleSource", source, number, "");
+        return text + "  </VRTRasterBand>\n";
     }
 
     std::string Band(int number, bool isAlpha) const {
@@ -152,14 +189,18 @@ class Mosaic {
         } else if (source.nodata && !isAlpha) {
             how = "      <NODATA>" + Digits(*source.nodata) + "</NODATA>\n";
         }
-        const std::string kind = how.empty() ? "SimpleSource" : "ComplexSource";
-        return "    <" + kind + ">\n      <SourceFilename relativeToVRT=\"1\">" + Escaped(source.tile->name) +
+        return SourceElement(how.empty() ? "SimpleSource" : "ComplexSource", source, band, how);
+    }
+
+    std::string SourceElement(const std::string& kind, const Source& source, int band,
+                              const std::string& how) const {
+        return "    <" + kind + ">\n      <SourceFilename relativeToVRT=\"1\">" + Escaped(source.tile.name) +
                "</SourceFilename>\n      <SourceBand>" + std::to_string(band) + "</SourceBand>\n" +
                Windows(source) + how + "    </" + kind + ">\n";
     }
 
     std::string Windows(const Source& source) const {
-        const Rectangle& place = source.tile->placement;
+        const Rectangle& place = source.tile.placement;
         return "      <SrcRect xOff=\"0\" yOff=\"0\" xSize=\"" + std::to_string(source.width) +
                "\" ySize=\"" + std::to_string(source.height) + "\"/>\n      <DstRect xOff=\"" +
                Digits(Whole((place.xMin - area_.xMin) / cellWidth_)) + "\" yOff=\"" +
@@ -178,6 +219,8 @@ class Mosaic {
     double cellHeight_;
     Rectangle area_;
     std::vector<Source> sources_;
+    std::vector<BandFacts> bands_;  ///< of the first tile
+    bool alike_ = true;             ///< all tiles have these
     int colours_ = 1;
     bool alpha_ = false;
     GDALDataType type_ = GDT_Byte;
@@ -186,8 +229,8 @@ class Mosaic {
 
 }  // namespace
 
-std::string MosaicText(const std::string& folder, const std::vector<PlacedTile>& tiles,
-                       const std::string& system, double cellWidth, double cellHeight) {
+std::string MosaicText(const std::string& folder, const TileList& tiles, const std::string& system,
+                       double cellWidth, double cellHeight) {
     return Mosaic(folder, tiles, cellWidth, cellHeight).Text(system);
 }
 

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -12,9 +13,10 @@
 #include <string_view>
 #include <system_error>
 
+#include "platform/files/PartFile.h"
 #include "tiling/Errors.h"
 #include "tiling/Paths.h"
-#include "tiling/output/TileIndex.h"
+#include "tiling/output/WorkFolder.h"
 
 namespace fs = std::filesystem;
 
@@ -25,7 +27,7 @@ std::string Quoted(const std::string& path) {
     return "\"" + path + "\"";
 }
 
-/// A folder that is open; names in it are looked up without following links.
+/// A folder that is open. Names in it may lead into folders within, but links are not followed.
 class OpenFolder {
   public:
     explicit OpenFolder(const std::string& path)
@@ -37,18 +39,31 @@ class OpenFolder {
     OpenFolder(const OpenFolder&) = delete;
     OpenFolder& operator=(const OpenFolder&) = delete;
 
-    bool IsRegularFile(const std::string& name) const {
-        struct stat status {};
-        return fstatat(number_, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(status.st_mode);
-    }
-    /// Removes a regular file; anything else stays.
+    /// Removes a regular file; anything else stays. Then folders on its way that are empty.
     void Remove(const std::string& name) const {
+        if (const auto slash = name.find('/'); slash != std::string::npos) {
+            const std::string inner = name.substr(0, slash);
+            {
+                const OpenFolder folder(number_, inner);
+                if (folder.number_ < 0) return;
+                folder.Remove(name.substr(slash + 1));
+            }
+            unlinkat(number_, inner.c_str(), AT_REMOVEDIR);
+            return;
+        }
         if (IsRegularFile(name) && unlinkat(number_, name.c_str(), 0) != 0 && errno != ENOENT) {
             throw RunError("cannot remove " + Quoted(name) + " of an earlier run: " + std::strerror(errno));
         }
     }
 
   private:
+    OpenFolder(int parent, const std::string& name)
+        : number_(openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC)) {}
+    bool IsRegularFile(const std::string& name) const {
+        struct stat status {};
+        return fstatat(number_, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(status.st_mode);
+    }
+
     int number_;
 };
 
@@ -92,27 +107,35 @@ OutputFolder::OutputFolder(const std::string& path) : path_(Resolved(path)) {
     }
 }
 
-void OutputFolder::CheckEarlier(bool overwrite, const std::vector<std::string>& keep) {
-    overwrite_ = overwrite;
+void OutputFolder::CheckEarlier(Earlier earlier, const std::vector<std::string>& keep, const Json& job) {
+    earlier_ = earlier;
     keep_ = keep;
-    static_cast<void>(EarlierFiles());
+    job_ = job;
+    static_cast<void>(LookAtEarlier());
 }
 
-std::vector<std::string> OutputFolder::EarlierFiles() const {
-    const std::vector<std::string> indexes = FindIndexes(path_);
-    if (indexes.empty()) return {};
-    if (!overwrite_) {
-        throw UsageError("OUTDIR " + Quoted(path_) + " holds tiles already (" + indexes.front() +
-                         "); use --overwrite to replace them, or name another folder");
+EarlierRun OutputFolder::LookAtEarlier() const {
+    EarlierRun run = ReadEarlierRun(path_);
+    if (!run.IsThere()) return run;
+    const std::string what = run.indexes.empty() ? kJobFile : run.indexes.front();
+    if (earlier_ == Earlier::Refuse) {
+        throw UsageError("OUTDIR " + Quoted(path_) + " holds tiles already (" + what +
+                         "); use --overwrite to replace them, --resume to go on where a run of the same job "
+                         "ended, or name another folder");
     }
-    std::set<std::string> names;
-    for (const std::string& index : indexes) {
-        for (const std::string& name : FilesOfIndex(path_, index)) names.insert(name);
+    if (earlier_ == Earlier::Resume) {
+        const std::string other = run.job.is_null() ? "there is no job.json" : Difference(run.job, job_);
+        if (!other.empty())
+            throw UsageError("--resume goes on with the job in OUTDIR only, and this is another one: " +
+                             other + "; use --overwrite to begin anew, or name another folder");
     }
-    std::vector<std::string> files(names.begin(), names.end());
-    files.insert(files.end(), indexes.begin(), indexes.end());
-    for (const std::string& name : files) RequireNoSource(name);
-    return files;
+    for (const auto& [tile, others] : run.tiles) {
+        RequireNoSource(tile);
+        for (const std::string& other : others) RequireNoSource(other);
+    }
+    for (const std::string& product : run.products) RequireNoSource(product);
+    for (const std::string& index : run.indexes) RequireNoSource(index);
+    return run;
 }
 
 /// A source that is a folder is read from the files in it.
@@ -125,17 +148,62 @@ void OutputFolder::RequireNoSource(const std::string& name) const {
     }
 }
 
-void OutputFolder::Prepare() {
+std::map<std::string, std::vector<std::string>> OutputFolder::Prepare() {
     try {
         Make();
         TryToWrite();
         lock_ = std::make_unique<FolderLock>(path_);
-        if (overwrite_) RemoveEarlier();
-        lock_->Share();
+        if (!lock_->TryAlone())
+            throw UsageError("another run is writing into OUTDIR " + Quoted(path_) +
+                             "; wait for its end, or name another folder");
+        // Another run may have written or removed something meanwhile.
+        const EarlierRun run = LookAtEarlier();
+        RemoveLeftovers(run);
+        std::map<std::string, std::vector<std::string>> there;
+        if (earlier_ == Earlier::Resume) there = TakeUp(run);
+        if (earlier_ == Earlier::Remove) RemoveAll(run);
+        if (const auto failed = files::WriteWhole(path_ + "/" + kJobFile, TextOf(job_, 2) + "\n"))
+            throw RunError("cannot write \"" + path_ + "/" + kJobFile + "\": " + failed.message());
+        return there;
     } catch (...) {
         RemoveIfUnused();
         throw;
     }
+}
+
+/// The tiles of the run that are there. Its journal names them before its index goes.
+std::map<std::string, std::vector<std::string>> OutputFolder::TakeUp(const EarlierRun& run) const {
+    const OpenFolder folder(path_);
+    const std::string extension = "." + job_["names"]["extension"].get<std::string>();
+    const auto isThere = [&](const std::string& name) {
+        std::error_code missing;
+        const fs::path path = fs::path(path_) / name;
+        return fs::is_regular_file(fs::symlink_status(path, missing)) && fs::file_size(path, missing) > 0;
+    };
+    std::map<std::string, std::vector<std::string>> there;
+    for (const auto& [tile, others] : run.tiles) {
+        if (tile.ends_with(extension) && isThere(tile) && std::ranges::all_of(others, isThere)) {
+            there.emplace(tile, others);
+            continue;
+        }
+        folder.Remove(tile);
+        for (const std::string& other : others) folder.Remove(other);
+    }
+    if (run.IsThere()) WorkFolder::Renew(path_, there);
+    for (const std::string& product : run.products) folder.Remove(product);
+    for (const std::string& index : run.indexes) folder.Remove(index);
+    return there;
+}
+
+void OutputFolder::RemoveAll(const EarlierRun& run) const {
+    const OpenFolder folder(path_);
+    for (const auto& [tile, others] : run.tiles) {
+        folder.Remove(tile);
+        for (const std::string& other : others) folder.Remove(other);
+    }
+    for (const std::string& product : run.products) folder.Remove(product);
+    for (const std::string& index : run.indexes) folder.Remove(index);
+    folder.Remove(kJobFile);
 }
 
 void OutputFolder::Make() {
@@ -165,19 +233,18 @@ void OutputFolder::TryToWrite() const {
     unlink(name.c_str());
 }
 
-/// What is there is looked at once more: another run may have written or removed it meanwhile.
-void OutputFolder::RemoveEarlier() {
-    if (!lock_->TryAlone()) {
-        throw UsageError("another run is writing into OUTDIR " + Quoted(path_) +
-                         "; wait for its end before you use --overwrite, or name another folder");
-    }
-    const std::vector<std::string> files = EarlierFiles();
-    const OpenFolder folder(path_);
-    for (const std::string& name : files) folder.Remove(name);
+/// The journal stays where its run goes on.
+void OutputFolder::RemoveLeftovers(const EarlierRun& run) const {
     std::error_code ignored;
     for (const auto& entry : fs::directory_iterator(path_, ignored)) {
-        if (IsLeftover(entry.path().filename().string())) fs::remove_all(entry.path(), ignored);
+        const std::string name = entry.path().filename().string();
+        const bool goesOn = earlier_ == Earlier::Resume && run.IsThere() && name == kWorkFolder;
+        if (IsLeftover(name) && !goesOn) fs::remove_all(entry.path(), ignored);
     }
+}
+
+void OutputFolder::RemoveJob() noexcept {
+    unlink((path_ + "/" + kJobFile).c_str());
 }
 
 void OutputFolder::RemoveIfUnused() noexcept {

@@ -7,9 +7,13 @@
 #include <string>
 #include <vector>
 
+#include "tiling/output/EarlierRun.h"
 #include "tiling/output/FolderLock.h"
 
 namespace orvo::tiling {
+
+/// What a run does with an earlier one's files.
+enum class Earlier { Refuse, Remove, Resume };
 
 class OutputFolder {
   public:
@@ -17,13 +21,17 @@ class OutputFolder {
     /// where it cannot serve: a file in its place, a backslash in its name.
     explicit OutputFolder(const std::string& path);
 
-    /// Refuses a folder with an earlier index unless `overwrite`; then all of the earlier runs' files must be
-    /// ours to remove, and none of `keep` (what the source is read from) among them. Nothing is changed yet.
-    void CheckEarlier(bool overwrite, const std::vector<std::string>& keep);
-    /// Makes the folder, tries to write into it, and removes the earlier runs' files, those that killed ones
-    /// have left too. Until the end of this object nobody else removes files there; fails with UsageError
-    /// where another run would lose its own. Leaves no folder where it fails.
-    void Prepare();
+    /// Refuses a folder that holds a run unless that is to be removed or resumed; then all of its files must
+    /// be ours to remove, and none of `keep` (what the source is read from) among them. A run is resumed by
+    /// the same job only. Nothing is changed yet.
+    void CheckEarlier(Earlier earlier, const std::vector<std::string>& keep, const Json& job);
+    /// Makes the folder, tries to write into it, removes what is to go of the earlier run, what it left where
+    /// it was killed too, and writes the job. Until the end of this object nobody else works there; fails
+    /// with UsageError where somebody does. Leaves no folder where it fails.
+    /// @return the tiles that are there, with the files that go with them, where a run is resumed
+    std::map<std::string, std::vector<std::string>> Prepare();
+    /// Removes the job: nothing was written.
+    void RemoveJob() noexcept;
     /// Removes the folders that Prepare has made, as far as they are empty.
     void RemoveIfUnused() noexcept;
 
@@ -33,14 +41,17 @@ class OutputFolder {
   private:
     void Make();
     void TryToWrite() const;
-    std::vector<std::string> EarlierFiles() const;
+    EarlierRun LookAtEarlier() const;
     void RequireNoSource(const std::string& name) const;
-    void RemoveEarlier();
+    std::map<std::string, std::vector<std::string>> TakeUp(const EarlierRun& run) const;
+    void RemoveAll(const EarlierRun& run) const;
+    void RemoveLeftovers(const EarlierRun& run) const;
 
     std::string path_;
     std::vector<std::filesystem::path> made_;  ///< outermost first
-    bool overwrite_ = false;
+    Earlier earlier_ = Earlier::Refuse;
     std::vector<std::string> keep_;
+    Json job_;
     std::unique_ptr<FolderLock> lock_;
 };
 

@@ -26,15 +26,16 @@ Json Edges(const Rectangle& r) {
 }
 
 /// All edges together, and the finest pixel's side in map units.
-Json ExtentOfPictures(const std::vector<PlacedTile>& tiles) {
-    Rectangle area = tiles.front().placement;
-    double cell = std::numeric_limits<double>::max();
-    for (const PlacedTile& tile : tiles) {
+Json ExtentOfPictures(const TileList& tiles) {
+    constexpr double kFar = std::numeric_limits<double>::max();
+    Rectangle area{kFar, kFar, -kFar, -kFar};
+    double cell = kFar;
+    tiles([&](const PlacedTile& tile) {
         const Rectangle& r = tile.placement;
         area = {std::min(area.xMin, r.xMin), std::min(area.yMin, r.yMin), std::max(area.xMax, r.xMax),
                 std::max(area.yMax, r.yMax)};
         cell = std::min(cell, (r.xMax - r.xMin) / std::max<Long>(tile.width, 1));
-    }
+    });
     return {{"area", Edges(area)}, {"cell", cell}};
 }
 
@@ -61,12 +62,11 @@ void AppendData(std::string& page, const std::string& json) {
 
 }  // namespace
 
-std::string PreviewPage(const std::string& title, const std::vector<PlacedTile>& tiles,
-                        const std::string& sketch) {
+std::string PreviewPage(const std::string& title, const TileList& tiles, const std::string& sketch) {
     const std::size_t mark = kTemplate.find(kDataMark);
     std::string page(kTemplate.substr(0, mark));
     AppendData(page, TextOf(title) + "\n" + (sketch.empty() ? TextOf(ExtentOfPictures(tiles)) : sketch));
-    for (const PlacedTile& tile : tiles) AppendData(page, "\n" + TextOf(TileData(tile, sketch.empty())));
+    tiles([&](const PlacedTile& tile) { AppendData(page, "\n" + TextOf(TileData(tile, sketch.empty()))); });
     return page.append(kTemplate.substr(mark + kDataMark.size()));
 }
 

@@ -13,7 +13,6 @@ namespace orvo::tiling {
 /// @param title the source's name
 /// @param tiles at least one
 /// @param sketch as VectorSketch::ToJson() gives it; empty where the tiles are pictures
-std::string PreviewPage(const std::string& title, const std::vector<PlacedTile>& tiles,
-                        const std::string& sketch = {});
+std::string PreviewPage(const std::string& title, const TileList& tiles, const std::string& sketch = {});
 
 }  // namespace orvo::tiling

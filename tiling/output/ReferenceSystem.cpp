@@ -2,6 +2,7 @@
 
 #include <cpl_conv.h>
 #include <cpl_error.h>
+#include <cpl_string.h>
 #include <ogr_spatialref.h>
 
 namespace orvo::tiling {
@@ -36,6 +37,18 @@ std::string Wkt(const OGRSpatialReference& system) {
     return wkt;
 }
 
+/// Which axis of the system is x and which y.
+std::string AxisMapping(const std::string& system) {
+    OGRSpatialReference read;
+    read.SetAxisMappingStrategy(OAMS_TRADITIONAL_GIS_ORDER);
+    if (read.importFromWkt(system.c_str()) != OGRERR_NONE) return "1,2";
+    std::string text;
+    for (const int axis : read.GetDataAxisToSRSAxisMapping()) {
+        text += (text.empty() ? "" : ",") + std::to_string(axis);
+    }
+    return text;
+}
+
 }  // namespace
 
 ReferenceSystem NameReferenceSystem(const OGRSpatialReference* system) {
@@ -48,6 +61,19 @@ ReferenceSystem NameReferenceSystem(const OGRSpatialReference* system) {
     if (Names(wkt, *system)) return {wkt, ""};
     return {wkt.empty() ? kUnknown : wkt,
             "the coordinate system of the source cannot be kept whole in the index; compare it before use"};
+}
+
+std::string SystemElement(const std::string& wkt, int indent) {
+    if (wkt.empty()) return "";
+    return std::string(static_cast<std::size_t>(indent), ' ') + "<SRS dataAxisToSRSAxisMapping=\"" +
+           AxisMapping(wkt) + "\">" + Escaped(wkt) + "</SRS>\n";
+}
+
+std::string Escaped(const std::string& text) {
+    char* const escaped = CPLEscapeString(text.c_str(), static_cast<int>(text.size()), CPLES_XML);
+    std::string copy = escaped;
+    CPLFree(escaped);
+    return copy;
 }
 
 }  // namespace orvo::tiling

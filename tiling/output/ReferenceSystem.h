@@ -16,4 +16,12 @@ struct ReferenceSystem {
 /// would take longitudes and latitudes for granted
 ReferenceSystem NameReferenceSystem(const OGRSpatialReference* system);
 
+/// An <SRS> element as the library's virtual and side files have it, with its line break; empty for no
+/// system.
+/// @param wkt of the system @param indent blanks before it
+std::string SystemElement(const std::string& wkt, int indent);
+
+/// A text inside an element.
+std::string Escaped(const std::string& text);
+
 }  // namespace orvo::tiling

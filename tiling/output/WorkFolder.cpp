@@ -1,30 +1,81 @@
 #include "tiling/output/WorkFolder.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 
+#include "platform/files/PartFile.h"
 #include "tiling/Errors.h"
+#include "tiling/output/JsonText.h"
 #include "tiling/output/Publish.h"
 
 namespace fs = std::filesystem;
 
 namespace orvo::tiling {
+namespace {
 
-WorkFolder::WorkFolder(const std::string& outdir) : path_(outdir + "/.orvo-tile-XXXXXX") {
-    if (mkdtemp(path_.data()) == nullptr)
-        throw RunError("cannot make a folder in \"" + outdir + "\": " + std::strerror(errno));
+const std::string kFolder = std::string("/") + kWorkFolder;
+constexpr const char* kMaking = "/making";
+constexpr const char* kJournal = "/journal";
+
+void Make(const std::string& folder) {
+    std::error_code failed;
+    fs::create_directories(folder, failed);
+    if (failed) throw RunError("cannot make the folder \"" + folder + "\": " + failed.message());
+}
+
+bool IsThere(const std::string& path) {
+    std::error_code failed;
+    return fs::exists(fs::symlink_status(path, failed));
+}
+
+[[noreturn]] void RefuseTaken(const std::string& name) {
+    throw RunError("\"" + name + "\" is in the folder already; move it away, or name another OUTDIR");
+}
+
+}  // namespace
+
+WorkFolder::WorkFolder(const std::string& outdir) : outdir_(outdir), path_(outdir + kFolder + kMaking) {
+    Make(path_);
+    Clear();
+    const std::string journal = outdir + kFolder + kJournal;
+    journal_ = open(journal.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+    if (journal_ < 0) throw RunError("cannot write \"" + journal + "\": " + std::strerror(errno));
 }
 
 WorkFolder::~WorkFolder() {
+    close(journal_);
     std::error_code ignored;
-    fs::remove_all(path_, ignored);
+    fs::remove_all(kept_ ? path_ : outdir_ + kFolder, ignored);
 }
 
-std::vector<std::string> WorkFolder::Publish(const std::string& name, const std::string& folder,
-                                             bool others) const {
-    std::vector<std::string> names;
+void WorkFolder::Note(const Entry& names) const {
+    const std::string line = "\n" + TextOf(Json(names)) + "\n";  // one that was cut off before ends there
+    if (write(journal_, line.data(), line.size()) != static_cast<ssize_t>(line.size()))
+        throw RunError("cannot write the run's journal: " + std::string(std::strerror(errno)));
+}
+
+void WorkFolder::Publish(const std::vector<std::string>& from, const Entry& names) {
+    for (const std::string& name : names) {
+        if (IsThere(outdir_ + "/" + name)) RefuseTaken(name);
+        if (const auto slash = name.rfind('/'); slash != std::string::npos)
+            Make(outdir_ + "/" + name.substr(0, slash));
+    }
+    Note(names);
+    for (std::size_t i = names.size(); i-- > 0;) {
+        if (MoveNew(from[i], outdir_ + "/" + names[i])) continue;
+        for (std::size_t moved = names.size() - 1; moved > i; --moved)
+            MoveNew(outdir_ + "/" + names[moved], from[moved]);
+        RefuseTaken(names[i]);
+    }
+}
+
+std::vector<std::string> WorkFolder::PublishAll(const std::string& name, bool others) {
+    Entry names{name};
     for (auto entry = others ? fs::directory_iterator(path_) : fs::directory_iterator();
          entry != fs::end(entry); ++entry) {
         std::string other = entry->path().filename().string();
@@ -34,14 +85,10 @@ std::vector<std::string> WorkFolder::Publish(const std::string& name, const std:
                            "\" beside its file, which is none; choose another --format");
         if (other != name) names.push_back(std::move(other));
     }
-    names.push_back(name);
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        if (MoveNew(path_ + "/" + names[i], folder + "/" + names[i])) continue;
-        for (std::size_t moved = 0; moved < i; ++moved)
-            MoveNew(folder + "/" + names[moved], path_ + "/" + names[moved]);
-        throw RunError("\"" + names[i] + "\" is in the folder already; move it away, or name another OUTDIR");
-    }
-    names.pop_back();
+    std::vector<std::string> from;
+    for (const std::string& one : names) from.push_back(path_ + "/" + one);
+    Publish(from, names);
+    names.erase(names.begin());
     return names;
 }
 
@@ -55,6 +102,32 @@ std::string WorkFolder::WithoutPath(std::string text) const {
     for (std::size_t at = text.find(prefix); at != std::string::npos; at = text.find(prefix, at))
         text.erase(at, prefix.size());
     return text;
+}
+
+/// A line that was cut off when the run was killed names nothing that was moved.
+std::vector<WorkFolder::Entry> WorkFolder::Noted(const std::string& outdir) {
+    std::ifstream journal(outdir + kFolder + kJournal);
+    std::vector<Entry> entries;
+    for (std::string line; std::getline(journal, line);) {
+        const Json entry = Json::parse(line, nullptr, false);
+        if (!entry.is_array() || entry.empty()) continue;
+        entries.push_back(entry.get<Entry>());
+    }
+    return entries;
+}
+
+void WorkFolder::Renew(const std::string& outdir,
+                       const std::map<std::string, std::vector<std::string>>& tiles) {
+    Make(outdir + kFolder);
+    std::string text;
+    for (const auto& [name, others] : tiles) {
+        Entry entry{name};
+        entry.insert(entry.end(), others.begin(), others.end());
+        text += TextOf(Json(entry)) + "\n";
+    }
+    const std::string journal = outdir + kFolder + kJournal;
+    if (const auto failed = files::WriteWhole(journal, text))
+        throw RunError("cannot write \"" + journal + "\": " + failed.message());
 }
 
 }  // namespace orvo::tiling

@@ -1,32 +1,56 @@
-// Where a tile's files grow before they get their names.
+// Where a run keeps what is not finished, and what it must remember where it is killed.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
 namespace orvo::tiling {
 
-/// A hidden folder of its own inside OUTDIR; goes with this object, and all that is in it.
+constexpr const char* kWorkFolder = ".orvo-tile-run";
+
+/// A hidden folder inside OUTDIR: files in the making, and a journal of the names that tiles were given. Goes
+/// with this object, and all that is in it.
 class WorkFolder {
   public:
+    /// A tile's name and those of the files that go with it.
+    using Entry = std::vector<std::string>;
+
     /// Fails with RunError.
     explicit WorkFolder(const std::string& outdir);
     ~WorkFolder();
     WorkFolder(const WorkFolder&) = delete;
     WorkFolder& operator=(const WorkFolder&) = delete;
 
+    /// For files in the making.
     const std::string& Path() const { return path_; }
-    /// Moves all files to a folder on the same file system, the named one last. Fails with RunError where one
-    /// of them is there already, and then moves none. @return the others' names
-    /// @param others false where there are none
-    std::vector<std::string> Publish(const std::string& name, const std::string& folder, bool others) const;
-    /// Removes what is in it.
+    /// The folder stays behind with its journal, for what is in OUTDIR stands nowhere else.
+    void Keep() { kept_ = true; }
+
+    /// Moves files to OUTDIR, the first one last. Fails with RunError where one of the names is taken, and
+    /// then moves none.
+    /// @param from full paths on the same file system @param names relative to OUTDIR; folders are made
+    void Publish(const std::vector<std::string>& from, const Entry& names);
+    /// The same for all files in the making. @param others false where there are none but the named one
+    /// @return the others' names
+    std::vector<std::string> PublishAll(const std::string& name, bool others);
+    /// Removes the files in the making.
     void Clear() const;
     /// A text in which this folder's path does not show.
     std::string WithoutPath(std::string text) const;
 
+    /// The entries of a journal that a killed run has left; none where there is none.
+    static std::vector<Entry> Noted(const std::string& outdir);
+    /// Leaves a journal with these entries, in place of one that is there. Fails with RunError.
+    static void Renew(const std::string& outdir,
+                      const std::map<std::string, std::vector<std::string>>& tiles);
+
   private:
-    std::string path_;
+    void Note(const Entry& names) const;
+
+    std::string outdir_, path_;
+    int journal_ = -1;
+    bool kept_ = false;
 };
 
 }  // namespace orvo::tiling

@@ -1,9 +1,6 @@
 // A raster run, from the opened source to the summary.
-#include <cmath>
 #include <filesystem>
-#include <limits>
 #include <memory>
-#include <sstream>
 #include <utility>
 
 #include "platform/FailureInFlight.h"
@@ -16,36 +13,21 @@
 #include "tiling/output/OutputFolder.h"
 #include "tiling/output/Rectangles.h"
 #include "tiling/output/TileIndex.h"
+#include "tiling/output/WorkFolder.h"
+#include "tiling/output/WorldFile.h"
 #include "tiling/raster/CellPlan.h"
-#include "tiling/raster/Notices.h"
 #include "tiling/raster/Products.h"
-#include "tiling/raster/RasterGrid.h"
 #include "tiling/raster/RasterJob.h"
+#include "tiling/raster/RasterPlan.h"
 #include "tiling/raster/TileLedger.h"
+#include "tiling/raster/TileService.h"
 
 namespace fs = std::filesystem;
 
 namespace orvo::tiling {
 namespace {
 
-constexpr double kSamePlace = 1e-6;  ///< of a cell: a deviation below is the arithmetic's
-
-std::string Text(const Rectangle& r) {
-    std::ostringstream text;
-    text.precision(15);
-    text << r.xMin << ' ' << r.yMin << ' ' << r.xMax << ' ' << r.yMax;
-    return text.str();
-}
-
-void CheckClip(gdal::RasterLayer& layer, const RasterJob& job) {
-    if (!job.clip) return;
-    const auto common = EnvelopeOf(*job.clip);
-    common->Intersect(*layer.Extent());
-    if (common->IsEmpty()) {
-        throw UsageError("--clip " + Text(*job.clip) + " does not meet the layer, which lies at " +
-                         Text(EdgesOf(*layer.Extent())));
-    }
-}
+using State = TileAccount::State;
 
 /// A reason without the name of the file it is about, on one line: reasons of different tiles become equal.
 std::string PlainReason(std::string reason, const std::string& target) {
@@ -72,88 +54,160 @@ std::string Joined(const std::vector<std::string>& reasons) {
     return text.empty() ? "no reason was given" : text;
 }
 
+/// Hears the steps of one block and passes them on as those of the run.
+class BlockProgress final : public IProgress {
+  public:
+    explicit BlockProgress(IProgress* run) : run_(run) {}
+    void Start(std::int64_t) override {}
+    void Step() override {
+        if (run_ != nullptr) run_->Step();
+    }
+    void Note(const std::string& text) override {
+        if (run_ != nullptr) run_->Note(text);
+    }
+    void End() override {}
+
+  private:
+    IProgress* run_;
+};
+
+/// Writes a file's name and nothing in it. Fails with RunError.
+void MakeEmptyFile(const std::string& path) {
+    if (const auto failed = files::WriteWhole(path, ""))
+        throw RunError("cannot write \"" + path + "\": " + failed.message());
+}
+
 class RasterRun {
   public:
-    RasterRun(const RasterJob& job, const Callbacks& callbacks) : job_(job), callbacks_(callbacks) {}
+    RasterRun(const RasterJob& job, const Callbacks& callbacks)
+        : job_(job), callbacks_(callbacks), plan_(job) {}
 
     RasterSummary Run() {
-        RefuseStream(job_.input);
-        RefuseBackslash("INPUT", job_.input);
-        RefuseBackslash("--name", job_.name);
-        layer_ = gdal::OpenRasterLayer(job_.input);
-        CheckFormat(SourceExtension(*layer_, job_), job_);
-        CheckClip(*layer_, job_);
-        grid_ = PlanGrid(*layer_, job_.tileWidth, job_.tileHeight);
         OutputFolder folder(job_.outdir);
-        folder.CheckEarlier(job_.overwrite, SourceFiles());
-        if (grid_.Count() > kMostTiles) RefuseGrid();
-        summary_.input = job_.input;
+        folder.CheckEarlier(job_.overwrite ? Earlier::Remove
+                            : job_.resume  ? Earlier::Resume
+                                           : Earlier::Refuse,
+                            plan_.SourceFiles(), plan_.JobAsJson());
+        summary_.input = job_.inputs.front();
+        summary_.inputs = job_.inputs;
         summary_.outdir = folder.Path();
-        summary_.notices = FormatNotices(*layer_, job_);
-        const CellPlan plan(*layer_, grid_, job_.clip);
-        const LayerFacts facts(*layer_);
-        folder.Prepare();
+        summary_.notices = plan_.Notices();
+        const LayerFacts facts(plan_.Layer());
+        plan_.Account().Keep(folder.Prepare());
         try {
-            CutAndPublish(plan, facts);
+            CutAndPublish(facts);
         } catch (...) {
+            folder.RemoveJob();
             folder.RemoveIfUnused();
             throw;
         }
-        if (summary_.LeavesNothing()) folder.RemoveIfUnused();
+        if (summary_.LeavesNothing()) {
+            folder.RemoveJob();
+            folder.RemoveIfUnused();
+        }
         summary_.interrupted = callbacks_.interrupted();
         return std::move(summary_);
     }
 
   private:
-    void CutAndPublish(const CellPlan& plan, const LayerFacts& facts) {
-        constexpr std::size_t kNames = 64;  // a tile's, a world file's, an exported TIFF's
-        TileLedger ledger(plan, callbacks_.progress);
+    void CutAndPublish(const LayerFacts& facts) {
+        constexpr std::size_t kFiles = 4;  // of a tile, usually at most
         std::unique_ptr<DraftSet> drafts;
         try {
-            drafts = std::make_unique<DraftSet>(summary_.outdir,
-                                                IndexRoom(plan.Count(), facts.system.name, kNames));
-            Cut(ledger);
+            work_ = std::make_unique<WorkFolder>(summary_.outdir);
+            const std::size_t name = account_.NameOf(account_.Count() - 1).size() + 16;
+            drafts = std::make_unique<DraftSet>(
+                summary_.outdir, IndexRoom(account_.Count(), facts.system.name, kFiles * name));
+            CutBlocks();
         } catch (const RunError& error) {
             summary_.errors.emplace_back(error.what());
         }
-        Collect(plan, ledger);
+        Collect();
         if (drafts) AddProducts(facts, *drafts);
+        if (summary_.written > 0 && summary_.index.empty() && work_) work_->Keep();
+        work_.reset();
     }
 
-    std::vector<std::string> SourceFiles() {
-        std::vector<std::string> files = gdal::SourceFiles(layer_->Dataset(), job_.input);
-        files.push_back(job_.name);
-        return files;
-    }
-
-    /// Everything but the output folder.
-    std::unique_ptr<clsTileImage> MakeTiler() {
-        auto tiler = std::make_unique<clsTileImage>();
-        tiler->ImageLayer(layer_, job_.name);
-        tiler->TileWidth(job_.tileWidth);
-        tiler->TileHeight(job_.tileHeight);
-        tiler->GraphicFormat(job_.format);
-        tiler->GraphicQuality(job_.quality);
-        tiler->GraphicConvertProg(job_.converter);
-        if (job_.clip) tiler->ClipEnvelope(EnvelopeOf(*job_.clip));
-        return tiler;
-    }
-
-    /// The tiler's own message, then what would do.
-    [[noreturn]] void RefuseGrid() {
-        if (grid_.Count() <= std::numeric_limits<Long>::max()) {
-            const WatchedPlatform watched(callbacks_.interrupted, {});
-            MakeTiler()->Tile();
+    void CutBlocks() {
+        const RasterGrid& grid = plan_.Grid();
+        const CellRange& visited = grid.Visited();
+        callbacks_.notice("cutting " + FileNameOf(job_.inputs.front()) + " (" +
+                          std::to_string(grid.LayerWidth()) + " x " + std::to_string(grid.LayerHeight()) +
+                          " pixels) into " + std::to_string(visited.columns) + " x " +
+                          std::to_string(visited.rows) + " tiles of " + std::to_string(grid.TileWidth()) +
+                          " x " + std::to_string(grid.TileHeight()) + " pixels");
+        // With a converter the component cuts windows for it; else it exports.
+        source_ = work_->Path() + (job_.converter.empty() ? "/layer" : "/layer.tif");
+        MakeEmptyFile(source_);
+        if (callbacks_.progress != nullptr) callbacks_.progress->Start(account_.Count());
+        for (const CellRange& block : grid.Blocks()) {
+            if (IsThere(block)) {
+                for (std::int64_t i = 0; i < block.Count(); ++i) progress_.Step();
+            } else if (!CutBlock(block)) {
+                break;
+            }
         }
-        const Long size = SmallestTileSize(*layer_);
-        throw UsageError("this grid has " + std::to_string(grid_.columns) + " x " +
-                         std::to_string(grid_.rows) + " = " + std::to_string(grid_.Count()) +
-                         " tiles, and at most " + std::to_string(kMostTiles) +
-                         " are cut in one run; --tile-size " + std::to_string(size) + " would do");
+        if (callbacks_.progress != nullptr) callbacks_.progress->End();
     }
 
-    static WatchedPlatform::Events EventsOf(TileLedger& ledger) {
+    std::int64_t TileOf(const CellRange& block, std::int64_t cell) const {
+        const std::int64_t inside = std::min(cell, block.Count() - 1);
+        return account_.NumberOf(block.column + inside % block.columns, block.row + inside / block.columns);
+    }
+
+    /// What a clipped tile shows is known once the component has asked for it.
+    bool IsThere(const CellRange& block) const {
+        if (job_.clip) return false;
+        for (std::int64_t cell = 0; cell < block.Count(); ++cell) {
+            if (account_.StateOf(TileOf(block, cell)) != State::Written) return false;
+        }
+        return true;
+    }
+
+    /// @return whether the run goes on
+    bool CutBlock(const CellRange& cells) {
+        const auto layer = std::make_shared<BlockLayer>(plan_.Grid(), cells, source_);
+        plan_.Maker().Enter(*layer);
+        std::optional<Rectangle> clip;
+        if (job_.clip) clip = layer->PartOf(plan_.Grid().PixelsOf(*job_.clip));
+        const CellPlan plan(*layer, plan_.Grid(), clip);
+        TileLedger ledger(plan, &progress_, [&](std::int64_t cell, CellRecord& record) {
+            Publish(TileOf(cells, cell), record);
+        });
+        const BlockInWork block{*layer, ledger, [&](std::int64_t cell) { return TileOf(cells, cell); }};
+        const WatchedPlatform watched(callbacks_.interrupted, EventsOf(block));
+        const bool goesOn = RunComponent(*layer, clip, ledger);
+        summary_.shown += watched.Shown();
+        CollectBlock(cells, plan, ledger);
+        return goesOn;
+    }
+
+    bool RunComponent(BlockLayer& layer, const std::optional<Rectangle>& clip, TileLedger& ledger) {
+        clsTileImage tiler;
+        tiler.ImageLayer(layer.shared_from_this());
+        tiler.TileWidth(layer.SizeAcross());
+        tiler.TileHeight(layer.SizeDown());
+        tiler.GraphicFormat(plan_.Maker().WrittenExtension());
+        tiler.GraphicQuality(job_.quality);
+        tiler.GraphicConvertProg(job_.converter);
+        if (clip) tiler.ClipEnvelope(EnvelopeOf(*clip));
+        tiler.SavePath(work_->Path());
+        tiler.StatusObject(std::shared_ptr<IStatusDisplay>(&ledger, [](IStatusDisplay*) {}));
+        ledger.Watch(tiler.TileObjectDict());
+        bool done = false;
+        try {
+            done = tiler.Tile();
+        } catch (...) {
+            // The error dialog itself failed, as where its log cannot be written; what is there stays.
+            if (!callbacks_.interrupted()) ledger.AddReason(PlainReason(FailureInFlight().Description(), ""));
+        }
+        ledger.Finish();
+        return done && !callbacks_.interrupted();
+    }
+
+    WatchedPlatform::Events EventsOf(const BlockInWork& block) {
         WatchedPlatform::Events events;
+        TileLedger& ledger = block.ledger;
         events.onFailureShown = [&ledger](const std::string& failure) {
             ledger.AddReason(PlainReason(failure, ""));
         };
@@ -162,123 +216,124 @@ class RasterRun {
             ledger.AddFailure(asked, PlainReason(reason, asked.target));
         };
         events.services.onWritten = [&ledger](const utility::WrittenImage& image) { ledger.AddImage(image); };
+        events.named = [this](std::shared_ptr<IUtilTools> inner) {
+            return std::make_shared<OwnNames>(std::move(inner), names_);
+        };
+        events.newRasterIO = [this] { return plan_.SharedMaker(); };
+        events.served = [this, &block](std::shared_ptr<IRasterConvert> inner) {
+            return std::make_shared<TileService>(std::move(inner), block, plan_.Maker(), account_,
+                                                 job_.skipBlank);
+        };
         return events;
     }
 
-    void Cut(TileLedger& ledger) {
-        const WatchedPlatform watched(callbacks_.interrupted, EventsOf(ledger));
-        const auto tiler = MakeTiler();
-        tiler->SavePath(summary_.outdir);
-        tiler->StatusObject(std::shared_ptr<IStatusDisplay>(&ledger, [](IStatusDisplay*) {}));
-        ledger.Watch(tiler->TileObjectDict());
-        callbacks_.notice("cutting " + FileNameOf(job_.input) + " (" + std::to_string(layer_->Width()) +
-                          " x " + std::to_string(layer_->Height()) + " pixels) into " +
-                          std::to_string(grid_.columns) + " x " + std::to_string(grid_.rows) + " tiles of " +
-                          std::to_string(grid_.tileWidth) + " x " + std::to_string(grid_.tileHeight) +
-                          " pixels");
+    /// The component has recorded a tile: it gets its own name.
+    void Publish(std::int64_t tile, CellRecord& record) {
+        if (account_.StateOf(tile) == State::Written) return;  // of an earlier run
+        const std::string image = work_->Path() + "/" + record.tile;
         try {
-            tiler->Tile();
-        } catch (...) {
-            // The error dialog itself failed, as where its log cannot be written; what is there stays.
-            if (!callbacks_.interrupted()) ledger.AddReason(PlainReason(FailureInFlight().Description(), ""));
+            MadeTile made = plan_.Maker().Take(image);
+            account_.Place(tile, made.window);
+            account_.Publish(tile, image, std::move(made), *work_, PlaceFiles(tile));
+        } catch (const std::exception& error) {
+            record.reasons.push_back(PlainReason(error.what(), image));
+            Remove(image);
         }
-        ledger.Finish();
-        summary_.shown = watched.Shown();
     }
 
-    /// Sorts the cells into written, failed and outside; whatever the run does not account for was not
-    /// reached.
-    void Collect(const CellPlan& plan, const TileLedger& ledger) {
-        summary_.expected = static_cast<Long>(plan.Count());
+    static void Remove(const std::string& path) {
+        std::error_code ignored;
+        fs::remove(path, ignored);
+    }
+
+    /// By what stands behind the stem of the tile's name.
+    std::vector<gdal::MadeFile> PlaceFiles(std::int64_t tile) const {
+        if (!job_.worldFiles) return {};
+        const PlacedTile placed = account_.TileAt(tile);
+        const std::string& extension = plan_.Maker().Extension();
+        std::vector<gdal::MadeFile> files{{WorldFileName("." + extension), WorldFileText(placed)}};
+        if (plan_.Maker().NeedsPlace())
+            files.push_back({"." + extension + ".aux.xml", PlaceText(placed, wkt_)});
+        return files;
+    }
+
+    /// Sorts the cells that are not there into failed, blank and outside; whatever the walk did not come to
+    /// was not reached.
+    void CollectBlock(const CellRange& cells, const CellPlan& plan, const TileLedger& ledger) {
         const auto& early = ledger.EarlyReasons();
         summary_.errors.insert(summary_.errors.end(), early.begin(), early.end());
-        const auto& cells = ledger.Cells();
-        for (std::size_t i = 0; i < cells.size(); ++i) {
-            const CellRecord& cell = cells[i];
-            const auto index = static_cast<std::int64_t>(i);
-            const bool stopped = callbacks_.interrupted() && i + 1 == cells.size() && cell.reasons.empty();
-            if (!cell.tile.empty()) {
-                CollectTile(plan, index, cell);
-            } else if (plan.At(index).inside || !cell.reasons.empty()) {
-                if (!stopped) AddFailure(plan, index, Joined(cell.reasons));
-            } else if (!stopped) {
-                ++summary_.outside;
+        const auto& records = ledger.Cells();
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            const CellRecord& record = records[i];
+            const auto cell = static_cast<std::int64_t>(i);
+            const std::int64_t tile = TileOf(cells, cell);
+            const bool last = callbacks_.interrupted() && i + 1 == records.size();
+            const State state = account_.StateOf(tile);
+            if (state == State::Written && !record.reasons.empty()) {
+                summary_.recoveries.push_back(Joined(record.reasons));
+            } else if (state == State::NotReached && (plan.At(cell).inside || !record.reasons.empty())) {
+                if (!last || !record.reasons.empty()) AddFailure(tile, Joined(record.reasons));
+            } else if (state == State::NotReached && !last) {
+                account_.Set(tile, State::Outside);
             }
-            KeepLeftovers(cell);
+            if (!last) KeepLeftovers(tile, record);
         }
-        if (shifted_ > 0) {
-            summary_.notices.push_back(
-                std::to_string(shifted_) +
+    }
+
+    void AddFailure(std::int64_t tile, std::string reason) {
+        account_.Set(tile, State::Failed);
+        summary_.failures.push_back({account_.ColumnOf(tile), account_.RowOf(tile), std::move(reason)});
+    }
+
+    /// An exported TIFF that could not be converted is kept under its tile's name.
+    void KeepLeftovers(std::int64_t tile, const CellRecord& record) {
+        for (const utility::WrittenImage& image : record.images) {
+            std::error_code missing;
+            if (!image.extent || !fs::is_regular_file(image.path, missing)) continue;
+            const std::string name = account_.StemOf(tile) + ".tif";
+            try {
+                work_->Publish({image.path}, {name});
+                summary_.leftovers.push_back(name);
+            } catch (const RunError&) {
+                Remove(image.path);
+            }
+        }
+    }
+
+    void Collect() {
+        for (const std::int64_t tile : account_.Vanished(summary_.outdir))
+            AddFailure(tile, "the tile " + account_.NameOf(tile) + " has vanished");
+        summary_.expected = account_.Count();
+        summary_.written = account_.CountOf(State::Written);
+        summary_.blank = account_.CountOf(State::Blank);
+        summary_.outside = account_.CountOf(State::Outside);
+        const auto say = [&](const std::string& notice) {
+            if (!notice.empty()) summary_.notices.push_back(notice);
+        };
+        if (summary_.written > 0) say(plan_.Maker().StretchSaid());
+        if (const std::int64_t shifted = account_.Shifted(); shifted > 0) {
+            say(std::to_string(shifted) +
                 " clipped tiles do not fill their rectangles in the index exactly: they are cut in whole "
                 "pixels, where a fraction goes up and an odd number gains one; world files and preview show "
                 "where they lie");
         }
-        if (!summary_.leftovers.empty()) {
-            summary_.notices.push_back(std::to_string(summary_.leftovers.size()) +
-                                       " exported TIFFs that could not be converted are kept in the folder");
+        if (const std::int64_t resampled = account_.Resampled(); resampled > 0) {
+            say(std::to_string(resampled) +
+                " clipped tiles are resampled to the full size of a tile; a --clip along the tiles' edges "
+                "keeps "
+                "their pixels");
         }
-    }
-
-    void AddFailure(const CellPlan& plan, std::int64_t index, std::string reason) {
-        summary_.failures.push_back({plan.ColumnOf(index), plan.RowOf(index), std::move(reason)});
-    }
-
-    void CollectTile(const CellPlan& plan, std::int64_t index, const CellRecord& cell) {
-        std::error_code missing;
-        const fs::path path = fs::path(summary_.outdir) / cell.tile;
-        if (!fs::is_regular_file(path, missing) || fs::file_size(path, missing) == 0)
-            return AddFailure(plan, index, "the tile " + cell.tile + " has vanished");
-        ++summary_.written;
-        if (!cell.reasons.empty()) summary_.recoveries.push_back(Joined(cell.reasons));
-        const Rectangle envelope = EdgesOf(*cell.envelope);
-        PlacedTile tile{cell.tile, plan.ColumnOf(index), plan.RowOf(index), envelope, envelope, 0, 0};
-        Place(cell, tile);
-        tiles_.push_back(std::move(tile));
-    }
-
-    /// What the tile's pixels show, as the service that wrote it has told.
-    void Place(const CellRecord& cell, PlacedTile& tile) {
-        for (const utility::WrittenImage& image : cell.images) {
-            if (FileNameOf(image.path) != cell.tile) continue;
-            if (image.extent) {
-                tile.placement = {image.extent->xMin, image.extent->yMin, image.extent->xMax,
-                                  image.extent->yMax};
-                tile.width = image.extent->width;
-                tile.height = image.extent->height;
-            } else if (image.window) {
-                PlaceWindow(*image.window, tile);
-            }
-        }
-    }
-
-    void PlaceWindow(const PixelWindow& window, PlacedTile& tile) {
-        const auto& t = layer_->GeoTransform();
-        tile.width = window.width;
-        tile.height = window.height;
-        tile.placement = {t[0] + window.column * t[1], t[3] + (window.row + window.height) * t[5],
-                          t[0] + (window.column + window.width) * t[1], t[3] + window.row * t[5]};
-        const auto differ = [](double a, double b, double cell) {
-            return std::abs(a - b) > kSamePlace * cell;
-        };
-        const Rectangle& a = tile.placement;
-        const Rectangle& b = tile.envelope;
-        if (job_.clip && (differ(a.xMin, b.xMin, t[1]) || differ(a.xMax, b.xMax, t[1]) ||
-                          differ(a.yMin, b.yMin, -t[5]) || differ(a.yMax, b.yMax, -t[5]))) {
-            ++shifted_;
-        }
-    }
-
-    void KeepLeftovers(const CellRecord& cell) {
-        for (const utility::WrittenImage& image : cell.images) {
-            std::string name = FileNameOf(image.path);
-            std::error_code missing;
-            if (name != cell.tile && fs::is_regular_file(fs::path(summary_.outdir) / name, missing))
-                summary_.leftovers.push_back(std::move(name));
-        }
+        if (!summary_.leftovers.empty())
+            say(std::to_string(summary_.leftovers.size()) +
+                " exported TIFFs that could not be converted are kept in the folder");
     }
 
     void AddProducts(const LayerFacts& facts, DraftSet& drafts) {
-        Products products = WriteProducts(job_, facts, summary_.outdir, tiles_, summary_.leftovers, drafts);
+        if (summary_.written == 0 && summary_.leftovers.empty()) return;
+        std::vector<std::string> companions = account_.Companions();
+        companions.insert(companions.end(), summary_.leftovers.begin(), summary_.leftovers.end());
+        Products products =
+            WriteProducts(job_, facts, summary_.outdir, account_.Tiles(), std::move(companions), drafts);
         for (std::string& notice : products.notices) summary_.notices.push_back(std::move(notice));
         for (std::string& error : products.errors) summary_.errors.push_back(std::move(error));
         summary_.index = products.index;
@@ -288,17 +343,30 @@ class RasterRun {
 
     const RasterJob& job_;
     const Callbacks& callbacks_;
-    std::shared_ptr<gdal::RasterLayer> layer_;
-    Grid grid_;
+    RasterPlan plan_;
+    TileAccount& account_ = plan_.Account();
+    std::string wkt_ = plan_.Layer().SpatialReference();
+    BlockProgress progress_{callbacks_.progress};
+    std::int64_t names_ = 0;  ///< that the component was given
+    std::unique_ptr<WorkFolder> work_;
+    std::string source_;  ///< the file that the component believes to cut
     RasterSummary summary_;
-    std::vector<PlacedTile> tiles_;
-    int shifted_ = 0;  ///< tiles whose pixels do not fill exactly their envelope
 };
 
 }  // namespace
 
 RasterSummary CutRaster(const RasterJob& job, const Callbacks& callbacks) {
     return RasterRun(job, callbacks).Run();
+}
+
+std::string PlanOfRaster(const RasterJob& job) {
+    OutputFolder folder(job.outdir);
+    RasterPlan plan(job);
+    folder.CheckEarlier(job.overwrite ? Earlier::Remove
+                        : job.resume  ? Earlier::Resume
+                                      : Earlier::Refuse,
+                        plan.SourceFiles(), plan.JobAsJson());
+    return plan.AsJson(folder.Path());
 }
 
 }  // namespace orvo::tiling

@@ -2,22 +2,15 @@
 
 #include <gdal_priv.h>
 
-#include <set>
+#include <algorithm>
 
-#include "platform/gdal/BandPlan.h"
+#include "platform/RuntimeError.h"
 #include "support/Text.h"
 #include "tiling/Errors.h"
-#include "tiling/Paths.h"
+#include "tiling/output/Numbers.h"
 
 namespace orvo::tiling {
 namespace {
-
-/// The format that the tiles get: some sources keep their own.
-std::string TileFormat(const std::string& source, const RasterJob& job) {
-    if (source == "jpg") return source;
-    const bool kept = !job.converter.empty() && (source == "png" || source == "gif");
-    return kept ? source : job.format;
-}
 
 std::string BandList(const std::vector<int>& bands) {
     std::string text;
@@ -25,51 +18,60 @@ std::string BandList(const std::vector<int>& bands) {
     return text;
 }
 
+bool IsExtension(const std::string& text) {
+    return !text.empty() && text.size() <= 10 &&
+           std::ranges::all_of(text, [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z'); });
+}
+
 }  // namespace
 
-std::string SourceExtension(gdal::RasterLayer& layer, const RasterJob& job) {
-    if (layer.IsInGeodatabase()) return "";
-    const std::string name = FileNameOf(job.name.empty() ? layer.FilePath() : job.name);
-    const auto dot = name.rfind('.');
-    return dot == std::string::npos ? "" : LCase(name.substr(dot + 1));
-}
-
-void CheckFormat(const std::string& sourceExtension, const RasterJob& job) {
-    static const std::set<std::string> kDirect{"png", "jpg", "gif", "bmp"};
-    const std::string format = TileFormat(sourceExtension, job);
-    if (!job.converter.empty() || kDirect.contains(format)) return;
-    throw UsageError("--format " + format +
-                     " needs a program that writes it: add --converter, for example --converter "
-                     "convert, or choose png, jpg, gif or bmp");
-}
-
-std::vector<std::string> FormatNotices(gdal::RasterLayer& layer, const RasterJob& job) {
-    std::vector<std::string> notices;
-    const std::string source = SourceExtension(layer, job);
-    const std::string format = TileFormat(source, job);
-    if (format != job.format) {
-        notices.push_back("the tiles of a " + source + " source stay " + format +
-                          (job.converter.empty() ? "" : " with a converter") + ", although --format says " +
-                          job.format);
+gdal::RasterFormat FormatOf(const RasterJob& job) {
+    try {
+        return gdal::FindRasterFormat(job.format);
+    } catch (const RuntimeError& failure) {
+        const std::string plain = LCase(job.format.starts_with('.') ? job.format.substr(1) : job.format);
+        if (!job.converter.empty() && IsExtension(plain)) return {"", plain};
+        throw UsageError("--format: " + failure.Description());
     }
+}
+
+std::vector<std::string> FormatNotices(gdal::RasterLayer& layer, const RasterJob& job,
+                                       const gdal::TileWriter& writer, const std::string& extension) {
+    std::vector<std::string> notices;
+    const gdal::Treatment& treats = writer.Treats();
+    const std::string format = writer.Format().driver == "GTiff" ? extension : writer.Format().driver;
     const gdal::BandPlan plan = gdal::PlanBands(layer.Dataset());
     const bool transparent = plan.alpha != 0 || plan.mask || plan.HasNodata();
-    if (transparent && (format == "jpg" || format == "bmp")) {
-        notices.push_back(format +
+    if (transparent && (extension == "jpg" || extension == "bmp")) {
+        notices.push_back(extension +
                           " holds no transparency: what is transparent or without data in the source is not "
                           "in the tiles");
     }
-    if (!job.converter.empty()) return notices;  // the program sees all bands and decides
     const int shown = static_cast<int>(plan.colours.size()) + (plan.alpha != 0 ? 1 : 0);
-    if (layer.BandCount() > shown) {
+    if (treats.picture && layer.BandCount() > shown) {
         notices.push_back("the source has " + std::to_string(layer.BandCount()) + " bands; the tiles show " +
                           (plan.colours.size() == 1 ? "band " : "bands ") + BandList(plan.colours));
     }
-    if (plan.type != GDT_Byte && plan.palette.empty() && !(plan.type == GDT_UInt16 && format == "png")) {
-        notices.push_back(std::string("cells of type ") + GDALGetDataTypeName(plan.type) +
-                          " are brought to 8 bits, by one stretch for the whole layer");
-    }
+    if (!job.converter.empty()) return notices;
+    if (treats.losses)
+        notices.push_back(format + " changes values where it compresses; --co options may tell it not to");
+    if (!treats.lost.empty()) notices.push_back(format + " does not keep: " + treats.lost);
     return notices;
+}
+
+std::string StretchNotice(gdal::TileWriter& writer) {
+    if (!writer.Treats().stretched) return "";
+    gdal::LayerReader& reader = writer.Encoder().Reader();
+    try {
+        const gdal::Stretch& stretch = reader.LayerStretch();
+        const std::string cells = std::string("cells of type ") + GDALGetDataTypeName(reader.Plan().type) +
+                                  " are brought to 8 bits, by one stretch for the whole layer: ";
+        if (!(stretch.low <= stretch.high)) return cells + "it holds no data";
+        return cells + Digits(stretch.low) + " becomes 0 and " + Digits(stretch.high) +
+               " 255; --format tif keeps them";
+    } catch (const RuntimeError&) {
+        return "";
+    }
 }
 
 }  // namespace orvo::tiling

@@ -1,22 +1,24 @@
-// What would surprise the user of a run, said beforehand.
+// What would surprise the user of a run.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "platform/gdal/RasterLayer.h"
+#include "platform/gdal/TileWriter.h"
 #include "tiling/raster/RasterJob.h"
 
 namespace orvo::tiling {
 
-/// The extension, in lower case, that decides whether the run cuts the source file itself; empty inside a
-/// container.
-std::string SourceExtension(gdal::RasterLayer& layer, const RasterJob& job);
+/// The format of the tiles. With a converter it need not be one that this library writes: then it has no
+/// driver. Fails with UsageError.
+gdal::RasterFormat FormatOf(const RasterJob& job);
 
-/// Fails with UsageError where no tile could ever be written in the format that was asked for.
-void CheckFormat(const std::string& sourceExtension, const RasterJob& job);
+/// Whatever the tiles do not keep of the source, known beforehand.
+/// @param writer of the tiles, or of what a converter gets
+std::vector<std::string> FormatNotices(gdal::RasterLayer& layer, const RasterJob& job,
+                                       const gdal::TileWriter& writer, const std::string& extension);
 
-/// Whatever the tiles will not keep of the source, and a format that is not the one asked for.
-std::vector<std::string> FormatNotices(gdal::RasterLayer& layer, const RasterJob& job);
+/// How cells were brought to 8 bits; empty where they were not, or the source cannot be read.
+std::string StretchNotice(gdal::TileWriter& writer);
 
 }  // namespace orvo::tiling

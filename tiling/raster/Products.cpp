@@ -5,30 +5,27 @@
 #include <utility>
 
 #include "platform/FailureInFlight.h"
-#include "platform/files/PartFile.h"
 #include "tiling/Errors.h"
 #include "tiling/Paths.h"
 #include "tiling/output/Mosaic.h"
 #include "tiling/output/PreviewPage.h"
 #include "tiling/output/TileIndex.h"
-#include "tiling/output/WorldFile.h"
 
 namespace orvo::tiling {
 namespace {
 
 class Writer {
   public:
-    Writer(const RasterJob& job, const LayerFacts& layer, const std::string& folder,
-           const std::vector<PlacedTile>& tiles, std::vector<std::string> leftovers, DraftSet& drafts)
+    Writer(const RasterJob& job, const LayerFacts& layer, const std::string& folder, const TileList& tiles,
+           std::vector<std::string> companions, DraftSet& drafts)
         : job_(job),
           layer_(layer),
           folder_(folder),
           tiles_(tiles),
-          companions_(std::move(leftovers)),
+          companions_(std::move(companions)),
           drafts_(drafts) {}
 
     Products Write() {
-        Try([&] { WriteWorldFiles(); });
         Try([&] { DraftMosaic(); });
         Try([&] { DraftPage(); });
         Try([&] { PublishAll(); });
@@ -45,26 +42,21 @@ class Writer {
         }
     }
 
-    void WriteWorldFiles() {
-        if (!job_.worldFiles) return;
-        const std::string prefix = folder_ + "/";
-        for (const PlacedTile& tile : tiles_) {
-            const std::string name = WorldFileName(tile.name);
-            if (const auto failed = files::WriteWhole(prefix + name, WorldFileText(tile)))
-                throw RunError("cannot write the world file " + name + ": " + failed.message());
-            companions_.push_back(name);
-        }
+    bool HasTiles() const {
+        bool any = false;
+        tiles_([&](const PlacedTile&) { any = true; });
+        return any;
     }
 
     void DraftMosaic() {
-        if (!job_.vrt || tiles_.empty()) return;
+        if (!job_.vrt || !HasTiles()) return;
         const std::string text = MosaicText(folder_, tiles_, layer_.wkt, layer_.cell.X, layer_.cell.Y);
         drafts_.Add("mosaic", ".vrt", text);
     }
 
     void DraftPage() {
-        if (!job_.preview || tiles_.empty()) return;
-        drafts_.Add("index", ".html", PreviewPage(FileNameOf(job_.input), tiles_));
+        if (!job_.preview || !HasTiles()) return;
+        drafts_.Add("index", ".html", PreviewPage(FileNameOf(job_.inputs.front()), tiles_));
     }
 
     void PublishAll() {
@@ -83,7 +75,7 @@ class Writer {
     const RasterJob& job_;
     const LayerFacts& layer_;
     const std::string& folder_;
-    const std::vector<PlacedTile>& tiles_;
+    const TileList& tiles_;
     std::vector<std::string> companions_;
     DraftSet& drafts_;
     Products products_;
@@ -97,10 +89,8 @@ LayerFacts::LayerFacts(gdal::RasterLayer& layer)
       cell(layer.MeanCellSize()) {}
 
 Products WriteProducts(const RasterJob& job, const LayerFacts& layer, const std::string& folder,
-                       const std::vector<PlacedTile>& tiles, const std::vector<std::string>& leftovers,
-                       DraftSet& drafts) {
-    if (tiles.empty() && leftovers.empty()) return {};
-    return Writer(job, layer, folder, tiles, leftovers, drafts).Write();
+                       const TileList& tiles, std::vector<std::string> companions, DraftSet& drafts) {
+    return Writer(job, layer, folder, tiles, std::move(companions), drafts).Write();
 }
 
 }  // namespace orvo::tiling

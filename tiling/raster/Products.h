@@ -30,12 +30,11 @@ struct LayerFacts {
     Point cell;       ///< its size in map units
 };
 
-/// Writes world files, mosaic, page and index. Index, mosaic and page get their usual names, or the same
-/// number in all three where one of them is taken. Nothing is written where there are neither tiles nor
-/// leftovers.
-/// @param leftovers names of other files in the folder that go when the index goes
+/// Writes mosaic, page and index. They get their usual names, or the same number in all three where one of
+/// them is taken.
+/// @param tiles at least one, or a companion
+/// @param companions names of other files in the folder that go when the index goes
 Products WriteProducts(const RasterJob& job, const LayerFacts& layer, const std::string& folder,
-                       const std::vector<PlacedTile>& tiles, const std::vector<std::string>& leftovers,
-                       DraftSet& drafts);
+                       const TileList& tiles, std::vector<std::string> companions, DraftSet& drafts);
 
 }  // namespace orvo::tiling

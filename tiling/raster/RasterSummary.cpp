@@ -45,8 +45,9 @@ std::vector<std::string> RasterSummary::FailureLines() const {
 }
 
 std::string RasterSummary::ResultLine() const {
-    std::string line =
-        std::to_string(written) + " of " + Counted(expected - outside, "tile") + " written to " + outdir;
+    std::string line = std::to_string(written) + " of " + Counted(expected - blank - outside, "tile") +
+                       " written to " + outdir;
+    if (blank > 0) line += "; " + std::to_string(blank) + " blank";
     if (outside > 0) line += "; " + std::to_string(outside) + " outside the clip area";
     if (NotReached() > 0) line += "; " + std::to_string(NotReached()) + " not reached";
     return line;
@@ -57,6 +58,7 @@ std::string RasterSummary::AsJson() const {
     for (const CellFailure& failure : failures)
         failed.push_back({{"column", failure.column}, {"row", failure.row}, {"reason", failure.reason}});
     const Json summary{{"input", input},
+                       {"inputs", inputs},
                        {"outdir", outdir},
                        {"index", OrNull(index)},
                        {"vrt", OrNull(vrt)},
@@ -65,6 +67,7 @@ std::string RasterSummary::AsJson() const {
                         {{"expected", expected},
                          {"written", written},
                          {"failed", failures.size()},
+                         {"blank", blank},
                          {"outside", outside},
                          {"not_reached", NotReached()}}},
                        {"failures", failed},

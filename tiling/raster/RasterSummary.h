@@ -12,21 +12,25 @@ namespace orvo::tiling {
 class RasterSummary final : public Summary {
   public:
     struct CellFailure {
-        Long column = 0;  ///< of the grid, counted from 0
-        Long row = 0;     ///< counted from the top
+        std::int64_t column = 1;  ///< of the grid, counted from 1 at the upper left corner
+        std::int64_t row = 1;
         std::string reason;
     };
 
+    std::vector<std::string> inputs;  ///< as given
     std::string vrt;
-    Long expected = 0;  ///< cells of the grid
-    Long written = 0;
-    Long outside = 0;  ///< of the clip area
+    std::int64_t expected = 0;  ///< cells of the grid that the layer and the clip area meet
+    std::int64_t written = 0;
+    std::int64_t blank = 0;    ///< left out, for they hold no data
+    std::int64_t outside = 0;  ///< of the clip area after all, by rounding
     std::vector<CellFailure> failures;
     std::vector<std::string> recoveries;  ///< why tiles that are there were exported instead of converted
     std::vector<std::string>
         leftovers;  ///< names of exported TIFFs that could not be converted, and are kept
 
-    Long NotReached() const { return expected - written - outside - static_cast<Long>(failures.size()); }
+    std::int64_t NotReached() const {
+        return expected - written - blank - outside - static_cast<std::int64_t>(failures.size());
+    }
     /// Whether the run has left no file.
     bool LeavesNothing() const { return written == 0 && leftovers.empty() && index.empty(); }
     std::string AsJson() const override;

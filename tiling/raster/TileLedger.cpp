@@ -1,5 +1,6 @@
 #include "tiling/raster/TileLedger.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace orvo::tiling {
@@ -27,11 +28,17 @@ void TileLedger::AddEnvelope() {
 
 /// The walk goes on in one direction: what is asked for lies in its present cell, or in one that it came to
 /// without asking for an envelope.
+std::int64_t TileLedger::IndexOf(const utility::Request& asked) const {
+    auto cell = std::max(static_cast<std::int64_t>(cells_.size()) - 1, std::int64_t{0});
+    if (!asked.window && !asked.extent) return cell;  // whatever was exported there
+    while (cell < plan_.Count() && !IsFor(plan_.At(cell), asked)) ++cell;
+    return cell;
+}
+
 CellRecord& TileLedger::CellOf(const utility::Request& asked) {
     if (cells_.empty()) cells_.emplace_back();
     const auto at = static_cast<std::int64_t>(cells_.size()) - 1;
-    std::int64_t cell = at;
-    while (cell < plan_.Count() && !IsFor(plan_.At(cell), asked)) ++cell;
+    const std::int64_t cell = IndexOf(asked);
     if (cell < plan_.Count() && cell > at) {
         CollectEntries();
         cells_.resize(static_cast<std::size_t>(cell) + 1);
@@ -56,7 +63,7 @@ void TileLedger::CollectEntries() {
     collected_ = dictionary_->Count();
     CellRecord& cell = cells_.back();
     cell.tile = dictionary_->Keys().back();
-    cell.envelope = dictionary_->Item(cell.tile);
+    onTile_(static_cast<std::int64_t>(cells_.size()) - 1, cell);
 }
 
 void TileLedger::Finish() {

@@ -1,6 +1,7 @@
 // What became of each cell of the grid, as the services tell it.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -14,8 +15,7 @@
 namespace orvo::tiling {
 
 struct CellRecord {
-    std::string tile;  ///< file name; empty where none was recorded
-    std::shared_ptr<IEnvelope> envelope;
+    std::string tile;                  ///< the component's name of the file; empty where none was recorded
     std::vector<std::string> reasons;  ///< what went wrong, in order; also where the tile is there in the end
     std::vector<utility::WrittenImage> images;
 };
@@ -24,12 +24,18 @@ struct CellRecord {
 /// texts on to the progress, and reads nothing from them.
 class TileLedger final : public IStatusDisplay {
   public:
-    /// Both must outlive the ledger. @param progress null for none
-    TileLedger(const CellPlan& plan, IProgress* progress) : plan_(plan), progress_(progress) {}
+    /// All must outlive the ledger. @param progress null for none
+    /// @param onTile hears of each tile when the component has recorded it, and may add a reason why it is
+    /// none after all
+    TileLedger(const CellPlan& plan, IProgress* progress,
+               std::function<void(std::int64_t index, CellRecord& cell)> onTile)
+        : plan_(plan), progress_(progress), onTile_(std::move(onTile)) {}
 
     void Watch(std::shared_ptr<IDictionary> dictionary) { dictionary_ = std::move(dictionary); }
     /// An envelope is made: while the walk goes on, for its next cell.
     void AddEnvelope();
+    /// The index of the cell that a service is asked for; past the last one where it is none.
+    std::int64_t IndexOf(const utility::Request& asked) const;
     /// A service has not written what it was asked for.
     void AddFailure(const utility::Request& asked, const std::string& reason);
     void AddImage(const utility::WrittenImage& image);
@@ -54,6 +60,7 @@ class TileLedger final : public IStatusDisplay {
 
     const CellPlan& plan_;
     IProgress* progress_;
+    std::function<void(std::int64_t, CellRecord&)> onTile_;
     std::shared_ptr<IDictionary> dictionary_;
     Long collected_ = 0;  ///< entries of the dictionary that cells have got
     std::vector<CellRecord> cells_;

@@ -58,7 +58,7 @@ class VectorRun {
     VectorSummary Run() {
         layer_ = OpenLayer(job_);
         OutputFolder folder(job_.outdir);
-        folder.CheckEarlier(job_.overwrite, layer_->Files());
+        folder.CheckEarlier(job_.overwrite ? Earlier::Remove : Earlier::Refuse, layer_->Files(), JobAsJson());
         grid_ = std::make_unique<VectorGrid>(layer_, job_.sizes, job_.prefix);
         summary_.input = job_.input;
         summary_.layer = layer_->Name();
@@ -70,18 +70,45 @@ class VectorRun {
             Cut(folder.Path());
             AddProducts(folder.Path());
         } catch (...) {
-            drafts_.reset();
-            folder.RemoveIfUnused();
+            Finish(folder);
             throw;
         }
-        drafts_.reset();
-        folder.RemoveIfUnused();
+        Finish(folder);
         summary_.shown = watched_.Shown();
         summary_.interrupted = callbacks_.interrupted();
         return std::move(summary_);
     }
 
   private:
+    /// What no index names stands in the journal.
+    void Finish(OutputFolder& folder) {
+        drafts_.reset();
+        spool_.reset();
+        const bool unnamed = summary_.index.empty() && summary_.written > 0;
+        if (unnamed) work_->Keep();
+        work_.reset();
+        if (summary_.index.empty() && !unnamed) folder.RemoveJob();
+        folder.RemoveIfUnused();
+    }
+
+    Json JobAsJson() const {
+        const TileSizes& sizes = job_.sizes;
+        return {{"generator", kGenerator},
+                {"command", "vector"},
+                {"program", job_.program},
+                {"inputs", {job_.input}},
+                {"options",
+                 {{"layer", job_.layer},
+                  {"tile_width", sizes.width},
+                  {"tile_height", sizes.height},
+                  {"columns", sizes.columns},
+                  {"rows", sizes.rows},
+                  {"id", job_.prefix},
+                  {"format", job_.format},
+                  {"strict", job_.strict},
+                  {"preview", job_.preview}}}};
+    }
+
     WatchedPlatform::Events EventsOfRun() {
         WatchedPlatform::Events events;
         events.onFailureShown = [this](const std::string& failure) {
@@ -115,7 +142,8 @@ class VectorRun {
     }
 
     void Cut(const std::string& folder) {
-        const WorkFolder work(folder);
+        work_ = std::make_unique<WorkFolder>(folder);
+        WorkFolder& work = *work_;
         spool_ = std::make_unique<TileSpool>(work.Path(), kSpoolMemory);
         if (job_.preview) sketch_ = std::make_unique<VectorSketch>(grid_->Whole(), kMostDrawn);
         intake_ = std::make_unique<FeatureIntake>(*layer_, *grid_, job_.strict, added_,
@@ -140,7 +168,7 @@ class VectorRun {
         intake_->Report(summary_);
     }
 
-    void WriteTiles(const WorkFolder& work, const std::string& folder, TwoPhaseProgress& progress) {
+    void WriteTiles(WorkFolder& work, const std::string& folder, TwoPhaseProgress& progress) {
         const auto counts = spool_->Counts();
         summary_.occupied = static_cast<std::int64_t>(counts.size() - counts.count(kSkippedRecords));
         Try([&] { ReserveIndex(folder); });
@@ -149,7 +177,7 @@ class VectorRun {
         for (const auto& [number, pieces] : counts) {
             if (number == kSkippedRecords) continue;
             if (callbacks_.interrupted()) continue;
-            WriteTile(work, folder, number, pieces);
+            WriteTile(work, number, pieces);
             progress.Reach(TwoPhaseProgress::kWriting, ++done, static_cast<std::int64_t>(counts.size()));
         }
     }
@@ -160,8 +188,7 @@ class VectorRun {
             folder, IndexRoom(summary_.occupied, system_, kFiles * (job_.prefix.size() + kName)));
     }
 
-    void WriteTile(const WorkFolder& work, const std::string& folder, std::int64_t number,
-                   std::int64_t pieces) {
+    void WriteTile(WorkFolder& work, std::int64_t number, std::int64_t pieces) {
         const Long column = static_cast<Long>(number % grid_->Plan().columns) + 1;
         const Long row = static_cast<Long>(number / grid_->Plan().columns) + 1;
         const std::string id = grid_->NameOf(column, row);
@@ -169,7 +196,7 @@ class VectorRun {
         try {
             writer_->Write(work.Path() + "/" + name, id,
                            [&](const auto& take) { spool_->Read(number, take); });
-            for (std::string& companion : work.Publish(name, folder, writer_->WritesSideFiles()))
+            for (std::string& companion : work.PublishAll(name, writer_->WritesSideFiles()))
                 companions_.push_back(std::move(companion));
         } catch (...) {
             work.Clear();
@@ -178,7 +205,8 @@ class VectorRun {
         }
         const geos::Bounds b = grid_->BoundsOf(column, row);
         const Rectangle place{b.xMin, b.yMin, b.xMax, b.yMax};
-        tiles_.push_back({name, column, row, place, place, 0, 0, id});
+        const std::int64_t rowFromTop = grid_->Plan().rows - row + 1;
+        tiles_.push_back({name, column, rowFromTop, place, place, 0, 0, id, column, row});
         pieces_.emplace(name, pieces);
     }
 
@@ -200,7 +228,7 @@ class VectorRun {
             summary_.index = drafts_->Publish([&](const std::vector<std::string>& names) {
                 std::vector<std::string> companions = companions_;
                 companions.insert(companions.end(), names.begin(), names.end());
-                return IndexText(tiles_, system_, companions);
+                return IndexText(TilesThere(), system_, companions);
             });
         });
         const auto& errors = drafts_->Errors();
@@ -223,6 +251,12 @@ class VectorRun {
         });
     }
 
+    TileList TilesThere() const {
+        return [this](const auto& take) {
+            for (const PlacedTile& tile : tiles_) take(tile);
+        };
+    }
+
     void AddSkipped(const std::string& folder) {
         if (summary_.Skipped() == 0) return;
         auto draft = std::make_unique<DraftFile>(folder, ".geojson");
@@ -233,7 +267,7 @@ class VectorRun {
 
     void AddPage() {
         if (!sketch_ || tiles_.empty()) return;
-        drafts_->Add("index", ".html", PreviewPage(layer_->Name(), tiles_, sketch_->ToJson()));
+        drafts_->Add("index", ".html", PreviewPage(layer_->Name(), TilesThere(), sketch_->ToJson()));
     }
 
     const VectorJob& job_;
@@ -243,6 +277,7 @@ class VectorRun {
     AddedFields added_;
     std::string system_;
     std::unique_ptr<PieceWriter> writer_;
+    std::unique_ptr<WorkFolder> work_;
     std::unique_ptr<TileSpool> spool_;
     std::unique_ptr<DraftSet> drafts_;
     std::vector<PlacedTile> tiles_;

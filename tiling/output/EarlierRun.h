@@ -1,0 +1,31 @@
+// What a run, finished or killed, has left in an output folder.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tiling/output/JsonText.h"
+
+namespace orvo::tiling {
+
+constexpr const char* kJobFile = "job.json";
+
+/// Of one run, or of several where an older program let them share a folder.
+struct EarlierRun {
+    Json job;                                               ///< as job.json has it; null where there is none
+    std::vector<std::string> indexes;                       ///< tiles.geojson, tiles_2.geojson and so on
+    std::map<std::string, std::vector<std::string>> tiles;  ///< names, each with the files that go with it
+    std::vector<std::string> products;                      ///< mosaic, page and so on
+
+    bool IsThere() const { return !job.is_null() || !indexes.empty(); }
+};
+
+/// Looks at index, job and journal. Nothing is there for a missing folder.
+/// Fails with UsageError where they are none of ours, or name what a run does not write.
+EarlierRun ReadEarlierRun(const std::string& folder);
+
+/// Says what differs between two jobs; empty for nothing.
+std::string Difference(const Json& earlier, const Json& now);
+
+}  // namespace orvo::tiling

@@ -1,0 +1,88 @@
+// The images of a run's tiles: what the component's services write, block by block.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/RasterIO.h"
+#include "platform/gdal/TileWriter.h"
+#include "tiling/raster/BlockLayer.h"
+#include "tiling/raster/RasterJob.h"
+
+namespace orvo::tiling {
+
+/// One tile's image as it was made.
+struct MadeTile {
+    raster::TileWindow window;           ///< what it shows, in the layer's pixels, and its own size
+    std::vector<gdal::MadeFile> others;  ///< files that go with it, by their last names
+};
+
+/// Reads and writes pixels for blocks of one layer. The source is opened once, and what was learned of the
+/// layer holds for all of its tiles.
+class TileMaker final : public IRasterIO {
+  public:
+    /// Tries the format. Fails with UsageError where it holds no tile of the layer, or values that the job
+    /// does not allow to change.
+    TileMaker(std::shared_ptr<gdal::RasterLayer> layer, const RasterJob& job, const RasterGrid& grid);
+
+    /// Of the tiles in the end, without dot.
+    const std::string& Extension() const { return extension_; }
+    /// While the component makes them: an exported "tif" would be converted in a second step.
+    std::string WrittenExtension() const { return extension_ == "tif" ? "tiff" : extension_; }
+    /// Whether nothing that a tile is made of says where it lies.
+    bool NeedsPlace() const { return needsPlace_; }
+    /// What the tiles will not keep of the source.
+    std::vector<std::string> Notices();
+    /// How cells were brought to 8 bits, known once a tile was made; empty where they were not.
+    std::string StretchSaid();
+
+    /// From now on the component asks for tiles of this block. It must outlive the calls.
+    void Enter(const BlockLayer& block) { block_ = &block; }
+    /// The next export or conversion is for the tile of that name; a conversion of it may have failed.
+    void Expect(const std::string& name, bool conversionFailed);
+    /// What stands under a path that a service has written; it is forgotten here.
+    MadeTile Take(const std::string& path);
+    /// The file under one path goes on under another.
+    void Rename(const std::string& from, const std::string& to);
+    /// Whether a part of the layer shows nothing. Fails where the source cannot be read.
+    bool IsBlank(const raster::TileWindow& window);
+
+    std::string ExportRasterWindow(IRasterLayer& layer, const std::string& targetFile, Integer quality,
+                                   const IEnvelope& envelope, Long width, Long height,
+                                   std::string& reason) override;
+    bool CutWindow(const std::string& sourceFile, PixelWindow& window, const std::string& tiffFile,
+                   std::string& reason) override;
+    std::optional<ImageLayout> LayoutOf(const std::string& file) override;
+    std::string CheckImage(const std::string& file, Long width, Long height) override;
+
+    /// Under which a conversion's tile is found until it is renamed.
+    static constexpr const char* kConverted = "converted";
+
+  private:
+    using WriterPtr = std::unique_ptr<gdal::TileWriter>;
+    static void CheckOptions(const gdal::TileStyle& style);
+    void SetUpSource(const gdal::TileStyle& style,
+                     const std::function<WriterPtr(const gdal::TileStyle&)>& make);
+    void RefuseChanges(const gdal::Treatment& treatment);
+    void WriteSource(const raster::TileWindow& window, const std::string& file);
+
+    std::shared_ptr<gdal::RasterLayer> layer_;
+    const RasterJob& job_;
+    std::string extension_;
+    WriterPtr writer_;                  ///< of the tiles; null where only the converter knows the format
+    WriterPtr source_;                  ///< of what a converter gets; null without one
+    std::shared_ptr<IRasterIO> files_;  ///< images as files of their own
+    bool needsPlace_ = true;
+    bool verified_ = false;  ///< the converter has kept the values of a tile
+    std::string lastSource_;
+    const BlockLayer* block_ = nullptr;
+    std::string expected_;
+    bool conversionFailed_ = false;
+    std::map<std::string, MadeTile> made_;
+};
+
+}  // namespace orvo::tiling
