@@ -13,6 +13,8 @@ target_compile_options(orvo_options INTERFACE
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>)
 if(ORVO_SANITIZE)
     target_compile_options(orvo_options INTERFACE
-        -fsanitize=${ORVO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        -fsanitize=${ORVO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+        # GCC bug 105562: std::regex under the sanitizers.
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     target_link_options(orvo_options INTERFACE -fsanitize=${ORVO_SANITIZE})
 endif()

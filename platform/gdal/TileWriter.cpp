@@ -265,37 +265,33 @@ void TileWriter::Try(const TileWindow& sample) {
         style_.format.driver + " holds no tile of this layer" + (reason.empty() ? "" : " (" + reason + ")"));
 }
 
+Likeness TileWriter::Trial(GDALDataset& image) {
+    FillHard(image);
+    Likeness found;
+    Copy(image, "sample." + style_.format.extension,
+         [&](const FolderOfFiles& files, const std::string& path) {
+             static_cast<void>(files.Names());
+             found = Compare(image, path);
+         });
+    if (found.sameForm) keepsPlace_ = found.ownPlace;
+    return found;
+}
+
 bool TileWriter::TryNative(const TileWindow& sample) {
-    keepsPlace_ = true;  // until the file says otherwise
     const GDALDatasetUniquePtr part = Part(sample);
     const GDALDatasetUniquePtr image(GetGDALDriverManager()->GetDriverByName("MEM")->CreateCopy(
         "", part.get(), FALSE, nullptr, nullptr, nullptr));
-    FillHard(*image);
-    Likeness found;
-    Copy(*image, "sample." + style_.format.extension,
-         [&](const FolderOfFiles& files, const std::string& path) {
-             static_cast<void>(files.Names());
-             found = Compare(*image, path);
-         });
+    const Likeness found = Trial(*image);
     if (!found.sameForm) return false;
-    keepsPlace_ = found.ownPlace;
     treatment_.losses = !found.sameValues;
     treatment_.lost = found.lost;
     return true;
 }
 
 bool TileWriter::TryPicture(const TileWindow& sample, const PictureKind& kind) {
-    keepsPlace_ = true;
     const GDALDatasetUniquePtr image = Picture(sample, kind);
-    FillHard(*image);
-    Likeness found;
-    Copy(*image, "sample." + style_.format.extension,
-         [&](const FolderOfFiles& files, const std::string& path) {
-             static_cast<void>(files.Names());
-             found = Compare(*image, path);
-         });
+    const Likeness found = Trial(*image);
     if (!found.sameForm) return false;
-    keepsPlace_ = found.ownPlace;
     kind_ = kind;
     treatment_.picture = true;
     treatment_.stretched = encoder_.Reader().IsStretched(kind.holds);

@@ -70,6 +70,8 @@ class TileWriter {
 
     void MakeWorkFolder();
     void Try(const TileWindow& sample);
+    /// A sample with values that are hard to keep, written and read back.
+    Likeness Trial(GDALDataset& image);
     bool TryNative(const TileWindow& sample);
     bool TryPicture(const TileWindow& sample, const PictureKind& kind);
     GDALDatasetUniquePtr Part(const TileWindow& window);
@@ -88,7 +90,7 @@ class TileWriter {
     GDALDriver& driver_;
     PictureFormat known_;  ///< written by encoders of our own
     bool inMemory_ = true;
-    bool keepsPlace_ = false;
+    bool keepsPlace_ = true;  ///< until a sample says otherwise
     PictureKind kind_;
     Treatment treatment_;
     Pixels pixels_;
