@@ -4,9 +4,6 @@ target_compile_options(orvo_options INTERFACE
     -ffp-contract=off  # tile edges are accumulated in plain doubles, the same on every processor
     -Wall -Wextra -Wpedantic -Werror -Wshadow -Wconversion -Wold-style-cast
     $<$<NOT:$<PLATFORM_ID:Windows>>:-Wnon-virtual-dtor>)  # COM interfaces have no virtual destructors
-# At -O3, g++ 12 warns of overlaps and overflows inside std::string and std::vector that cannot happen.
-target_compile_options(orvo_options INTERFACE
-    $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> $<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow>)
 # g++ 12 at -O3 sees overlaps in "text" + std::string, and overflows in vector::insert, that are not there (its bugs
 # 105651 and 105329).
 target_compile_options(orvo_options INTERFACE
