@@ -70,7 +70,7 @@ std::vector<double> ParseNumbers(const std::string& option, const std::vector<st
         try {
             numbers.push_back(ParseNumber(text));
         } catch (const UsageError& error) {
-            throw UsageError(option + " \"" + text + "\" " + error.what());
+            throw UsageError(std::string(option).append(" \"").append(text).append("\" ") + error.what());
         }
     }
     return numbers;
