@@ -31,7 +31,8 @@ bool Transfer(GDALRasterBand& band, GDALRWFlag direction, std::vector<double>& c
 double Highest(GDALRasterBand& band) {
     if (const GDALColorTable* const table = band.GetColorTable()) return table->GetColorEntryCount() - 1;
     const char* const bits = band.GetMetadataItem("NBITS", "IMAGE_STRUCTURE");
-    const int used = bits == nullptr ? GDALGetDataTypeSizeBits(band.GetRasterDataType()) : std::atoi(bits);
+    const int used = bits == nullptr ? GDALGetDataTypeSizeBits(band.GetRasterDataType())
+                                     : static_cast<int>(std::strtol(bits, nullptr, 10));
     return std::ldexp(1.0, std::clamp(used, 1, 32)) - 1;
 }
 
@@ -112,8 +113,8 @@ std::vector<std::string> FolderOfFiles::Names() const {
 }
 
 void FillHard(GDALDataset& sample) {
-    constexpr unsigned kSeed = 1;  // the same sample for every run
-    std::minstd_rand random(kSeed);
+    constexpr unsigned kSeed = 1;    // the same sample for every run
+    std::minstd_rand random(kSeed);  // NOLINT(cert-msc32-c,cert-msc51-cpp): nothing secret
     std::vector<double> cells(CellCount(sample));
     for (int number = 1; number <= sample.GetRasterCount(); ++number) {
         GDALRasterBand& band = *sample.GetRasterBand(number);
