@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <regex>
+#include <utility>
 
 #include "tiling/Errors.h"
 
@@ -20,7 +21,7 @@ std::string Padded(std::int64_t number, std::size_t digits) {
 
 std::string Number(double value) {
     std::array<char, 400> text{};
-    const auto end =
+    const char* const end =
         std::to_chars(text.data(), text.data() + text.size(), value + 0.0, std::chars_format::fixed).ptr;
     return {text.data(), end};
 }
@@ -59,10 +60,9 @@ std::string Fault(const std::string& name) {
 
 }  // namespace
 
-TileNames::TileNames(const std::string& pattern, const std::string& source, std::int64_t rows,
-                     std::int64_t columns)
+TileNames::TileNames(const std::string& pattern, std::string source, std::int64_t rows, std::int64_t columns)
     : pattern_(pattern),
-      source_(source),
+      source_(std::move(source)),
       rowDigits_(std::to_string(rows).size()),
       columnDigits_(std::to_string(columns).size()) {
     constexpr std::array kFields = {"source", "row", "column", "x", "y"};

@@ -24,7 +24,7 @@ class TileNames {
 
     /// @param source what {source} stands for @param rows, columns of the whole grid
     /// Fails with UsageError where the pattern makes no names of files.
-    TileNames(const std::string& pattern, const std::string& source, std::int64_t rows, std::int64_t columns);
+    TileNames(const std::string& pattern, std::string source, std::int64_t rows, std::int64_t columns);
 
     /// Without extension, relative to the output folder.
     std::string Of(const Place& place) const;

@@ -232,9 +232,9 @@ class RasterRun {
         if (account_.StateOf(tile) == State::Written) return;  // of an earlier run
         const std::string image = work_->Path() + "/" + record.tile;
         try {
-            MadeTile made = plan_.Maker().Take(image);
+            const MadeTile made = plan_.Maker().Take(image);
             account_.Place(tile, made.window);
-            account_.Publish(tile, image, std::move(made), *work_, PlaceFiles(tile));
+            account_.Publish(tile, image, made, *work_, PlaceFiles(tile));
         } catch (const std::exception& error) {
             record.reasons.push_back(PlainReason(error.what(), image));
             Remove(image);

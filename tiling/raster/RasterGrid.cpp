@@ -59,13 +59,13 @@ std::string UnitsOf(gdal::RasterLayer& layer) {
 }  // namespace
 
 RasterGrid::RasterGrid(gdal::RasterLayer& layer, const RasterJob& job)
-    : t_(layer.GeoTransform()), width_(layer.Width()), height_(layer.Height()) {
-    tileWidth_ = job.tilePixelWidth != 0 ? job.tilePixelWidth : PixelsOfSize(job.tileWidth, width_, t_[1]);
-    tileHeight_ =
-        job.tilePixelHeight != 0 ? job.tilePixelHeight : PixelsOfSize(job.tileHeight, height_, -t_[5]);
+    : t_(layer.GeoTransform()),
+      width_(layer.Width()),
+      height_(layer.Height()),
+      tileWidth_(job.tilePixelWidth != 0 ? job.tilePixelWidth : PixelsOfSize(job.tileWidth, width_, t_[1])),
+      tileHeight_(job.tilePixelHeight != 0 ? job.tilePixelHeight
+                                           : PixelsOfSize(job.tileHeight, height_, -t_[5])) {
     SetOrigin(job);
-    columns_ = UpDivide(left_ + width_, tileWidth_);
-    rows_ = UpDivide(top_ + height_, tileHeight_);
     SetVisited(job);
     SayPitch(layer, job);
 }
@@ -98,6 +98,8 @@ void RasterGrid::SetOrigin(const RasterJob& job) {
 }
 
 void RasterGrid::SetVisited(const RasterJob& job) {
+    columns_ = UpDivide(left_ + width_, tileWidth_);
+    rows_ = UpDivide(top_ + height_, tileHeight_);
     raster::TileWindow area = raster::ExactWindow(0, 0, width_, height_);
     if (job.clip) {
         const raster::TileWindow clip = PixelsOf(*job.clip);

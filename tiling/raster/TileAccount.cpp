@@ -104,7 +104,7 @@ void TileAccount::Place(std::int64_t tile, const raster::TileWindow& window) {
     if (!IsSame(window, WholeWindow(tile))) windows_[tile] = window;
 }
 
-void TileAccount::Publish(std::int64_t tile, const std::string& image, MadeTile made, WorkFolder& work,
+void TileAccount::Publish(std::int64_t tile, const std::string& image, const MadeTile& made, WorkFolder& work,
                           const std::vector<gdal::MadeFile>& besides) {
     const std::string stem = StemOf(tile);
     const std::string folder = stem.substr(0, stem.rfind('/') + 1);

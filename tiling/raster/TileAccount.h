@@ -48,7 +48,7 @@ class TileAccount {
     void Place(std::int64_t tile, const raster::TileWindow& window);
     /// Gives a tile's image and what goes with it their names. Fails with RunError.
     /// @param image path of the file @param besides the image are written, too
-    void Publish(std::int64_t tile, const std::string& image, MadeTile made, WorkFolder& work,
+    void Publish(std::int64_t tile, const std::string& image, const MadeTile& made, WorkFolder& work,
                  const std::vector<gdal::MadeFile>& besides);
 
     /// What is there and where it lies.
