@@ -23,7 +23,7 @@ std::string Number(double value) {
     std::array<char, 400> text{};
     const char* const end =
         std::to_chars(text.data(), text.data() + text.size(), value + 0.0, std::chars_format::fixed).ptr;
-    return {text.data(), end};
+    return std::string(text.data(), end);
 }
 
 /// Calls `literal` for the text between fields and `field` for each field's name. Fails with UsageError.
