@@ -21,9 +21,9 @@ std::string Padded(std::int64_t number, std::size_t digits) {
 
 std::string Number(double value) {
     std::array<char, 400> text{};
-    const char* const end =
+    char* const end =
         std::to_chars(text.data(), text.data() + text.size(), value + 0.0, std::chars_format::fixed).ptr;
-    return std::string(text.data(), end);
+    return {text.data(), end};
 }
 
 /// Calls `literal` for the text between fields and `field` for each field's name. Fails with UsageError.
