@@ -18,5 +18,5 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Orvo_Tile)
 install(EXPORT Orvo_TileTargets NAMESPACE Orvo_Tile:: DESTINATION ${package_dir})
 configure_package_config_file(cmake/Orvo_TileConfig.cmake.in Orvo_TileConfig.cmake INSTALL_DESTINATION ${package_dir})
 write_basic_package_version_file(Orvo_TileConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Orvo_TileConfig.cmake cmake/GEOS.cmake
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Orvo_TileConfig.cmake cmake/GEOS.cmake cmake/ImageCodecs.cmake
     ${CMAKE_CURRENT_BINARY_DIR}/Orvo_TileConfigVersion.cmake DESTINATION ${package_dir})

@@ -64,6 +64,14 @@ Integer ParseQuality(const std::string& text) {
     return value;
 }
 
+int ParseJobs(const std::string& text) {
+    constexpr int kMost = 1024;
+    int value = 0;
+    if (Read(text, value) != std::errc() || value < 1 || value > kMost)
+        throw UsageError("is out of range; give a whole number from 1 to 1024");
+    return value;
+}
+
 std::vector<double> ParseNumbers(const std::string& option, const std::vector<std::string>& texts) {
     std::vector<double> numbers;
     for (const std::string& text : texts) {
@@ -160,8 +168,10 @@ void AddDialogOptions(CLI::App& command, SessionOptions& options) {
         "Where to ask; auto takes a window where there is a display and no terminal");
 }
 
-void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite) {
+void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite, int& jobs) {
     BeginGroup(command, "Run");
+    AddValue(command, "--jobs", jobs, ParseJobs, "Threads that work on tiles (default: one for each core)")
+        ->type_name("N");
     command.add_flag("--overwrite", overwrite, "Remove the files of an earlier run from OUTDIR first");
     AddChoice<ProgressMode>(
         command, "--progress", options.progress,

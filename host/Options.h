@@ -83,6 +83,7 @@ std::pair<Long, Long> ParsePixels(const std::string& option, const std::string& 
 std::vector<int> ParseBands(const std::string& text);
 /// 1 to 100.
 Integer ParseQuality(const std::string& text);
+int ParseJobs(const std::string& text);
 /// The path of a program that is an executable file or found along PATH.
 std::string ParseProgram(const std::string& text);
 /// A text that can begin the name of a file.
@@ -93,8 +94,8 @@ std::string ProgramName();
 
 /// --language, --on-error and --dialog, in a group of their own.
 void AddDialogOptions(CLI::App& command, SessionOptions& options);
-/// --overwrite, --progress and --quiet in a group, then the dialog's.
-void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite);
+/// --jobs, --overwrite, --progress and --quiet in a group, then the dialog's.
+void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite, int& jobs);
 /// --help, last of all.
 void AddHelp(CLI::App& command);
 

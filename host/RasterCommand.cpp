@@ -162,6 +162,11 @@ void AddFormat(CLI::App& command, tiling::RasterJob& job) {
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     add("--quality", job.quality, ParseQuality, "1-100", "For formats with losses")
         ->default_str(std::to_string(job.quality));
+    AddChoice<raster::Effort>(command, "--effort", job.effort,
+                              {{"normal", raster::Effort::Normal},
+                               {"fast", raster::Effort::Fast},
+                               {"small", raster::Effort::Small}},
+                              "How hard PNG tiles are packed; no pixel changes");
     add("--bands", job.bands, ParseBands, "N,N,...", "Bands to take, in this order (default: all)");
     add(
         "--values", job.values, [&job](const std::string& text) { return ParseValues(text, job); },
@@ -205,7 +210,7 @@ Command AddRaster(CLI::App& application) {
     AddGrid(*app, *options);
     AddFormat(*app, options->job);
     AddProducts(*app, *options);
-    AddRunOptions(*app, options->session, options->job.overwrite);
+    AddRunOptions(*app, options->session, options->job.overwrite, options->job.jobs);
     return {app, [options] { return Run(*options); }};
 }
 

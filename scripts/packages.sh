@@ -3,7 +3,7 @@
 #   need_packages build|test|windows|bench|demo|lint...   installs what is missing; exits 3 with the command line where it may not
 
 packages_of() {
-    local build="cmake ninja-build g++ libgdal-dev libgeos-dev libcli11-dev nlohmann-json3-dev zlib1g-dev libjpeg62-turbo-dev qt6-base-dev"
+    local build="cmake ninja-build g++ libgdal-dev libgeos-dev libcli11-dev nlohmann-json3-dev zlib1g-dev libdeflate-dev libjpeg62-turbo-dev qt6-base-dev"
     local tools="gdal-bin python3 python3-gdal imagemagick graphicsmagick libvips-tools"
     case $1 in
         build) echo "$build" ;;

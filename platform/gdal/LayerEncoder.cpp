@@ -45,25 +45,20 @@ std::span<const unsigned char> LayerEncoder::Encode(const TileWindow& window, Pi
     return bytes;
 }
 
+void LayerEncoder::ReadPicture(const TileWindow& window, PictureFormat format, Pixels& pixels) {
+    reader_.Read(window, HoldsOf(format), pixels);
+    if (format == ImageFormat::Gif) indexer_.MakeIndexed(pixels);
+}
+
 std::span<const unsigned char> LayerEncoder::EncodeOnce(const TileWindow& window, PictureFormat format,
                                                         int quality) {
-    file_.emplace();
     if (format == ImageFormat::Tiff) {
-        CopyAsTiff(layer_->Dataset(), window, Place::Keep, *file_);
-        return file_->Bytes();
+        tiff_.emplace();
+        CopyAsTiff(layer_->Dataset(), window, Place::Keep, *tiff_);
+        return tiff_->Bytes();
     }
-    reader_.Read(window, HoldsOf(format), pixels_);
-    if (format == ImageFormat::Png) return png_.Encode(pixels_);
-    if (format == ImageFormat::Jpeg) return jpeg_.Encode(pixels_, quality);
-    if (format == ImageFormat::Gif) {
-        indexer_.MakeIndexed(pixels_);
-        WriteGif(pixels_, *file_);
-    } else if (format == ImageFormat::Bmp) {
-        WriteBmp(pixels_, *file_);
-    } else {
-        WriteTiff(pixels_, *file_);
-    }
-    return file_->Bytes();
+    ReadPicture(window, format, pixels_);
+    return encoder_.Encode(pixels_, format, quality);
 }
 
 }  // namespace orvo::gdal

@@ -7,16 +7,11 @@
 
 #include "platform/gdal/ColourTable.h"
 #include "platform/gdal/FileInMemory.h"
-#include "platform/gdal/JpegEncoder.h"
 #include "platform/gdal/LayerReader.h"
 #include "platform/gdal/OrderedRows.h"
-#include "platform/gdal/PngEncoder.h"
-#include "platform/raster/ImageFormat.h"
+#include "platform/gdal/PictureEncoder.h"
 
 namespace orvo::gdal {
-
-/// What a picture is written as; nothing stands for a TIFF of 8 bits that takes the place of other formats.
-using PictureFormat = std::optional<raster::ImageFormat>;
 
 Holds HoldsOf(PictureFormat format);
 
@@ -34,6 +29,9 @@ class LayerEncoder {
     /// nodata and place; LayerReader.h says what the others show.
     /// Fails with number 57 where the source cannot be read.
     std::span<const unsigned char> Encode(const TileWindow& window, PictureFormat format, int quality);
+
+    /// Reads what Encode would show, without another try. Fails like it.
+    void ReadPicture(const TileWindow& window, PictureFormat format, Pixels& pixels);
 
     /// Works on a window of the source, once more from the start where it cannot be read at first.
     template <class Work>
@@ -60,9 +58,8 @@ class LayerEncoder {
     Indexer indexer_;
     OrderedRows rows_;
     Pixels pixels_;
-    PngEncoder png_;
-    JpegEncoder jpeg_;
-    std::optional<FileInMemory> file_;  // the last one that the raster library wrote
+    PictureEncoder encoder_;
+    std::optional<FileInMemory> tiff_;  // the last one
 };
 
 }  // namespace orvo::gdal

@@ -1,5 +1,7 @@
 #include "platform/gdal/PngEncoder.h"
 
+#include <libdeflate.h>
+
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -14,6 +16,8 @@ namespace orvo::gdal {
 namespace {
 
 constexpr std::array<unsigned char, 8> kSignature = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
+using raster::Effort;
+
 constexpr int kMaxMemory = 9;
 constexpr std::size_t kLargestChunk = 0x7fffffff;
 constexpr int kSampleRows = 32;
@@ -70,30 +74,16 @@ bool MayBeFlat(const Pixels& sample) {
 
 }  // namespace
 
-PngEncoder::PngEncoder() = default;
+PngEncoder::PngEncoder(raster::Effort effort) : effort_(effort) {}
 PngEncoder::~PngEncoder() = default;
 
-void PngEncoder::CloseStream::operator()(z_stream_s* stream) const {
+void PngEncoder::EndStream::operator()(z_stream_s* stream) const {
     deflateEnd(stream);
     delete stream;
 }
 
-z_stream_s& PngEncoder::StreamFor(Method method) {
-    Stream& stream = streams_[static_cast<std::size_t>(method)];
-    if (stream) {
-        deflateReset(stream.get());
-        return *stream;
-    }
-    const int level = method == Method::Imagery ? 1 : Z_DEFAULT_COMPRESSION;
-    const int strategy = method == Method::Imagery ? Z_RLE
-                         : method == Method::Flat  ? Z_DEFAULT_STRATEGY
-                                                   : Z_FILTERED;
-    auto fresh = std::make_unique<z_stream_s>();
-    if (deflateInit2(fresh.get(), level, Z_DEFLATED, MAX_WBITS, kMaxMemory, strategy) != Z_OK) {
-        throw RuntimeError(Fault::OutOfMemory);
-    }
-    stream.reset(fresh.release());
-    return *stream;
+void PngEncoder::FreeCompressor::operator()(libdeflate_compressor* compressor) const {
+    libdeflate_free_compressor(compressor);
 }
 
 const std::vector<unsigned char>& PngEncoder::Encode(const Pixels& pixels) {
@@ -140,17 +130,33 @@ void PngEncoder::Transparency(const Pixels& pixels) {
     if (!data.empty()) Chunk("tRNS", data);
 }
 
-PngEncoder::Method PngEncoder::Choose(const Pixels& pixels) {
-    if (pixels.form == Form::Indexed) return Method::Flat;
-    if (pixels.depth == 16) return Method::Deep;
+/// What may be the best; the sample of an image of 8 bits is taken here.
+std::vector<PngEncoder::Way> PngEncoder::WaysFor(const Pixels& pixels) {
+    constexpr int kShort = 1, kUsual = 6, kLong = 12;
+    const int search = effort_ == Effort::Fast ? kShort : effort_ == Effort::Small ? kLong : kUsual;
+    if (pixels.form == Form::Indexed) return {{false, search}};
+    if (pixels.depth == 16) return {{true, search}};
+    std::vector<Way> ways{{true, effort_ == Effort::Fast ? kShort : Way::kRuns}};
+    if (effort_ == Effort::Small) ways.push_back({true, search});
     TakeSample(pixels, sample_);
-    if (!MayBeFlat(sample_)) return Method::Imagery;
+    if (MayBeFlat(sample_)) ways.push_back({false, search});
+    return ways;
+}
+
+PngEncoder::Way PngEncoder::Choose(const Pixels& pixels) {
+    const std::vector<Way> ways = WaysFor(pixels);
+    if (ways.size() == 1) return ways.front();
+    Way best = ways.front();
+    std::size_t least = SIZE_MAX;
     const std::size_t end = file_.size();
-    const std::size_t imagery = Data(sample_, Method::Imagery);
-    file_.resize(end);
-    const std::size_t flat = Data(sample_, Method::Flat);
-    file_.resize(end);
-    return flat < imagery ? Method::Flat : Method::Imagery;
+    for (const Way& way : ways) {
+        const std::size_t size = Data(sample_, way);
+        file_.resize(end);
+        if (size >= least) continue;
+        least = size;
+        best = way;
+    }
+    return best;
 }
 
 /// One row in the file's byte order.
@@ -167,39 +173,60 @@ std::span<const unsigned char> PngEncoder::Row(const Pixels& pixels, int y) {
     return row_;
 }
 
+void PngEncoder::FilterRows(const Pixels& pixels, bool filtered) {
+    const std::size_t line = pixels.RowBytes() + 1;
+    filter_.Start(pixels.RowBytes(), pixels.PixelBytes());
+    rows_.resize(line * static_cast<std::size_t>(pixels.height));
+    for (int y = 0; y < pixels.height; ++y) {
+        const unsigned char* const row = Row(pixels, y).data();
+        const auto bytes = filtered ? filter_.Filter(row) : filter_.Keep(row);
+        std::memcpy(rows_.data() + line * static_cast<std::size_t>(y), bytes.data(), line);
+    }
+}
+
 /// Appends the compressed rows as a chunk and returns their size in bytes.
-std::size_t PngEncoder::Data(const Pixels& pixels, Method method) {
-    z_stream_s& stream = StreamFor(method);
+std::size_t PngEncoder::Data(const Pixels& pixels, Way way) {
     const std::size_t start = file_.size();
     const std::size_t most = (pixels.RowBytes() + 1) * static_cast<std::size_t>(pixels.height);
-    const std::size_t room = deflateBound(&stream, most);
+    const std::size_t room = std::max(libdeflate_zlib_compress_bound(nullptr, most), most + most / 8 + 1024);
     if (room > kLargestChunk) {
         throw RuntimeError(static_cast<Long>(Fault::AutomationError), "the tile is too large for a PNG");
     }
+    FilterRows(pixels, way.filtered);
     file_.resize(start + 8 + room);
-    stream.next_out = file_.data() + start + 8;
-    stream.avail_out = static_cast<uInt>(room);
-    filter_.Start(pixels.RowBytes(), pixels.PixelBytes());
-    for (int y = 0; y < pixels.height; ++y) {
-        const unsigned char* const row = Row(pixels, y).data();
-        Deflate(stream, method == Method::Flat ? filter_.Keep(row) : filter_.Filter(row), Z_NO_FLUSH);
-    }
-    Deflate(stream, {}, Z_FINISH);
-    const std::size_t size = room - stream.avail_out;
+    const std::size_t size = Pack(way.level, std::span(file_).subspan(start + 8));
     Store32(file_.data() + start, size);
     std::memcpy(file_.data() + start + 4, "IDAT", 4);
     file_.resize(start + 8 + size);
-    Append32(file_, crc32(0, file_.data() + start + 4, static_cast<uInt>(size + 4)));
+    Append32(file_, libdeflate_crc32(0, file_.data() + start + 4, size + 4));
     return size;
 }
 
-void PngEncoder::Deflate(z_stream_s& stream, std::span<const unsigned char> bytes, int flush) {
-    stream.next_in = bytes.data();
-    stream.avail_in = static_cast<uInt>(bytes.size());
-    const int result = deflate(&stream, flush);
-    if (stream.avail_in != 0 || (flush == Z_FINISH) != (result == Z_STREAM_END)) {
-        throw RuntimeError(Fault::InvalidProcedureCall);
+std::size_t PngEncoder::Pack(int level, std::span<unsigned char> room) {
+    if (level == Way::kRuns) return PackRuns(room);
+    auto& compressor = compressors_[level];
+    if (!compressor) compressor.reset(libdeflate_alloc_compressor(level));
+    if (!compressor) throw RuntimeError(Fault::OutOfMemory);
+    const std::size_t size =
+        libdeflate_zlib_compress(compressor.get(), rows_.data(), rows_.size(), room.data(), room.size());
+    if (size == 0) throw RuntimeError(Fault::InvalidProcedureCall);
+    return size;
+}
+
+std::size_t PngEncoder::PackRuns(std::span<unsigned char> room) {
+    if (!runs_) {
+        auto fresh = std::make_unique<z_stream_s>();
+        if (deflateInit2(fresh.get(), 1, Z_DEFLATED, MAX_WBITS, kMaxMemory, Z_RLE) != Z_OK)
+            throw RuntimeError(Fault::OutOfMemory);
+        runs_.reset(fresh.release());
     }
+    deflateReset(runs_.get());
+    runs_->next_in = rows_.data();
+    runs_->avail_in = static_cast<uInt>(rows_.size());
+    runs_->next_out = room.data();
+    runs_->avail_out = static_cast<uInt>(room.size());
+    if (deflate(runs_.get(), Z_FINISH) != Z_STREAM_END) throw RuntimeError(Fault::InvalidProcedureCall);
+    return runs_->total_out;
 }
 
 void PngEncoder::Chunk(const char* type, std::span<const unsigned char> data) {
@@ -208,7 +235,7 @@ void PngEncoder::Chunk(const char* type, std::span<const unsigned char> data) {
     const std::string_view name(type);
     file_.insert(file_.end(), name.begin(), name.end());
     file_.insert(file_.end(), data.begin(), data.end());
-    Append32(file_, crc32(0, file_.data() + start, static_cast<uInt>(file_.size() - start)));
+    Append32(file_, libdeflate_crc32(0, file_.data() + start, file_.size() - start));
 }
 
 }  // namespace orvo::gdal

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <utility>
@@ -19,7 +20,7 @@ namespace orvo::gdal {
 namespace {
 
 constexpr std::int64_t kMostCellsToTry = 2 << 20;
-constexpr const char* kMemoryFolder = "/vsimem/orvo-tile";
+const std::string kMemoryFolder = "/vsimem/orvo-tile";
 
 /// The format's encoder in this library, where options of another library's are not asked for.
 PictureFormat Known(const TileStyle& style) {
@@ -81,6 +82,8 @@ TileWriter::TileWriter(std::shared_ptr<RasterLayer> layer, TileStyle style, int 
       style_(std::move(style)),
       driver_(*GetGDALDriverManager()->GetDriverByName(style_.format.driver.c_str())),
       known_(Known(style_)) {
+    constexpr std::size_t kMostIdle = 64;
+    idle_.reserve(kMostIdle);
     if (known_) {
         treatment_.picture = true;
         treatment_.stretched = encoder_.Reader().IsStretched(HoldsOf(known_));
@@ -114,8 +117,8 @@ CPLStringList TileWriter::Options() const {
 
 /// The window as a dataset, with all that the layer says of itself. Where whole cells of one type are asked
 /// for, these are read ahead; else the dataset is a virtual one.
-GDALDatasetUniquePtr TileWriter::Part(const TileWindow& window) {
-    GDALDatasetUniquePtr part = alike_.empty() || !window.IsExact() ? VirtualPart(window) : CellsOf(window);
+GDALDatasetUniquePtr TileWriter::Part(const TileWindow& window, TileInWork& tile) {
+    GDALDatasetUniquePtr part = IsReadAtOnce(window) ? CellsOf(window, tile) : VirtualPart(window);
     if (!keepsPlace_ && !style_.place) {
         std::array<double, 6> none{0, 1, 0, 0, 0, 1};
         part->SetGeoTransform(none.data());
@@ -124,14 +127,14 @@ GDALDatasetUniquePtr TileWriter::Part(const TileWindow& window) {
     return part;
 }
 
-GDALDatasetUniquePtr TileWriter::CellsOf(const TileWindow& window) {
+GDALDatasetUniquePtr TileWriter::CellsOf(const TileWindow& window, TileInWork& tile) {
     RasterLayer& layer = encoder_.Layer();
     GDALDataset& source = layer.Dataset();
     const GDALDataType type = source.GetRasterBand(1)->GetRasterDataType();
     const auto bytes = static_cast<std::size_t>(GDALGetDataTypeSizeBytes(type));
     const std::size_t pixel = bytes * alike_.size(), line = pixel * static_cast<std::size_t>(window.columns);
-    cells_.resize(line * static_cast<std::size_t>(window.rows));
-    encoder_.Reader().ReadCells(window, alike_, type, cells_.data());
+    tile.cells.resize(line * static_cast<std::size_t>(window.rows));
+    encoder_.Reader().ReadCells(window, alike_, type, tile.cells.data());
     GDALDatasetUniquePtr part(GetGDALDriverManager()->GetDriverByName("MEM")->Create(
         "", window.columns, window.rows, 0, type, nullptr));
     for (const int number : alike_) {
@@ -139,7 +142,7 @@ GDALDatasetUniquePtr TileWriter::CellsOf(const TileWindow& window) {
         place.SetNameValue(
             "DATAPOINTER",
             CPLSPrintf("%p",
-                       static_cast<void*>(cells_.data() + bytes * static_cast<std::size_t>(number - 1))));
+                       static_cast<void*>(tile.cells.data() + bytes * static_cast<std::size_t>(number - 1))));
         place.SetNameValue("PIXELOFFSET", CPLSPrintf("%zu", pixel));
         place.SetNameValue("LINEOFFSET", CPLSPrintf("%zu", line));
         part->AddBand(type, place.List());
@@ -170,10 +173,11 @@ GDALDatasetUniquePtr TileWriter::VirtualPart(const TileWindow& window) const {
     return part;
 }
 
-GDALDatasetUniquePtr TileWriter::Picture(const TileWindow& window, const PictureKind& kind) {
-    encoder_.Reader().Read(window, kind.holds, pixels_);
-    if (kind.onlyColours) ShowAsColours(pixels_);
-    GDALDatasetUniquePtr image(DatasetOf(pixels_).release());
+GDALDatasetUniquePtr TileWriter::Picture(const TileWindow& window, const PictureKind& kind,
+                                         TileInWork& tile) {
+    encoder_.Reader().Read(window, kind.holds, tile.pixels);
+    if (kind.onlyColours) ShowAsColours(tile.pixels);
+    GDALDatasetUniquePtr image(DatasetOf(tile.pixels).release());
     SayPlace(*image, window);
     return image;
 }
@@ -190,29 +194,87 @@ void TileWriter::SayPlace(GDALDataset& target, const TileWindow& window) const {
     target.SetSpatialRef(layer.Dataset().GetSpatialRef());
 }
 
-std::vector<MadeFile> TileWriter::Make(const TileWindow& window, const std::string& name) {
-    if (known_) {
-        const auto bytes = encoder_.Encode(window, known_, style_.quality);
-        return {{name, std::string(bytes.begin(), bytes.end())}};
+std::shared_ptr<TileInWork> TileWriter::NewTile(const std::string& name) {
+    std::unique_ptr<TileInWork> tile;
+    {
+        const std::lock_guard lock(resting_);
+        if (!idle_.empty()) {
+            tile = std::move(idle_.back());
+            idle_.pop_back();
+        }
     }
-    std::vector<MadeFile> made;
+    if (!tile) tile = std::make_unique<TileInWork>(style_.effort);
+    tile->name = name;
+    tile->made.clear();
+    const auto rest = [this](TileInWork* used) {
+        std::unique_ptr<TileInWork> owned(used);
+        owned->image.reset();
+        const std::lock_guard lock(resting_);
+        if (idle_.size() < idle_.capacity()) idle_.push_back(std::move(owned));
+    };
+    return {tile.release(), rest};
+}
+
+std::shared_ptr<TileInWork> TileWriter::Read(const TileWindow& window, const std::string& name) {
+    std::shared_ptr<TileInWork> tile = NewTile(name);
+    const std::lock_guard lock(reading_);
     encoder_.Read(window, [&] {
-        const GDALDatasetUniquePtr image = treatment_.picture ? Picture(window, kind_) : Part(window);
-        Copy(*image, name, [&](const FolderOfFiles& files, const std::string& path) {
-            made = {{name, Contents(path)}};
-            const std::string folder = path.substr(0, path.size() - name.size());
-            for (const std::string& other : files.Names()) {
-                if (other != name) made.push_back({other, Contents(folder + other)});
-            }
-        });
+        if (known_) {
+            encoder_.ReadPicture(window, known_, tile->pixels);
+            return;
+        }
+        tile->image = treatment_.picture ? Picture(window, kind_, *tile) : Part(window, *tile);
+        // A virtual part reads the source while it is written, and libraries with files of their own are
+        // used by one thread at a time.
+        if (inMemory_ && (treatment_.picture || IsReadAtOnce(window))) return;
+        tile->made = FilesOf(*tile->image, name);
+    });
+    return tile;
+}
+
+std::vector<MadeFile> TileWriter::Write(TileInWork& tile) {
+    if (!tile.made.empty()) return std::move(tile.made);
+    if (!known_) return FilesOf(*tile.image, tile.name);
+    const auto bytes = tile.encoder.Encode(tile.pixels, known_, style_.quality);
+    return {{tile.name, std::string(bytes.begin(), bytes.end())}};
+}
+
+std::string TileWriter::MakeTiff(const TileWindow& window) {
+    const std::lock_guard lock(reading_);
+    const auto bytes = encoder_.Encode(window, raster::ImageFormat::Tiff, style_.quality);
+    return {bytes.begin(), bytes.end()};
+}
+
+bool TileWriter::IsBlank(const TileWindow& window) {
+    const std::lock_guard lock(reading_);
+    bool blank = false;
+    encoder_.Read(window, [&] { blank = encoder_.Reader().IsBlank(window); });
+    return blank;
+}
+
+Stretch TileWriter::LayerStretch() {
+    const std::lock_guard lock(reading_);
+    return encoder_.Reader().LayerStretch();
+}
+
+std::vector<MadeFile> TileWriter::FilesOf(GDALDataset& image, const std::string& name) {
+    std::vector<MadeFile> made;
+    Copy(image, name, [&](const FolderOfFiles& files, const std::string& path) {
+        made = {{name, Contents(path)}};
+        const std::string folder = path.substr(0, path.size() - name.size());
+        for (const std::string& other : files.Names()) {
+            if (other != name) made.push_back({other, Contents(folder + other)});
+        }
     });
     return made;
 }
 
-/// The files are made in a folder of their own, so that they are known by being there.
+/// The files are made in a folder of their own, so that they are known by being there; tiles in several
+/// folders may have one name.
 void TileWriter::Copy(GDALDataset& image, const std::string& name,
                       const std::function<void(const FolderOfFiles& files, const std::string& path)>& look) {
-    const std::string folder = (inMemory_ ? kMemoryFolder : workFolder_) + ("/" + name);
+    static std::atomic<std::uint64_t> folders = 0;
+    const std::string folder = (inMemory_ ? kMemoryFolder : workFolder_) + "/" + std::to_string(++folders);
     const FolderOfFiles files(folder);
     const std::string path = folder + "/" + name;
     const ErrorCapture errors;
@@ -278,7 +340,8 @@ Likeness TileWriter::Trial(GDALDataset& image) {
 }
 
 bool TileWriter::TryNative(const TileWindow& sample) {
-    const GDALDatasetUniquePtr part = Part(sample);
+    TileInWork tile(style_.effort);
+    const GDALDatasetUniquePtr part = Part(sample, tile);
     const GDALDatasetUniquePtr image(GetGDALDriverManager()->GetDriverByName("MEM")->CreateCopy(
         "", part.get(), FALSE, nullptr, nullptr, nullptr));
     const Likeness found = Trial(*image);
@@ -289,7 +352,8 @@ bool TileWriter::TryNative(const TileWindow& sample) {
 }
 
 bool TileWriter::TryPicture(const TileWindow& sample, const PictureKind& kind) {
-    const GDALDatasetUniquePtr image = Picture(sample, kind);
+    TileInWork tile(style_.effort);
+    const GDALDatasetUniquePtr image = Picture(sample, kind, tile);
     const Likeness found = Trial(*image);
     if (!found.sameForm) return false;
     kind_ = kind;

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "platform/gdal/FormatTrial.h"
 #include "platform/gdal/LayerEncoder.h"
 #include "platform/gdal/RasterFormat.h"
+#include "platform/gdal/TileInWork.h"
 
 namespace orvo::gdal {
 
@@ -23,6 +25,7 @@ struct TileStyle {
     std::optional<Range> range{};           ///< of the stretch to 8 bits; without one the layer's own
     std::optional<Holds> picture{};         ///< a picture of these, whatever the format holds
     bool place = false;                     ///< says where tiles lie also beside formats that cannot
+    raster::Effort effort = raster::Effort::Normal;  ///< of PNG
 };
 
 /// What a format makes of the layer.
@@ -34,12 +37,7 @@ struct Treatment {
     std::string lost;        ///< what else of the layer a tile does not say, for people; empty for nothing
 };
 
-/// A file with its last name only.
-struct MadeFile {
-    std::string name;
-    std::string bytes;
-};
-
+/// Its calls may come from several threads: one reads at a time, any number write.
 class TileWriter {
   public:
     /// Tries the format with a sample of the layer; png, jpg, gif and bmp without options are known.
@@ -54,12 +52,25 @@ class TileWriter {
     bool SaysPlace() const { return !known_ && (keepsPlace_ || style_.place); }
     const RasterFormat& Format() const { return style_.format; }
     const Treatment& Treats() const { return treatment_; }
-    LayerEncoder& Encoder() { return encoder_; }
+    /// How cells were brought to 8 bits. Fails like Read.
+    Stretch LayerStretch();
+    /// Of the cells that a picture shows.
+    GDALDataType PictureType() { return encoder_.Reader().Plan().type; }
 
-    /// A window as a file, first of all, and files that go with it; the same for the same window and name.
-    /// @param name of the file without folder, extension included
-    /// Fails with number 57 where the source cannot be read, 440 where the format refuses.
-    std::vector<MadeFile> Make(const TileWindow& window, const std::string& name);
+    /// The first step of Make, which has to follow the source's order to be quick. The writer must outlive
+    /// what it gives. @param name of the file without folder, extension included
+    /// Fails with number 57 where the source cannot be read.
+    std::shared_ptr<TileInWork> Read(const TileWindow& window, const std::string& name);
+    /// The second step: the tile's file, first of all, and files that go with it; the same for the same
+    /// window and name. Fails with number 440 where the format refuses.
+    std::vector<MadeFile> Write(TileInWork& tile);
+    std::vector<MadeFile> Make(const TileWindow& window, const std::string& name) {
+        return Write(*Read(window, name));
+    }
+    /// An uncompressed TIFF of the layer's own cells. Fails like Read.
+    std::string MakeTiff(const TileWindow& window);
+    /// Whether a window shows nothing but nodata and full transparency. Fails like Read.
+    bool IsBlank(const TileWindow& window);
 
   private:
     /// What pictures a format takes: Holds, and greys only as colours.
@@ -74,10 +85,13 @@ class TileWriter {
     Likeness Trial(GDALDataset& image);
     bool TryNative(const TileWindow& sample);
     bool TryPicture(const TileWindow& sample, const PictureKind& kind);
-    GDALDatasetUniquePtr Part(const TileWindow& window);
+    bool IsReadAtOnce(const TileWindow& window) const { return !alike_.empty() && window.IsExact(); }
+    GDALDatasetUniquePtr Part(const TileWindow& window, TileInWork& tile);
     GDALDatasetUniquePtr VirtualPart(const TileWindow& window) const;
-    GDALDatasetUniquePtr CellsOf(const TileWindow& window);
-    GDALDatasetUniquePtr Picture(const TileWindow& window, const PictureKind& kind);
+    GDALDatasetUniquePtr CellsOf(const TileWindow& window, TileInWork& tile);
+    GDALDatasetUniquePtr Picture(const TileWindow& window, const PictureKind& kind, TileInWork& tile);
+    std::shared_ptr<TileInWork> NewTile(const std::string& name);
+    std::vector<MadeFile> FilesOf(GDALDataset& image, const std::string& name);
     void SayPlace(GDALDataset& target, const TileWindow& window) const;
     /// Writes an image in the format and lets `look` see the file while it stands.
     void Copy(GDALDataset& image, const std::string& name,
@@ -93,9 +107,10 @@ class TileWriter {
     bool keepsPlace_ = true;  ///< until a sample says otherwise
     PictureKind kind_;
     Treatment treatment_;
-    Pixels pixels_;
     std::vector<int> alike_;  ///< all bands, where they have one type and no mask of their own; else empty
-    std::vector<unsigned char> cells_;
+    std::mutex reading_;
+    std::mutex resting_;
+    std::vector<std::unique_ptr<TileInWork>> idle_;  ///< for later tiles
 };
 
 }  // namespace orvo::gdal

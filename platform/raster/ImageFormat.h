@@ -10,6 +10,9 @@ namespace orvo::raster {
 
 enum class ImageFormat { Png, Jpeg, Gif, Bmp, Tiff };
 
+/// How long an encoder without losses looks for fewer bytes.
+enum class Effort { Fast, Normal, Small };
+
 /// A file name: everything before the dot of its extension, and the extension in lower case.
 struct TargetName {
     std::string stem;

@@ -19,6 +19,7 @@ struct TileWindow {
 
     /// Whether the window takes whole cells one to one; else it is resampled.
     bool IsExact() const;
+    bool operator==(const TileWindow&) const = default;
 };
 
 /// Whole cells, one to one.

@@ -1,6 +1,7 @@
 // A part of a raster layer as the component sees it.
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string>
 
@@ -37,6 +38,9 @@ class BlockLayer final : public IRasterLayer,
     /// What the component is given for a tile's size.
     Long SizeAcross() const;
     Long SizeDown() const;
+    /// Of a tile, in pixels.
+    Long TileColumns() const { return std::min(grid_.TileWidth(), width_); }
+    Long TileRows() const { return std::min(grid_.TileHeight(), height_); }
     /// The layer's pixels in a part of the block, cut back to the layer; and the other way round.
     raster::TileWindow PixelsOf(const Rectangle& part, Long columns, Long rows) const;
     raster::TileWindow PixelsOf(const PixelWindow& part) const;

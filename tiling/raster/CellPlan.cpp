@@ -8,11 +8,8 @@
 
 namespace orvo::tiling {
 
-CellPlan::CellPlan(BlockLayer& block, const RasterGrid& grid, const std::optional<Rectangle>& clip)
-    : block_(block),
-      tileWidth_(std::min(grid.TileWidth(), block.Width())),
-      tileHeight_(std::min(grid.TileHeight(), block.Height())),
-      clip_(clip) {}
+CellPlan::CellPlan(BlockLayer& block, const std::optional<Rectangle>& clip)
+    : block_(block), tileWidth_(block.TileColumns()), tileHeight_(block.TileRows()), clip_(clip) {}
 
 CellPlan::Cell CellPlan::At(std::int64_t index) const {
     constexpr double kCell = BlockLayer::kCell;

@@ -18,7 +18,7 @@ class CellPlan {
     };
 
     /// The block must outlive the plan. @param clip in the block's units
-    CellPlan(BlockLayer& block, const RasterGrid& grid, const std::optional<Rectangle>& clip);
+    CellPlan(BlockLayer& block, const std::optional<Rectangle>& clip);
 
     std::int64_t Count() const { return block_.Cells().Count(); }
     /// @param index from 0, row by row from the top left

@@ -21,6 +21,7 @@
 #include "tiling/raster/RasterPlan.h"
 #include "tiling/raster/TileLedger.h"
 #include "tiling/raster/TileService.h"
+#include "tiling/raster/TilesAhead.h"
 
 namespace fs = std::filesystem;
 
@@ -28,21 +29,6 @@ namespace orvo::tiling {
 namespace {
 
 using State = TileAccount::State;
-
-/// A reason without the name of the file it is about, on one line: reasons of different tiles become equal.
-std::string PlainReason(std::string reason, const std::string& target) {
-    for (const std::string& name : {target, SystemPath(target)}) {
-        for (std::size_t at = reason.find(name); !name.empty() && at != std::string::npos;
-             at = reason.find(name)) {
-            reason.replace(at, name.size(), "the tile");
-        }
-    }
-    for (char& c : reason) {
-        if (c == '\n' || c == '\r') c = ' ';
-    }
-    while (reason.ends_with(' ')) reason.pop_back();
-    return reason.empty() ? "no reason was given" : reason;
-}
 
 std::string Joined(const std::vector<std::string>& reasons) {
     std::string text;
@@ -170,12 +156,13 @@ class RasterRun {
         plan_.Maker().Enter(*layer);
         std::optional<Rectangle> clip;
         if (job_.clip) clip = layer->PartOf(plan_.Grid().PixelsOf(*job_.clip));
-        const CellPlan plan(*layer, plan_.Grid(), clip);
+        const CellPlan plan(*layer, clip);
         TileLedger ledger(plan, &progress_, [&](std::int64_t cell, CellRecord& record) {
             Publish(TileOf(cells, cell), record);
         });
         const BlockInWork block{*layer, ledger, [&](std::int64_t cell) { return TileOf(cells, cell); }};
-        const WatchedPlatform watched(callbacks_.interrupted, EventsOf(block));
+        TilesAhead ahead(block, plan, plan_.Maker(), account_, job_, callbacks_, source_, work_->Path());
+        const WatchedPlatform watched(callbacks_.interrupted, EventsOf(block, ahead));
         const bool goesOn = RunComponent(*layer, clip, ledger);
         summary_.shown += watched.Shown();
         CollectBlock(cells, plan, ledger);
@@ -205,7 +192,7 @@ class RasterRun {
         return done && !callbacks_.interrupted();
     }
 
-    WatchedPlatform::Events EventsOf(const BlockInWork& block) {
+    WatchedPlatform::Events EventsOf(const BlockInWork& block, TilesAhead& ahead) {
         WatchedPlatform::Events events;
         TileLedger& ledger = block.ledger;
         events.onFailureShown = [&ledger](const std::string& failure) {
@@ -220,8 +207,8 @@ class RasterRun {
             return std::make_shared<OwnNames>(std::move(inner), names_);
         };
         events.newRasterIO = [this] { return plan_.SharedMaker(); };
-        events.served = [this, &block](std::shared_ptr<IRasterConvert> inner) {
-            return std::make_shared<TileService>(std::move(inner), block, plan_.Maker(), account_,
+        events.served = [this, &block, &ahead](std::shared_ptr<IRasterConvert> inner) {
+            return std::make_shared<TileService>(std::move(inner), block, plan_.Maker(), account_, ahead,
                                                  job_.skipBlank);
         };
         return events;

@@ -61,10 +61,9 @@ std::vector<std::string> FormatNotices(gdal::RasterLayer& layer, const RasterJob
 
 std::string StretchNotice(gdal::TileWriter& writer) {
     if (!writer.Treats().stretched) return "";
-    gdal::LayerReader& reader = writer.Encoder().Reader();
     try {
-        const gdal::Stretch& stretch = reader.LayerStretch();
-        const std::string cells = std::string("cells of type ") + GDALGetDataTypeName(reader.Plan().type) +
+        const gdal::Stretch stretch = writer.LayerStretch();
+        const std::string cells = std::string("cells of type ") + GDALGetDataTypeName(writer.PictureType()) +
                                   " are brought to 8 bits, by one stretch for the whole layer: ";
         if (!(stretch.low <= stretch.high)) return cells + "it holds no data";
         return cells + Digits(stretch.low) + " becomes 0 and " + Digits(stretch.high) +

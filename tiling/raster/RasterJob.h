@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/Geometry.h"
+#include "platform/raster/ImageFormat.h"
 #include "tiling/Callbacks.h"
 #include "tiling/output/PlacedTile.h"
 #include "tiling/output/TileNames.h"
@@ -29,11 +30,12 @@ struct RasterJob {
     Long tilePixelHeight = 0;
     std::optional<Point> origin;  ///< the grid's upper left corner, map units; else the layer's
     std::string tileNames = kUsualTileNames;
-    std::string format = "png";        ///< an extension, or the name of a GDAL driver
-    std::vector<std::string> options;  ///< NAME=VALUE, for the driver
-    Integer quality = 75;              ///< 1 to 100, for formats with losses
-    std::string converter;             ///< program that converts the tiles; empty for none
-    std::vector<int> bands;            ///< from 1 on, in this order; empty for all
+    std::string format = "png";                      ///< an extension, or the name of a GDAL driver
+    std::vector<std::string> options;                ///< NAME=VALUE, for the driver
+    Integer quality = 75;                            ///< 1 to 100, for formats with losses
+    raster::Effort effort = raster::Effort::Normal;  ///< how long PNG tiles are packed; no value changes
+    std::string converter;                           ///< program that converts the tiles; empty for none
+    std::vector<int> bands;                          ///< from 1 on, in this order; empty for all
     Values values = Values::Stretch;
     std::optional<std::pair<double, double>> range;  ///< of the stretch; else the layer's own
     std::optional<Rectangle> clip;                   ///< only what lies in it is cut, map units
@@ -44,12 +46,15 @@ struct RasterJob {
     bool preview = false;     ///< writes a page that shows the tiles where they lie
     bool overwrite = false;   ///< removes the files of earlier runs from `outdir` first
     bool resume = false;      ///< goes on where a run of the same job ended
-    std::string program;      ///< name and version of the program, kept in job.json
+    /// Threads that read, encode and convert; 0 for one a core. The files are the same for every number.
+    int jobs = 0;
+    std::string program;  ///< name and version of the program, kept in job.json
 };
 
 /// Cuts the layer, writes the index and what else the job asks for, and accounts for each tile. Failures are
 /// shown by the installed platform's desktop, whose answers decide how the run goes on. Not for use from
-/// several threads: the component has one dialog and no locks.
+/// several threads: the component has one dialog and no locks. Its own threads read, encode and convert ahead
+/// of the component; up to 32 MB of pixels wait so, or one tile where a tile is larger.
 ///
 /// Fails with UsageError where the job cannot be done as it stands, with RunError or RuntimeError where the
 /// source cannot be read; nothing is written then.

@@ -62,6 +62,7 @@ Json Options(const RasterJob& job) {
             {"format", job.format},
             {"co", job.options},
             {"quality", job.quality},
+            {"effort", static_cast<int>(job.effort)},
             {"converter", job.converter},
             {"bands", job.bands},
             {"values", job.values == Values::Stretch ? "stretch" : "refuse"},

@@ -16,11 +16,6 @@ namespace {
 
 constexpr std::int64_t kMostTilesOfARun = 100'000'000;
 
-bool IsSame(const raster::TileWindow& a, const raster::TileWindow& b) {
-    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom &&
-           a.columns == b.columns && a.rows == b.rows;
-}
-
 /// Of the first source; its file name's part before the extension.
 std::string SourceName(const RasterJob& job) {
     std::string name = FileNameOf(job.inputs.front());
@@ -101,7 +96,7 @@ raster::TileWindow TileAccount::WholeWindow(std::int64_t tile) const {
 }
 
 void TileAccount::Place(std::int64_t tile, const raster::TileWindow& window) {
-    if (!IsSame(window, WholeWindow(tile))) windows_[tile] = window;
+    if (window != WholeWindow(tile)) windows_[tile] = window;
 }
 
 void TileAccount::Publish(std::int64_t tile, const std::string& image, const MadeTile& made, WorkFolder& work,

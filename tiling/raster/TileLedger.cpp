@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "support/SystemPath.h"
+
 namespace orvo::tiling {
 namespace {
 
@@ -17,6 +19,20 @@ bool IsFor(const CellPlan::Cell& cell, const utility::Request& asked) {
 }
 
 }  // namespace
+
+std::string PlainReason(std::string reason, const std::string& target) {
+    for (const std::string& name : {target, SystemPath(target)}) {
+        for (std::size_t at = reason.find(name); !name.empty() && at != std::string::npos;
+             at = reason.find(name)) {
+            reason.replace(at, name.size(), "the tile");
+        }
+    }
+    for (char& c : reason) {
+        if (c == '\n' || c == '\r') c = ' ';
+    }
+    while (reason.ends_with(' ')) reason.pop_back();
+    return reason.empty() ? "no reason was given" : reason;
+}
 
 void TileLedger::AddEnvelope() {
     if (!running_) return;

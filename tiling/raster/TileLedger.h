@@ -14,6 +14,9 @@
 
 namespace orvo::tiling {
 
+/// A reason without the name of the file it is about, on one line: reasons of different tiles become equal.
+std::string PlainReason(std::string reason, const std::string& target);
+
 struct CellRecord {
     std::string tile;                  ///< the component's name of the file; empty where none was recorded
     std::vector<std::string> reasons;  ///< what went wrong, in order; also where the tile is there in the end

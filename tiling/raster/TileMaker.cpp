@@ -37,6 +37,8 @@ bool Succeeds(std::string& reason, Work&& work) {
     }
 }
 
+constexpr const char* kMissesLayer = "the window misses the layer";
+
 bool Holds16Bits(const std::string& extension) {
     return extension == "png";
 }
@@ -76,6 +78,40 @@ void RefuseProgram(gdal::RasterLayer& layer, const std::string& program) {
                          " bands" + remedy + ", or choose some with --bands");
 }
 
+/// The cells of one window for one conversion.
+class Conversion final : public IRasterIO {
+  public:
+    Conversion(TileMaker& maker, const raster::TileWindow& window, std::string tiff)
+        : maker_(maker), window_(window), tiff_(std::move(tiff)), files_(gdal::NewRasterIO()) {}
+
+    std::string ExportRasterWindow(IRasterLayer&, const std::string&, Integer, const IEnvelope&, Long, Long,
+                                   std::string&) override {
+        return {};
+    }
+    bool CutWindow(const std::string&, PixelWindow&, const std::string& tiffFile,
+                   std::string& reason) override {
+        if (!(window_.left < window_.right && window_.top < window_.bottom)) {
+            reason = kMissesLayer;
+            return false;
+        }
+        return Succeeds(reason, [&] { Write(tiffFile, std::exchange(tiff_, {})); });
+    }
+    std::optional<ImageLayout> LayoutOf(const std::string& file) override {
+        source_ = file;
+        return files_->LayoutOf(file);
+    }
+    std::string CheckImage(const std::string& file, Long width, Long height) override {
+        return maker_.Judge(*files_, source_, file, width, height);
+    }
+
+  private:
+    TileMaker& maker_;
+    raster::TileWindow window_;
+    std::string tiff_;
+    std::shared_ptr<IRasterIO> files_;
+    std::string source_;
+};
+
 }  // namespace
 
 TileMaker::TileMaker(std::shared_ptr<gdal::RasterLayer> layer, const RasterJob& job, const RasterGrid& grid)
@@ -85,6 +121,7 @@ TileMaker::TileMaker(std::shared_ptr<gdal::RasterLayer> layer, const RasterJob& 
     style.quality = job.quality;
     style.options = job.options;
     style.place = job.worldFiles;
+    style.effort = job.effort;
     if (job.range) style.range = gdal::Range{job.range->first, job.range->second};
     const auto make = [&](const gdal::TileStyle& wanted) {
         try {
@@ -161,9 +198,10 @@ std::string TileMaker::StretchSaid() {
     return StretchNotice(source_ ? *source_ : *writer_);
 }
 
-void TileMaker::Expect(const std::string& name, bool conversionFailed) {
+void TileMaker::Expect(const std::string& name, bool conversionFailed, Files ready) {
     expected_ = name;
     conversionFailed_ = conversionFailed;
+    ready_ = std::move(ready);
 }
 
 MadeTile TileMaker::Take(const std::string& path) {
@@ -182,10 +220,25 @@ void TileMaker::Rename(const std::string& from, const std::string& to) {
 }
 
 bool TileMaker::IsBlank(const raster::TileWindow& window) {
-    gdal::LayerEncoder& encoder = (writer_ ? *writer_ : *source_).Encoder();
-    bool blank = false;
-    encoder.Read(window, [&] { blank = encoder.Reader().IsBlank(window); });
-    return blank;
+    try {
+        return (writer_ ? *writer_ : *source_).IsBlank(window);
+    } catch (const RuntimeError&) {
+        return false;
+    }
+}
+
+TileMaker::Files TileMaker::Begin(const raster::TileWindow& window, const std::string& name) {
+    return [this, tile = writer_->Read(window, name)] { return writer_->Write(*tile); };
+}
+
+std::shared_ptr<IRasterIO> TileMaker::BeginConversion(const raster::TileWindow& window) {
+    return std::make_shared<Conversion>(*this, window, Source(window));
+}
+
+std::int64_t TileMaker::BytesOfPixel() const {
+    constexpr std::int64_t kPicture = 4;
+    const std::int64_t own = std::int64_t{GDALGetDataTypeSizeBytes(TypeOf(*layer_))} * layer_->BandCount();
+    return std::max(kPicture, own);
 }
 
 /// With a converter the first way is a TIFF, which is converted next; without one, or after a failed
@@ -199,9 +252,10 @@ std::string TileMaker::ExportRasterWindow(IRasterLayer& /*layer*/, const std::st
     const bool written = Succeeds(reason, [&] {
         MadeTile made{window, {}};
         if (asTiff) {
-            WriteSource(window, target);
+            Write(target, Source(window));
         } else {
-            made.others = writer_->Make(window, expected_ + "." + extension_);
+            const Files ready = std::exchange(ready_, {});
+            made.others = ready ? ready() : writer_->Make(window, expected_);
             Write(target, made.others.front().bytes);
             made.others.erase(made.others.begin());
         }
@@ -214,7 +268,7 @@ bool TileMaker::CutWindow(const std::string& /*sourceFile*/, PixelWindow& window
                           std::string& reason) {
     const raster::TileWindow pixels = block_->PixelsOf(window);
     if (!(pixels.left < pixels.right && pixels.top < pixels.bottom)) {
-        reason = "the window misses the layer";
+        reason = kMissesLayer;
         return false;
     }
     made_[kConverted] = {pixels, {}};
@@ -223,16 +277,12 @@ bool TileMaker::CutWindow(const std::string& /*sourceFile*/, PixelWindow& window
                             pixels.rows};
         return files_->CutWindow(job_.name, shifted, tiffFile, reason);
     }
-    return Succeeds(reason, [&] { WriteSource(pixels, tiffFile); });
+    return Succeeds(reason, [&] { Write(tiffFile, Source(pixels)); });
 }
 
-void TileMaker::WriteSource(const raster::TileWindow& window, const std::string& file) {
-    if (source_->Treats().picture) {
-        Write(file, source_->Make(window, "source.tif").front().bytes);
-        return;
-    }
-    const auto bytes = source_->Encoder().Encode(window, raster::ImageFormat::Tiff, job_.quality);
-    Write(file, std::string(bytes.begin(), bytes.end()));
+std::string TileMaker::Source(const raster::TileWindow& window) {
+    if (source_->Treats().picture) return source_->Make(window, "source.tif").front().bytes;
+    return source_->MakeTiff(window);
 }
 
 std::optional<ImageLayout> TileMaker::LayoutOf(const std::string& file) {
@@ -240,12 +290,17 @@ std::optional<ImageLayout> TileMaker::LayoutOf(const std::string& file) {
     return files_->LayoutOf(file);
 }
 
-/// Values are compared until a program has kept those of one tile.
 std::string TileMaker::CheckImage(const std::string& file, Long width, Long height) {
-    std::string reason = files_->CheckImage(file, width, height);
+    return Judge(*files_, lastSource_, file, width, height);
+}
+
+/// Values are compared until a program has kept those of one tile.
+std::string TileMaker::Judge(IRasterIO& files, const std::string& source, const std::string& file, Long width,
+                             Long height) {
+    std::string reason = files.CheckImage(file, width, height);
     if (!reason.empty() || verified_ || !HasNoLosses(raster::SplitName(file).extension)) return reason;
-    reason = gdal::DifferenceOfImages(SystemPath(lastSource_), SystemPath(file));
-    verified_ = reason.empty();
+    reason = gdal::DifferenceOfImages(SystemPath(source), SystemPath(file));
+    if (reason.empty()) verified_ = true;
     return reason;
 }
 

@@ -1,6 +1,7 @@
 // The images of a run's tiles: what the component's services write, block by block.
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
@@ -42,14 +43,32 @@ class TileMaker final : public IRasterIO {
 
     /// From now on the component asks for tiles of this block. It must outlive the calls.
     void Enter(const BlockLayer& block) { block_ = &block; }
+    /// What a tile's files were made of, or the failure of that.
+    using Files = std::function<std::vector<gdal::MadeFile>()>;
     /// The next export or conversion is for the tile of that name; a conversion of it may have failed.
-    void Expect(const std::string& name, bool conversionFailed);
+    /// @param ready gives the files of its export, where these were made ahead; else empty
+    void Expect(const std::string& name, bool conversionFailed, Files ready);
+    /// An image has come under a path in another way.
+    void Put(const std::string& path, const raster::TileWindow& window) { made_[path] = {window, {}}; }
     /// What stands under a path that a service has written; it is forgotten here.
     MadeTile Take(const std::string& path);
     /// The file under one path goes on under another.
     void Rename(const std::string& from, const std::string& to);
-    /// Whether a part of the layer shows nothing. Fails where the source cannot be read.
+
+    // From any thread:
+
+    /// Whether a part of the layer shows nothing. Where that cannot be read, it is not blank: who makes the
+    /// tile learns why.
     bool IsBlank(const raster::TileWindow& window);
+    /// Reads a tile; what it gives makes its files, once. Fails where the source cannot be read.
+    Files Begin(const raster::TileWindow& window, const std::string& name);
+    /// Reads what a converter gets; what it gives serves one conversion of that window. Fails likewise.
+    std::shared_ptr<IRasterIO> BeginConversion(const raster::TileWindow& window);
+    /// Why a converter's image is not the source's; empty where it is.
+    std::string Judge(IRasterIO& files, const std::string& source, const std::string& file, Long width,
+                      Long height);
+    /// As the tiles hold them, or the layer where a converter makes them.
+    std::int64_t BytesOfPixel() const;
 
     std::string ExportRasterWindow(IRasterLayer& layer, const std::string& targetFile, Integer quality,
                                    const IEnvelope& envelope, Long width, Long height,
@@ -68,7 +87,7 @@ class TileMaker final : public IRasterIO {
     void SetUpSource(const gdal::TileStyle& style,
                      const std::function<WriterPtr(const gdal::TileStyle&)>& make);
     void RefuseChanges(const gdal::Treatment& treatment);
-    void WriteSource(const raster::TileWindow& window, const std::string& file);
+    std::string Source(const raster::TileWindow& window);
 
     std::shared_ptr<gdal::RasterLayer> layer_;
     const RasterJob& job_;
@@ -77,11 +96,12 @@ class TileMaker final : public IRasterIO {
     WriterPtr source_;                  ///< of what a converter gets; null without one
     std::shared_ptr<IRasterIO> files_;  ///< images as files of their own
     bool needsPlace_ = true;
-    bool verified_ = false;  ///< the converter has kept the values of a tile
+    std::atomic<bool> verified_ = false;  ///< the converter has kept the values of a tile
     std::string lastSource_;
     const BlockLayer* block_ = nullptr;
     std::string expected_;
     bool conversionFailed_ = false;
+    Files ready_;
     std::map<std::string, MadeTile> made_;
 };
 

@@ -1,6 +1,7 @@
 #include "tiling/raster/TileService.h"
 
 #include "platform/RuntimeError.h"
+#include "platform/files/PartFile.h"
 #include "tiling/Paths.h"
 #include "tiling/output/Rectangles.h"
 
@@ -8,21 +9,49 @@ namespace orvo::tiling {
 
 TileService::Need TileService::NeedOf(const utility::Request& asked, const raster::TileWindow& window) {
     using State = TileAccount::State;
-    const std::int64_t tile = block_.tileOf(block_.ledger.IndexOf(asked));
-    maker_.Expect(FileNameOf(account_.StemOf(tile)), failed_ == tile);
+    const std::int64_t cell = block_.ledger.IndexOf(asked), tile = block_.tileOf(cell);
+    ready_.reset();
     if (account_.StateOf(tile) == State::Written) {
         account_.Place(tile, window);
         return Need::IsThere;
     }
     if (account_.StateOf(tile) == State::Blank) return Need::LeaveOut;
-    if (!skipBlank_) return Need::Make;
+    TileMaker::Files files;
     try {
-        if (!maker_.IsBlank(window)) return Need::Make;
-    } catch (const RuntimeError&) {
-        return Need::Make;  // which says why it cannot be read
+        if (auto ready = ahead_.Take(cell, window)) {
+            ready_ = std::make_shared<ReadyTile>(std::move(*ready));
+            files = [made = ready_] { return std::move(made->files); };
+        }
+    } catch (...) {  // told where the tile is made
+        files = [failure = std::current_exception()]() -> std::vector<gdal::MadeFile> {
+            std::rethrow_exception(failure);
+        };
     }
+    maker_.Expect(FileNameOf(account_.NameOf(tile)), failed_ == tile, std::move(files));
+    if (!IsBlank(window)) return Need::Make;
     account_.Set(tile, State::Blank);
     return Need::LeaveOut;
+}
+
+bool TileService::IsBlank(const raster::TileWindow& window) const {
+    return ready_ ? ready_->blank : skipBlank_ && maker_.IsBlank(window);
+}
+
+/// An image that was converted ahead, or the failure of that.
+bool TileService::TakeConverted(const utility::Request& asked, std::string& targetFile) {
+    const std::string target = targetFile + "." + maker_.WrittenExtension();
+    if (ready_->reason.empty()) {
+        if (const auto failed = files::MoveNew(ready_->path, target)) ready_->reason = failed.message();
+    }
+    if (!ready_->reason.empty()) {
+        block_.ledger.AddFailure(asked, ready_->reason);
+        failed_ = block_.tileOf(block_.ledger.IndexOf(asked));
+        return false;
+    }
+    block_.ledger.AddImage({target, asked, ready_->converted, {}});
+    maker_.Put(target, ready_->window);
+    targetFile = target;
+    return true;
 }
 
 std::string TileService::ExportRasterWindow(const std::shared_ptr<IRasterLayer>& layer,
@@ -57,6 +86,7 @@ bool TileService::ConvertExtern(const std::string& program, const std::string& s
             case Need::LeaveOut:
                 return false;
             case Need::Make:
+                if (ready_) return TakeConverted(asked, targetFile);
                 break;
         }
     }

@@ -1,24 +1,14 @@
 // What the component asks for tile by tile, and what it need not be given.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "platform/Utility.h"
-#include "tiling/raster/TileAccount.h"
-#include "tiling/raster/TileLedger.h"
+#include "tiling/raster/TilesAhead.h"
 
 namespace orvo::tiling {
-
-/// A block in the making: cells counted from 0 on are these tiles of the run.
-struct BlockInWork {
-    BlockLayer& layer;
-    TileLedger& ledger;
-    /// The run's number of a cell.
-    std::function<std::int64_t(std::int64_t cell)> tileOf;
-};
 
 /// Names in a folder that belongs to one run: none is given twice, so none has to be marked on the disk.
 class OwnNames final : public IUtilTools {
@@ -38,14 +28,19 @@ class OwnNames final : public IUtilTools {
     std::int64_t& counter_;
 };
 
-/// Export and conversion as the utility library does them, but for tiles that are there from an earlier run
-/// and tiles that are blank and to be left out.
+/// Export and conversion as the utility library does them, but for tiles that are there from an earlier run,
+/// tiles that are blank and to be left out, and tiles that were made ahead.
 class TileService final : public IRasterConvert {
   public:
     /// All but the inner service must outlive this object.
     TileService(std::shared_ptr<IRasterConvert> inner, const BlockInWork& block, TileMaker& maker,
-                TileAccount& account, bool skipBlank)
-        : inner_(std::move(inner)), block_(block), maker_(maker), account_(account), skipBlank_(skipBlank) {}
+                TileAccount& account, TilesAhead& ahead, bool skipBlank)
+        : inner_(std::move(inner)),
+          block_(block),
+          maker_(maker),
+          account_(account),
+          ahead_(ahead),
+          skipBlank_(skipBlank) {}
 
     std::string ExportRasterWindow(const std::shared_ptr<IRasterLayer>& layer, const std::string& targetFile,
                                    Integer quality, const std::shared_ptr<void>& reserved,
@@ -57,13 +52,17 @@ class TileService final : public IRasterConvert {
   private:
     enum class Need { Make, IsThere, LeaveOut };
     Need NeedOf(const utility::Request& asked, const raster::TileWindow& window);
+    bool IsBlank(const raster::TileWindow& window) const;
+    bool TakeConverted(const utility::Request& asked, std::string& targetFile);
 
     std::shared_ptr<IRasterConvert> inner_;
     const BlockInWork& block_;
     TileMaker& maker_;
     TileAccount& account_;
+    TilesAhead& ahead_;
     bool skipBlank_;
-    std::int64_t failed_ = -1;  ///< the tile whose conversion failed last
+    std::shared_ptr<ReadyTile> ready_;  ///< made ahead, of the tile that is asked for
+    std::int64_t failed_ = -1;          ///< the tile whose conversion failed last
 };
 
 }  // namespace orvo::tiling

@@ -1,0 +1,147 @@
+// Results worked out on several threads before somebody asks for them.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace orvo::tiling {
+
+/// Works on indexes from 0 on in two steps. The first is made for one index after the other, by one thread at
+/// a time, as for reading a source in its order; the second, which the first gives, by any thread.
+template <class Result>
+class Ahead {
+  public:
+    /// The second step. Empty where an index has no result ahead of time.
+    using Finish = std::function<Result()>;
+
+    /// @param count of the indexes @param threads 0 for nothing ahead of time; fewer where the system gives
+    /// no more @param most results that are worked out or wait, at least 1
+    /// @param begin must live as long as this object; what it refers to, too
+    Ahead(std::int64_t count, int threads, int most, std::function<Finish(std::int64_t)> begin)
+        : count_(count), begin_(std::move(begin)), slots_(static_cast<std::size_t>(most)) {
+        threads_.reserve(static_cast<std::size_t>(threads));
+        try {
+            while (static_cast<int>(threads_.size()) < threads) threads_.emplace_back([this] { Work(); });
+        } catch (const std::system_error&) {  // then fewer do it
+        }
+    }
+    /// Waits for the steps that are being made.
+    ~Ahead() {
+        Stop();
+        for (std::thread& thread : threads_) thread.join();
+    }
+    Ahead(const Ahead&) = delete;
+    Ahead& operator=(const Ahead&) = delete;
+
+    /// What was worked out for an index, once; what lies before it is given up. Waits where it is being
+    /// worked out. Nothing where it was asked for before, has no result ahead of time, or `interrupted` holds
+    /// meanwhile. Fails as a step of it failed.
+    std::optional<Result> Take(std::int64_t index, const std::function<bool()>& interrupted) {
+        constexpr auto kPause = std::chrono::milliseconds(50);
+        std::unique_lock lock(mutex_);
+        if (threads_.empty() || index < first_ || index >= count_) return std::nullopt;
+        first_ = index;
+        next_ = std::max(next_, index);
+        changed_.notify_all();
+        Slot& slot = SlotOf(index);
+        while (slot.index != index || !slot.done) {
+            if (changed_.wait_for(lock, kPause) == std::cv_status::timeout && interrupted()) {
+                Stop(lock);
+                return std::nullopt;
+            }
+        }
+        ++first_;
+        changed_.notify_all();
+        if (const std::exception_ptr failure = std::exchange(slot.failure, nullptr))
+            std::rethrow_exception(failure);
+        return std::exchange(slot.result, std::nullopt);
+    }
+
+    /// Whether steps should come to an end, for what is made is given up.
+    bool IsStopped() const { return stopped_; }
+
+  private:
+    struct Slot {
+        std::int64_t index = -1;
+        bool done = false;
+        std::optional<Result> result;
+        std::exception_ptr failure;
+    };
+
+    Slot& SlotOf(std::int64_t index) { return slots_[static_cast<std::size_t>(index) % slots_.size()]; }
+    void Stop() {
+        const std::unique_lock lock(mutex_);
+        Stop(lock);
+    }
+    void Stop(const std::unique_lock<std::mutex>& /*held*/) {
+        stopped_ = true;
+        changed_.notify_all();
+    }
+
+    /// The next index once there is room for its result; −1 at the end. Nothing here allocates memory.
+    std::int64_t Next() {
+        std::unique_lock lock(mutex_);
+        const auto most = static_cast<std::int64_t>(slots_.size());
+        changed_.wait(lock, [&] { return stopped_ || next_ >= count_ || next_ < first_ + most; });
+        if (stopped_ || next_ >= count_) return -1;
+        Slot& slot = SlotOf(next_);
+        slot.index = next_;
+        slot.done = false;
+        slot.result.reset();
+        slot.failure = nullptr;
+        return next_++;
+    }
+
+    void Work() {
+        for (;;) {
+            std::unique_lock turn(turn_);
+            const std::int64_t index = Next();
+            if (index < 0) return;
+            std::optional<Result> result;
+            std::exception_ptr failure;
+            try {
+                const Finish finish = begin_(index);
+                turn.unlock();
+                if (finish) result.emplace(finish());
+            } catch (...) {
+                failure = std::current_exception();
+            }
+            if (turn.owns_lock()) turn.unlock();
+            const std::lock_guard lock(mutex_);
+            Slot& slot = SlotOf(index);
+            if (slot.index != index) continue;  // it was given up
+            slot.result = std::move(result);
+            slot.failure = failure;
+            slot.done = true;
+            changed_.notify_all();
+        }
+    }
+
+    const std::int64_t count_;
+    const std::function<Finish(std::int64_t)> begin_;
+    std::mutex turn_;   ///< to begin
+    std::mutex mutex_;  ///< of what follows
+    std::condition_variable changed_;
+    std::vector<Slot> slots_;  ///< an index has the one of its remainder
+    std::int64_t first_ = 0;   ///< that may still be asked for
+    std::int64_t next_ = 0;    ///< to begin
+    std::atomic<bool> stopped_ = false;
+    std::vector<std::thread> threads_;
+};
+
+/// The threads that a job gets: as many as were asked for, or one for each core that this process may use.
+inline int ThreadsOf(int jobs) {
+    return jobs > 0 ? jobs : std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+}
+
+}  // namespace orvo::tiling
