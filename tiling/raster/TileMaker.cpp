@@ -198,10 +198,11 @@ std::string TileMaker::StretchSaid() {
     return StretchNotice(source_ ? *source_ : *writer_);
 }
 
-void TileMaker::Expect(const std::string& name, bool conversionFailed, Files ready) {
+void TileMaker::Expect(const std::string& name, bool conversionFailed, Files ready, bool converted) {
     expected_ = name;
     conversionFailed_ = conversionFailed;
     ready_ = std::move(ready);
+    converted_ = converted;
 }
 
 MadeTile TileMaker::Take(const std::string& path) {
@@ -252,7 +253,7 @@ std::string TileMaker::ExportRasterWindow(IRasterLayer& /*layer*/, const std::st
     const bool written = Succeeds(reason, [&] {
         MadeTile made{window, {}};
         if (asTiff) {
-            Write(target, Source(window));
+            Write(target, converted_ ? "" : Source(window));
         } else {
             const Files ready = std::exchange(ready_, {});
             made.others = ready ? ready() : writer_->Make(window, expected_);

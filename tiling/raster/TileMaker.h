@@ -47,7 +47,8 @@ class TileMaker final : public IRasterIO {
     using Files = std::function<std::vector<gdal::MadeFile>()>;
     /// The next export or conversion is for the tile of that name; a conversion of it may have failed.
     /// @param ready gives the files of its export, where these were made ahead; else empty
-    void Expect(const std::string& name, bool conversionFailed, Files ready);
+    /// @param converted whether its conversion is there: then an export is an empty file that stands for it
+    void Expect(const std::string& name, bool conversionFailed, Files ready, bool converted);
     /// An image has come under a path in another way.
     void Put(const std::string& path, const raster::TileWindow& window) { made_[path] = {window, {}}; }
     /// What stands under a path that a service has written; it is forgotten here.
@@ -101,6 +102,7 @@ class TileMaker final : public IRasterIO {
     const BlockLayer* block_ = nullptr;
     std::string expected_;
     bool conversionFailed_ = false;
+    bool converted_ = false;
     Files ready_;
     std::map<std::string, MadeTile> made_;
 };

@@ -27,7 +27,8 @@ TileService::Need TileService::NeedOf(const utility::Request& asked, const raste
             std::rethrow_exception(failure);
         };
     }
-    maker_.Expect(FileNameOf(account_.NameOf(tile)), failed_ == tile, std::move(files));
+    const bool converted = ready_ && !ready_->path.empty() && ready_->reason.empty();
+    maker_.Expect(FileNameOf(account_.NameOf(tile)), failed_ == tile, std::move(files), converted);
     if (!IsBlank(window)) return Need::Make;
     account_.Set(tile, State::Blank);
     return Need::LeaveOut;
@@ -38,19 +39,17 @@ bool TileService::IsBlank(const raster::TileWindow& window) const {
 }
 
 /// An image that was converted ahead, or the failure of that.
-bool TileService::TakeConverted(const utility::Request& asked, std::string& targetFile) {
-    const std::string target = targetFile + "." + maker_.WrittenExtension();
-    if (ready_->reason.empty()) {
-        if (const auto failed = files::MoveNew(ready_->path, target)) ready_->reason = failed.message();
+bool TileService::TakeConverted(ReadyTile ready, const utility::Request& asked, const std::string& target) {
+    if (ready.reason.empty()) {
+        if (const auto failed = files::MoveNew(ready.path, target)) ready.reason = failed.message();
     }
-    if (!ready_->reason.empty()) {
-        block_.ledger.AddFailure(asked, ready_->reason);
+    if (!ready.reason.empty()) {
+        block_.ledger.AddFailure(asked, ready.reason);
         failed_ = block_.tileOf(block_.ledger.IndexOf(asked));
         return false;
     }
-    block_.ledger.AddImage({target, asked, ready_->converted, {}});
-    maker_.Put(target, ready_->window);
-    targetFile = target;
+    block_.ledger.AddImage({target, asked, ready.converted, {}});
+    maker_.Put(target, ready.window);
     return true;
 }
 
@@ -70,7 +69,10 @@ std::string TileService::ExportRasterWindow(const std::shared_ptr<IRasterLayer>&
         case Need::Make:
             break;
     }
-    return inner_->ExportRasterWindow(layer, targetFile, quality, reserved, envelope, width, height);
+    const std::string path =
+        inner_->ExportRasterWindow(layer, targetFile, quality, reserved, envelope, width, height);
+    if (ready_ && !ready_->path.empty() && !path.empty()) ahead_.Keep(path, std::move(*ready_));
+    return path;
 }
 
 bool TileService::ConvertExtern(const std::string& program, const std::string& sourceFile,
@@ -86,12 +88,18 @@ bool TileService::ConvertExtern(const std::string& program, const std::string& s
             case Need::LeaveOut:
                 return false;
             case Need::Make:
-                if (ready_) return TakeConverted(asked, targetFile);
                 break;
         }
     }
     // A window's target comes without extension.
     std::string target = targetFile + (window != nullptr ? "." + maker_.WrittenExtension() : "");
+    std::optional<ReadyTile> ready = window == nullptr ? ahead_.TakeKept(sourceFile) : std::nullopt;
+    if (window != nullptr && ready_) ready = std::move(*ready_);
+    if (ready) {
+        const bool converted = TakeConverted(std::move(*ready), asked, target);
+        if (converted) targetFile = std::move(target);
+        return converted;
+    }
     if (inner_->ConvertExtern(program, sourceFile, target, quality, window, wait)) {
         maker_.Rename(window != nullptr ? TileMaker::kConverted : sourceFile, target);
         targetFile = std::move(target);

@@ -53,7 +53,7 @@ class TileService final : public IRasterConvert {
     enum class Need { Make, IsThere, LeaveOut };
     Need NeedOf(const utility::Request& asked, const raster::TileWindow& window);
     bool IsBlank(const raster::TileWindow& window) const;
-    bool TakeConverted(const utility::Request& asked, std::string& targetFile);
+    bool TakeConverted(ReadyTile ready, const utility::Request& asked, const std::string& target);
 
     std::shared_ptr<IRasterConvert> inner_;
     const BlockInWork& block_;

@@ -57,6 +57,10 @@ std::optional<ReadyTile> TilesAhead::Take(std::int64_t cell, const raster::TileW
     return ready && ready->window == window ? std::move(ready) : std::nullopt;
 }
 
+std::optional<ReadyTile> TilesAhead::TakeKept(const std::string& exported) {
+    return kept_.first == exported ? std::exchange(kept_.second, std::nullopt) : std::nullopt;
+}
+
 TilesAhead::Finish TilesAhead::Begin(std::int64_t cell) {
     const std::string& name = names_[static_cast<std::size_t>(cell)];
     if (name.empty()) return {};

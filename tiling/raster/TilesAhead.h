@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tiling/Ahead.h"
@@ -41,6 +42,10 @@ class TilesAhead {
     /// before. Fails as the making failed.
     std::optional<ReadyTile> Take(std::int64_t cell, const raster::TileWindow& window);
 
+    /// A conversion that comes to an exported file which the component will give to the converter.
+    void Keep(const std::string& exported, ReadyTile tile) { kept_ = {exported, std::move(tile)}; }
+    std::optional<ReadyTile> TakeKept(const std::string& exported);
+
   private:
     using Finish = Ahead<ReadyTile>::Finish;
     Finish Begin(std::int64_t cell);
@@ -52,6 +57,7 @@ class TilesAhead {
     const RasterJob& job_;
     const Callbacks& callbacks_;
     std::string source_, folder_;
+    std::pair<std::string, std::optional<ReadyTile>> kept_;
     std::vector<std::string> names_;  ///< of the tiles' files by cell; empty where none is made
     Ahead<ReadyTile> ahead_;          ///< last, for its threads use all else
 };
