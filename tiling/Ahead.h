@@ -25,7 +25,7 @@ class Ahead {
     using Finish = std::function<Result()>;
 
     /// @param count of the indexes @param threads 0 for nothing ahead of time; fewer where the system gives
-    /// no more @param most results that are worked out or wait, at least 1
+    /// no more @param most how far it is ahead of what was asked for, at least 1
     /// @param begin must live as long as this object; what it refers to, too
     Ahead(std::int64_t count, int threads, int most, std::function<Finish(std::int64_t)> begin)
         : count_(count), begin_(std::move(begin)), slots_(static_cast<std::size_t>(most)) {
@@ -49,7 +49,7 @@ class Ahead {
     std::optional<Result> Take(std::int64_t index, const std::function<bool()>& interrupted) {
         constexpr auto kPause = std::chrono::milliseconds(50);
         std::unique_lock lock(mutex_);
-        if (threads_.empty() || index < first_ || index >= count_) return std::nullopt;
+        if (threads_.empty() || stopped_ || index < first_ || index >= count_) return std::nullopt;
         first_ = index;
         next_ = std::max(next_, index);
         changed_.notify_all();

@@ -27,7 +27,7 @@ using SteadyClock = std::chrono::steady_clock;
 
 constexpr std::size_t kMostBytes = 4096;
 constexpr std::size_t kMostLines = 20;
-constexpr auto kGrace = std::chrono::seconds(2);  // between SIGTERM and SIGKILL
+constexpr auto kGrace = std::chrono::seconds(1);  // between SIGTERM and SIGKILL
 constexpr int kWatchPause = 50;                   // ms between two looks at the interruption
 constexpr int kPollPause = 5;                     // the same where the kernel does not report a program's end
 

@@ -9,7 +9,7 @@ namespace orvo::posix {
 
 /// The program runs in a process group of its own, with no open files but /dev/null and the pipe that
 /// collects its output. Of that the last 20 lines and 4096 bytes are kept. An interrupted program's group is
-/// asked to end by SIGTERM and killed after 2 seconds. What the program left running in the background is not
+/// asked to end by SIGTERM and killed after 1 second. What the program left running in the background is not
 /// waited for.
 class ProcessRunner final : public IProcessRunner {
   public:
