@@ -216,8 +216,8 @@ std::shared_ptr<TileInWork> TileWriter::NewTile(const std::string& name) {
 }
 
 std::shared_ptr<TileInWork> TileWriter::Read(const TileWindow& window, const std::string& name) {
-    std::shared_ptr<TileInWork> tile = NewTile(name);
     const std::lock_guard lock(reading_);
+    const std::shared_ptr<TileInWork> tile = NewTile(name);
     encoder_.Read(window, [&] {
         if (known_) {
             encoder_.ReadPicture(window, known_, tile->pixels);
@@ -228,6 +228,7 @@ std::shared_ptr<TileInWork> TileWriter::Read(const TileWindow& window, const std
         // used by one thread at a time.
         if (inMemory_ && (treatment_.picture || IsReadAtOnce(window))) return;
         tile->made = FilesOf(*tile->image, name);
+        tile->image.reset();  // a virtual part lets go of the source's blocks
     });
     return tile;
 }
