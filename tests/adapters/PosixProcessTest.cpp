@@ -76,7 +76,7 @@ TEST_F(PosixProcess, KillsAProgramThatDoesNotListen) {
         "trap '' TERM; (while :; do sleep 0.1; touch alive; done) & while :; do sleep 0.1; done";
     const auto result = runner.Run("/bin/sh", {"-c", deaf}, folder.Path(), soon);
     EXPECT_EQ(result.signal, SIGKILL);
-    EXPECT_THAT(SecondsSinceStart(), testing::AllOf(testing::Gt(2), testing::Lt(10)));
+    EXPECT_THAT(SecondsSinceStart(), testing::AllOf(testing::Gt(1), testing::Lt(10)));
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     std::filesystem::remove(folder / "alive");
     std::this_thread::sleep_for(std::chrono::milliseconds(400));

@@ -11,7 +11,9 @@ import resource
 import shutil
 import signal
 import struct
+import subprocess
 import sys
+import time
 import unittest
 
 from osgeo import gdal, ogr, osr
@@ -598,6 +600,16 @@ class FaultsTest(RasterTest):
             self.assertGreater(summary["tiles"]["not_reached"], 50)
             self.assertEqual(summary["tiles"]["failed"], 0)
             self.assertEqual(self.names(out), set(self.index_of(summary)) | {"tiles.geojson", "job.json"})
+        # Converters that hang and do not listen are killed; all of them, soon.
+        deaf = self.script("deaf", f'trap "" TERM; echo >> "{self.folder}/hung"; while :; do sleep 0.1; done')
+        process = self.start("raster", self.source, "hung.out", "--tile-size", "4", "--converter", deaf, "--jobs", "4")
+        since = []
+        ready = lambda: os.path.exists(self.path("hung")) and len(self.read("hung")) >= 4 and (since.append(
+            time.monotonic()) or True)
+        summary = self.interrupt(process, ready)
+        self.assertLess(time.monotonic() - since[0], 2.5)
+        self.assertEqual((summary["tiles"]["written"], os.path.exists(self.path("hung.out"))), (0, False))
+        self.assertEqual(subprocess.run(["pgrep", "-f", deaf], stdout=subprocess.DEVNULL).returncode, 1)
 
     def test_a_converter_that_fails(self):
         refuse = self.script("refuse", "echo no licence >&2; exit 3")

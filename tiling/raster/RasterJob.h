@@ -54,7 +54,7 @@ struct RasterJob {
 /// Cuts the layer, writes the index and what else the job asks for, and accounts for each tile. Failures are
 /// shown by the installed platform's desktop, whose answers decide how the run goes on. Not for use from
 /// several threads: the component has one dialog and no locks. Its own threads read, encode and convert ahead
-/// of the component; up to 32 MB of pixels wait so, or one tile where a tile is larger.
+/// of the component; up to 16 MB of pixels wait so, or one tile where a tile is larger.
 ///
 /// Fails with UsageError where the job cannot be done as it stands, with RunError or RuntimeError where the
 /// source cannot be read; nothing is written then.

@@ -12,7 +12,7 @@ namespace orvo::tiling {
 namespace {
 
 /// Pixels that wait in tiles, as if these were not compressed.
-constexpr std::int64_t kMostBytes = 32 << 20;
+constexpr std::int64_t kMostBytes = 16 << 20;
 constexpr std::int64_t kMostTiles = 64;
 
 int TilesThatWait(const RasterJob& job, const BlockLayer& block, const TileMaker& maker) {
