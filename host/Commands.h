@@ -16,6 +16,7 @@ struct Command {
 };
 
 Command AddRaster(CLI::App& application);
+Command AddMerge(CLI::App& application);
 Command AddVector(CLI::App& application);
 Command AddLocate(CLI::App& application);
 Command AddErrorDemo(CLI::App& application);

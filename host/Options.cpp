@@ -173,6 +173,11 @@ void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite, 
     AddValue(command, "--jobs", jobs, ParseJobs, "Threads that work on tiles (default: one for each core)")
         ->type_name("N");
     command.add_flag("--overwrite", overwrite, "Remove the files of an earlier run from OUTDIR first");
+    AddNarration(command, options);
+    AddDialogOptions(command, options);
+}
+
+void AddNarration(CLI::App& command, SessionOptions& options) {
     AddChoice<ProgressMode>(
         command, "--progress", options.progress,
         {{"auto", ProgressMode::Auto},
@@ -181,7 +186,23 @@ void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite, 
          {"none", ProgressMode::None}},
         "On standard error; auto draws a bar on a terminal, json gives one object per line");
     command.add_flag("-q,--quiet", options.quiet, "Say nothing on standard error but errors");
-    AddDialogOptions(command, options);
+}
+
+namespace {
+
+std::vector<std::string>& Words() {
+    static std::vector<std::string> words;
+    return words;
+}
+
+}  // namespace
+
+void KeepCommandLine(int count, char** values) {
+    Words().assign(values, values + count);
+}
+
+const std::vector<std::string>& CommandLine() {
+    return Words();
 }
 
 void AddHelp(CLI::App& command) {

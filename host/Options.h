@@ -94,6 +94,12 @@ std::string ProgramName();
 
 /// --language, --on-error and --dialog, in a group of their own.
 void AddDialogOptions(CLI::App& command, SessionOptions& options);
+/// The words that this process was started with.
+void KeepCommandLine(int count, char** values);
+const std::vector<std::string>& CommandLine();
+
+/// --progress and --quiet, in the group that was begun.
+void AddNarration(CLI::App& command, SessionOptions& options);
 /// --jobs, --overwrite, --progress and --quiet in a group, then the dialog's.
 void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite, int& jobs);
 /// --help, last of all.

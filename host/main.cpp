@@ -66,6 +66,7 @@ int Run(const std::vector<Command>& commands) {
 }
 
 int Main(int count, char** values) {
+    KeepCommandLine(count, values);
     CLI::App application{"Cuts raster and vector layers into georeferenced tiles.", "orvo-tile"};
     const auto format = std::make_shared<HelpFormat>();
     format->label("Positionals", "Arguments");
@@ -74,7 +75,7 @@ int Main(int count, char** values) {
     application.require_subcommand(1);
     application.footer(kFooter);
     application.fallthrough(false);
-    const std::vector<Command> commands{AddRaster(application), AddVector(application),
+    const std::vector<Command> commands{AddRaster(application), AddMerge(application), AddVector(application),
                                         AddLocate(application), AddErrorDemo(application)};
     for (const Command& command : commands) {
         AddHelp(*command.app);

@@ -8,6 +8,7 @@ packages_of() {
     case $1 in
         build) echo "$build" ;;
         test) echo "$build $tools libgtest-dev libgmock-dev" ;;
+        engines) echo "parallel slurmctld slurmd slurm-client munge" ;;
         bench) echo "$build $tools libbenchmark-dev" ;;
         demo) echo "$build imagemagick ca-certificates" ;;
         windows) echo "cmake ninja-build python3 python3-gdal googletest wine wine64 g++-mingw-w64-x86-64-posix mingw-w64-tools" ;;

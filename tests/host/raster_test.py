@@ -101,6 +101,21 @@ class RasterTest(HostTest):
                     found[os.path.relpath(os.path.join(base, name), folder)] = name == "job.json" or file.read()
         return found
 
+    def write_model(self, name, columns, rows, kind=gdal.GDT_Float32):
+        """Heights in degrees with all that a band can say of itself, and without data in the first 30 x 30 cells."""
+        system = osr.SpatialReference()
+        system.ImportFromEPSG(4326)
+        made = gdal.GetDriverByName("GTiff").Create(self.path(name), columns, rows, 1, kind)
+        made.SetGeoTransform([7, 1 / 3600, 0, 47, 0, -1 / 3600])
+        made.SetSpatialRef(system)
+        band = made.GetRasterBand(1)
+        for setting, value in (("NoDataValue", -9999), ("Scale", 0.1), ("Offset", 3.5), ("Description", "height")):
+            getattr(band, "Set" + setting)(value)
+        for y in range(rows):
+            values = [-9999 if x < 30 and y < 30 else x / 3 + y * 17.3 for x in range(columns)]
+            band.WriteRaster(0, y, columns, 1, struct.pack(f"{columns}d", *values), buf_type=gdal.GDT_Float64)
+        return self.path(name)
+
     def script(self, name, text):
         path = self.write(name, "#!/bin/sh\n" + text)
         os.chmod(path, 0o755)
@@ -207,21 +222,6 @@ class TilesTest(RasterTest):
                 for band, chosen in ((1, 5), (2, 3), (3, 1)):
                     self.assertEqual(tile.GetRasterBand(band).ReadRaster(),
                                      five.GetRasterBand(chosen).ReadRaster(10, 0, 10, 10))
-
-    def write_model(self, name, columns, rows, kind=gdal.GDT_Float32):
-        """Heights in degrees with all that a band can say of itself, and without data in the first 30 x 30 cells."""
-        system = osr.SpatialReference()
-        system.ImportFromEPSG(4326)
-        made = gdal.GetDriverByName("GTiff").Create(self.path(name), columns, rows, 1, kind)
-        made.SetGeoTransform([7, 1 / 3600, 0, 47, 0, -1 / 3600])
-        made.SetSpatialRef(system)
-        band = made.GetRasterBand(1)
-        for setting, value in (("NoDataValue", -9999), ("Scale", 0.1), ("Offset", 3.5), ("Description", "height")):
-            getattr(band, "Set" + setting)(value)
-        for y in range(rows):
-            values = [-9999 if x < 30 and y < 30 else x / 3 + y * 17.3 for x in range(columns)]
-            band.WriteRaster(0, y, columns, 1, struct.pack(f"{columns}d", *values), buf_type=gdal.GDT_Float64)
-        return self.path(name)
 
     def test_values_are_kept_or_the_change_is_told(self):
         model = self.write_model("model.tif", 75, 61)
@@ -570,6 +570,48 @@ class FolderTest(RasterTest):
                     os.remove(self.path("out", "mine.txt"))
                     found = self.contents(self.path("out"))
                     self.assertEqual(found, whole)
+
+    def test_parts_are_merged_into_what_one_run_makes(self):
+        write_raster(self.path("map.tif"), 110, 80)
+        self.write_model("model.tif", 110, 80)
+        cases = [["map.tif", "--format", "jpg", "--tile-names", "{row}/{column}", "--preview", "--vrt"],
+                 ["model.tif", "--skip-blank", "--clip", 7.002, 46.98, 7.025, 46.9977, "--world-files"],
+                 ["model.tif", "--skip-blank", "--format", "tif", "--vrt", "--preview"]]
+        for number, (source, *options) in enumerate(cases):
+            whole, out = f"whole{number}", f"parts{number}"
+            job = ["raster", source, out, "--tile-pixels", 10, "-q", *options]
+            one = self.cut(source, whole, "--tile-pixels", 10, *options)
+            self.assertEqual(self.run_tile("merge", out).returncode, 2)
+            running = [self.start(*map(str, job), "--part", f"{part}/4") for part in (4, 2)]
+            self.assertEqual([process.wait(60) for process in running], [0, 0])
+            for process in running:
+                process.communicate()
+            self.assertEqual(self.run_tile(*job, "--part", "2/4").returncode, 0)  # once more
+            other = self.run_tile(*job, "--part", "1/4", "--quality", 7)
+            self.assertEqual((other.returncode, "quality was 75 and is 7" in other.stderr), (2, True), other.stderr)
+            # The message names what is missing; a shell makes it.
+            for commands, found in ((2, "parts are missing"), (1, "tiles are missing")):
+                merge = self.run_tile("merge", out)
+                self.assertEqual((merge.returncode, found in merge.stderr), (1, True), merge.stderr)
+                named = re.findall(r" by (.+?)(?=; part|; \d+ tile|$)", merge.stderr.strip())
+                self.assertEqual(len(named), commands, merge.stderr)
+                for command in named:
+                    subprocess.run(command, shell=True, check=True, cwd=self.folder, stdout=subprocess.DEVNULL)
+                if commands == 2:
+                    tile = next(iter(json.loads(self.read(f"{out}/part-3-of-4.json"))["tiles"]))[0]
+                    os.remove(self.path(out, tile))
+            merged = json.loads(self.run_tile("merge", out).stdout)
+            self.check(merged)
+            self.assertEqual(merged["tiles"], one["tiles"])
+            self.assertEqual(self.contents(self.path(out)), self.contents(self.path(whole)))
+            self.assertEqual(self.run_tile("merge", out).returncode, 1)
+        # What is left of parts goes with --overwrite; a part does not touch a run that is finished.
+        self.assertEqual(self.run_tile(*job, "--part", "1/4").returncode, 2)
+        shutil.rmtree(self.path(out))
+        self.run_tile(*job, "--part", "3/4")
+        os.mkdir(self.path(out, ".orvo-tile-run-1-of-4"))
+        summary = self.cut("map.png", out, "--tile-size", 20, "--overwrite")
+        self.assertEqual(self.names(out), set(self.index_of(summary)) | {"tiles.geojson", "job.json"})
 
     def test_failures_are_made_up_for_by_resume(self):
         slow = self.script("cut", 'cp "$1" "$2"')

@@ -71,37 +71,19 @@ std::string StemOf(const std::string& name) {
     return name.substr(0, name.rfind('.'));
 }
 
-/// Reads a file of ours, which says so. Fails with UsageError.
-Json ReadOurs(const fs::path& path) {
-    try {
-        if (!fs::is_regular_file(fs::symlink_status(path)))
-            throw std::runtime_error("it is not a regular file");
-        std::ifstream file(path, std::ios::binary);
-        Json content = Json::parse(file);
-        if (content.at("generator") != kGenerator) throw std::runtime_error("another program wrote it");
-        return content;
-    } catch (const std::exception& error) {
-        throw UsageError("\"" + path.string() + "\" is no file that --overwrite or --resume may take up (" +
-                         error.what() + "); move it away, or name another OUTDIR");
-    }
-}
-
 class Reader {
   public:
-    explicit Reader(std::string folder) : folder_(std::move(folder)) {}
+    Reader(std::string folder, const PartNumber& part) : folder_(std::move(folder)), part_(part) {}
 
     EarlierRun Read() {
         std::error_code missing;
         const fs::path job = fs::path(folder_) / kJobFile;
-        if (fs::exists(fs::symlink_status(job, missing))) run_.job = ReadOurs(job);
+        if (fs::exists(fs::symlink_status(job, missing))) run_.job = ReadOurs(job.string());
         SetNames();
-        FindIndexes();
+        FindFiles();
         for (const std::string& index : run_.indexes) AddIndex(index);
-        for (const WorkFolder::Entry& entry : WorkFolder::Noted(folder_)) {
-            AddTile(entry.front(), "the journal in \"" + folder_ + "\"");
-            for (std::size_t i = 1; i < entry.size(); ++i)
-                AddCompanion(entry[i], "the journal in \"" + folder_ + "\"");
-        }
+        for (const std::string& record : run_.records) AddRecord(record);
+        for (const std::string& name : workFolders_) AddEntries(WorkFolder::Noted(folder_, name), name);
         return std::move(run_);
     }
 
@@ -113,13 +95,39 @@ class Reader {
         named_ = NamesLike(names.value("pattern", kUsualTileNames), names.value("source", ""));
     }
 
-    void FindIndexes() {
+    void FindFiles() {
         std::error_code missing;
         for (const auto& entry : fs::directory_iterator(folder_, missing)) {
             std::string name = entry.path().filename().string();
-            if (IsIndexName(name)) run_.indexes.push_back(std::move(name));
+            if (IsIndexName(name)) run_.indexes.push_back(name);
+            const std::optional<PartNumber> record = PartOfRecord(name);
+            if (record && (part_.parts == 0 || *record == part_)) run_.records.push_back(name);
+            const bool works = part_.parts == 0 ? IsWorkFolderName(name) : name == WorkFolderName(part_);
+            if (works) workFolders_.push_back(name);
         }
         std::ranges::sort(run_.indexes);
+        std::ranges::sort(run_.records);
+        std::ranges::sort(workFolders_);
+    }
+
+    void AddEntries(const std::vector<WorkFolder::Entry>& entries, const std::string& name) {
+        const std::string where = "\"" + folder_ + "/" + name + "\"";
+        for (const WorkFolder::Entry& entry : entries) {
+            AddTile(entry.front(), where);
+            for (std::size_t i = 1; i < entry.size(); ++i) AddCompanion(entry[i], where);
+        }
+    }
+
+    void AddRecord(const std::string& name) {
+        const Json record = ReadOurs(folder_ + "/" + name);
+        try {
+            AddEntries(record.at("tiles").get<std::vector<WorkFolder::Entry>>(), name);
+            for (const std::string& leftover : record.at("leftovers").get<std::vector<std::string>>())
+                AddCompanion(leftover, name);
+        } catch (const Json::exception& error) {
+            throw UsageError("\"" + folder_ + "/" + name + "\" is no record of a part (" + error.what() +
+                             "); move it away, or name another OUTDIR");
+        }
     }
 
     void AddIndex(const std::string& name) {
@@ -169,7 +177,9 @@ class Reader {
     }
 
     std::string folder_;
+    PartNumber part_;
     EarlierRun run_;
+    std::vector<std::string> workFolders_;
     std::function<bool(const std::string&)> named_;
     std::map<std::string, std::string> byStem_;  ///< tiles
 };
@@ -180,8 +190,22 @@ std::string Short(const Json& value) {
 
 }  // namespace
 
-EarlierRun ReadEarlierRun(const std::string& folder) {
-    return Reader(folder).Read();
+Json ReadOurs(const std::string& path) {
+    try {
+        if (!fs::is_regular_file(fs::symlink_status(path)))
+            throw std::runtime_error("it is not a regular file");
+        std::ifstream file(path, std::ios::binary);
+        Json content = Json::parse(file);
+        if (content.at("generator") != kGenerator) throw std::runtime_error("another program wrote it");
+        return content;
+    } catch (const std::exception& error) {
+        throw UsageError("\"" + path + "\" is no file that --overwrite or --resume may take up (" +
+                         error.what() + "); move it away, or name another OUTDIR");
+    }
+}
+
+EarlierRun ReadEarlierRun(const std::string& folder, const PartNumber& part) {
+    return Reader(folder, part).Read();
 }
 
 std::string Difference(const Json& earlier, const Json& now) {

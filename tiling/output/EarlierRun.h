@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "tiling/output/JsonText.h"
+#include "tiling/output/WorkFolder.h"
 
 namespace orvo::tiling {
 
@@ -17,13 +18,18 @@ struct EarlierRun {
     std::vector<std::string> indexes;                       ///< tiles.geojson, tiles_2.geojson and so on
     std::map<std::string, std::vector<std::string>> tiles;  ///< names, each with the files that go with it
     std::vector<std::string> products;                      ///< mosaic, page and so on
+    std::vector<std::string> records;                       ///< of parts
 
     bool IsThere() const { return !job.is_null() || !indexes.empty(); }
 };
 
-/// Looks at index, job and journal. Nothing is there for a missing folder.
+/// Looks at indexes, job, records and journals. Nothing is there for a missing folder.
+/// @param part looks for tiles in its own record and journal only, for others may be at work
 /// Fails with UsageError where they are none of ours, or name what a run does not write.
-EarlierRun ReadEarlierRun(const std::string& folder);
+EarlierRun ReadEarlierRun(const std::string& folder, const PartNumber& part = {});
+
+/// A file of ours, which says so. Fails with UsageError.
+Json ReadOurs(const std::string& path);
 
 /// Says what differs between two jobs; empty for nothing.
 std::string Difference(const Json& earlier, const Json& now);

@@ -24,4 +24,8 @@ bool FolderLock::TryAlone() const {
     return flock(folder_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
+bool FolderLock::TryTogether() const {
+    return flock(folder_, LOCK_SH | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
 }  // namespace orvo::tiling

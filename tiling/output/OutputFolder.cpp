@@ -107,26 +107,34 @@ OutputFolder::OutputFolder(const std::string& path) : path_(Resolved(path)) {
     }
 }
 
-void OutputFolder::CheckEarlier(Earlier earlier, const std::vector<std::string>& keep, const Json& job) {
+void OutputFolder::CheckEarlier(Earlier earlier, const std::vector<std::string>& keep, const Json& job,
+                                const PartNumber& part) {
     earlier_ = earlier;
+    part_ = part;
     keep_ = keep;
     job_ = job;
     static_cast<void>(LookAtEarlier());
 }
 
 EarlierRun OutputFolder::LookAtEarlier() const {
-    EarlierRun run = ReadEarlierRun(path_);
+    EarlierRun run = ReadEarlierRun(path_, part_);
     if (!run.IsThere()) return run;
+    if (earlier_ == Earlier::Part && !run.indexes.empty())
+        throw UsageError("OUTDIR " + Quoted(path_) + " holds a run that is finished (" + run.indexes.front() +
+                         "); name another folder for the parts");
     const std::string what = run.indexes.empty() ? kJobFile : run.indexes.front();
     if (earlier_ == Earlier::Refuse) {
         throw UsageError("OUTDIR " + Quoted(path_) + " holds tiles already (" + what +
                          "); use --overwrite to replace them, --resume to go on where a run of the same job "
                          "ended, or name another folder");
     }
-    if (earlier_ == Earlier::Resume) {
+    if (earlier_ != Earlier::Remove) {
         const std::string other = run.job.is_null() ? "there is no job.json" : Difference(run.job, job_);
+        const std::string option = earlier_ == Earlier::Part    ? "--part"
+                                   : earlier_ == Earlier::Merge ? "merge"
+                                                                : "--resume";
         if (!other.empty())
-            throw UsageError("--resume goes on with the job in OUTDIR only, and this is another one: " +
+            throw UsageError(option + " goes on with the job in OUTDIR only, and this is another one: " +
                              other + "; use --overwrite to begin anew, or name another folder");
     }
     for (const auto& [tile, others] : run.tiles) {
@@ -152,16 +160,14 @@ std::map<std::string, std::vector<std::string>> OutputFolder::Prepare() {
     try {
         Make();
         TryToWrite();
-        lock_ = std::make_unique<FolderLock>(path_);
-        if (!lock_->TryAlone())
-            throw UsageError("another run is writing into OUTDIR " + Quoted(path_) +
-                             "; wait for its end, or name another folder");
+        Lock();
         // Another run may have written or removed something meanwhile.
         const EarlierRun run = LookAtEarlier();
-        RemoveLeftovers(run);
+        if (earlier_ == Earlier::Merge) return {};
         std::map<std::string, std::vector<std::string>> there;
-        if (earlier_ == Earlier::Resume) there = TakeUp(run);
+        if (earlier_ == Earlier::Resume || earlier_ == Earlier::Part) there = TakeUp(run);
         if (earlier_ == Earlier::Remove) RemoveAll(run);
+        if (earlier_ != Earlier::Part) RemoveLeftovers(run);
         if (const auto failed = files::WriteWhole(path_ + "/" + kJobFile, TextOf(job_, 2) + "\n"))
             throw RunError("cannot write \"" + path_ + "/" + kJobFile + "\": " + failed.message());
         return there;
@@ -169,6 +175,22 @@ std::map<std::string, std::vector<std::string>> OutputFolder::Prepare() {
         RemoveIfUnused();
         throw;
     }
+}
+
+void OutputFolder::Lock() {
+    lock_ = std::make_unique<FolderLock>(path_);
+    if (!(earlier_ == Earlier::Part ? lock_->TryTogether() : lock_->TryAlone()))
+        throw UsageError("another run is writing into OUTDIR " + Quoted(path_) +
+                         "; wait for its end, or name another folder");
+    if (earlier_ != Earlier::Part) return;
+    const std::string own = path_ + "/" + WorkFolderName(part_);
+    std::error_code failed;
+    fs::create_directory(own, failed);
+    if (failed) throw RunError("cannot make the folder " + Quoted(own) + ": " + failed.message());
+    partLock_ = std::make_unique<FolderLock>(own);
+    if (!partLock_->TryAlone())
+        throw UsageError("another run is at work on part " + std::to_string(part_.part) + " of " +
+                         std::to_string(part_.parts) + " in OUTDIR " + Quoted(path_) + "; wait for its end");
 }
 
 /// The tiles of the run that are there. Its journal names them before its index goes.
@@ -189,7 +211,8 @@ std::map<std::string, std::vector<std::string>> OutputFolder::TakeUp(const Earli
         folder.Remove(tile);
         for (const std::string& other : others) folder.Remove(other);
     }
-    if (run.IsThere()) WorkFolder::Renew(path_, there);
+    if (run.IsThere()) WorkFolder::Renew(path_, part_, there);
+    for (const std::string& record : run.records) folder.Remove(record);
     for (const std::string& product : run.products) folder.Remove(product);
     for (const std::string& index : run.indexes) folder.Remove(index);
     return there;
@@ -203,6 +226,7 @@ void OutputFolder::RemoveAll(const EarlierRun& run) const {
     }
     for (const std::string& product : run.products) folder.Remove(product);
     for (const std::string& index : run.indexes) folder.Remove(index);
+    for (const std::string& record : run.records) folder.Remove(record);
     folder.Remove(kJobFile);
 }
 
@@ -238,12 +262,22 @@ void OutputFolder::RemoveLeftovers(const EarlierRun& run) const {
     std::error_code ignored;
     for (const auto& entry : fs::directory_iterator(path_, ignored)) {
         const std::string name = entry.path().filename().string();
-        const bool goesOn = earlier_ == Earlier::Resume && run.IsThere() && name == kWorkFolder;
+        const bool goesOn = earlier_ == Earlier::Resume && run.IsThere() && name == WorkFolderName();
         if (IsLeftover(name) && !goesOn) fs::remove_all(entry.path(), ignored);
     }
 }
 
+void OutputFolder::RemoveRecords(const std::vector<std::string>& records) const {
+    const OpenFolder folder(path_);
+    for (const std::string& record : records) folder.Remove(record);
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(path_, ignored)) {
+        if (IsWorkFolderName(entry.path().filename().string())) fs::remove_all(entry.path(), ignored);
+    }
+}
+
 void OutputFolder::RemoveJob() noexcept {
+    if (earlier_ == Earlier::Part || earlier_ == Earlier::Merge) return;
     unlink((path_ + "/" + kJobFile).c_str());
 }
 

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 
 #include "platform/files/PartFile.h"
 #include "tiling/Errors.h"
@@ -18,7 +19,7 @@ namespace fs = std::filesystem;
 namespace orvo::tiling {
 namespace {
 
-const std::string kFolder = std::string("/") + kWorkFolder;
+const std::string kRun = ".orvo-tile-run";
 constexpr const char* kMaking = "/making";
 constexpr const char* kJournal = "/journal";
 
@@ -39,10 +40,34 @@ bool IsThere(const std::string& path) {
 
 }  // namespace
 
-WorkFolder::WorkFolder(const std::string& outdir) : outdir_(outdir), path_(outdir + kFolder + kMaking) {
+std::string PartText(const PartNumber& part) {
+    return "-" + std::to_string(part.part) + "-of-" + std::to_string(part.parts);
+}
+
+std::string PartRecordName(const PartNumber& part) {
+    return "part" + PartText(part) + ".json";
+}
+
+std::string WorkFolderName(const PartNumber& part) {
+    return part.parts == 0 ? kRun : kRun + PartText(part);
+}
+
+bool IsWorkFolderName(const std::string& name) {
+    return name == kRun || name.starts_with(kRun + "-");
+}
+
+std::optional<PartNumber> PartOfRecord(const std::string& name) {
+    static const std::regex kName(R"(part-([1-9][0-9]{0,8})-of-([1-9][0-9]{0,8})\.json)");
+    std::smatch found;
+    if (!std::regex_match(name, found, kName)) return std::nullopt;
+    return PartNumber{std::stoi(found[1]), std::stoi(found[2])};
+}
+
+WorkFolder::WorkFolder(const std::string& outdir, const PartNumber& part)
+    : outdir_(outdir), own_(outdir + "/" + WorkFolderName(part)), path_(own_ + kMaking) {
     Make(path_);
     Clear();
-    const std::string journal = outdir + kFolder + kJournal;
+    const std::string journal = own_ + kJournal;
     journal_ = open(journal.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
     if (journal_ < 0) throw RunError("cannot write \"" + journal + "\": " + std::strerror(errno));
 }
@@ -50,7 +75,7 @@ WorkFolder::WorkFolder(const std::string& outdir) : outdir_(outdir), path_(outdi
 WorkFolder::~WorkFolder() {
     close(journal_);
     std::error_code ignored;
-    fs::remove_all(kept_ ? path_ : outdir_ + kFolder, ignored);
+    fs::remove_all(kept_ ? path_ : own_, ignored);
 }
 
 void WorkFolder::Note(const Entry& names) const {
@@ -105,8 +130,8 @@ std::string WorkFolder::WithoutPath(std::string text) const {
 }
 
 /// A line that was cut off when the run was killed names nothing that was moved.
-std::vector<WorkFolder::Entry> WorkFolder::Noted(const std::string& outdir) {
-    std::ifstream journal(outdir + kFolder + kJournal);
+std::vector<WorkFolder::Entry> WorkFolder::Noted(const std::string& outdir, const std::string& name) {
+    std::ifstream journal(outdir + "/" + name + kJournal);
     std::vector<Entry> entries;
     for (std::string line; std::getline(journal, line);) {
         const Json entry = Json::parse(line, nullptr, false);
@@ -116,16 +141,17 @@ std::vector<WorkFolder::Entry> WorkFolder::Noted(const std::string& outdir) {
     return entries;
 }
 
-void WorkFolder::Renew(const std::string& outdir,
+void WorkFolder::Renew(const std::string& outdir, const PartNumber& part,
                        const std::map<std::string, std::vector<std::string>>& tiles) {
-    Make(outdir + kFolder);
+    const std::string folder = outdir + "/" + WorkFolderName(part);
+    Make(folder);
     std::string text;
     for (const auto& [name, others] : tiles) {
         Entry entry{name};
         entry.insert(entry.end(), others.begin(), others.end());
         text += TextOf(Json(entry)) + "\n";
     }
-    const std::string journal = outdir + kFolder + kJournal;
+    const std::string journal = folder + kJournal;
     if (const auto failed = files::WriteWhole(journal, text))
         throw RunError("cannot write \"" + journal + "\": " + failed.message());
 }

@@ -2,12 +2,26 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace orvo::tiling {
 
-constexpr const char* kWorkFolder = ".orvo-tile-run";
+/// Which of how many parts of a job; none for a whole run.
+struct PartNumber {
+    int part = 0, parts = 0;
+    bool operator==(const PartNumber&) const = default;
+};
+
+/// "part-3-of-8.json", what a part leaves when it is done.
+std::string PartRecordName(const PartNumber& part);
+/// The hidden folder of a run, or of a part.
+std::string WorkFolderName(const PartNumber& part = {});
+/// Whether a name is one of those, of any part.
+bool IsWorkFolderName(const std::string& name);
+/// The part whose record a name is.
+std::optional<PartNumber> PartOfRecord(const std::string& name);
 
 /// A hidden folder inside OUTDIR: files in the making, and a journal of the names that tiles were given. Goes
 /// with this object, and all that is in it.
@@ -17,7 +31,7 @@ class WorkFolder {
     using Entry = std::vector<std::string>;
 
     /// Fails with RunError.
-    explicit WorkFolder(const std::string& outdir);
+    explicit WorkFolder(const std::string& outdir, const PartNumber& part = {});
     ~WorkFolder();
     WorkFolder(const WorkFolder&) = delete;
     WorkFolder& operator=(const WorkFolder&) = delete;
@@ -40,15 +54,16 @@ class WorkFolder {
     std::string WithoutPath(std::string text) const;
 
     /// The entries of a journal that a killed run has left; none where there is none.
-    static std::vector<Entry> Noted(const std::string& outdir);
+    /// @param name of its work folder
+    static std::vector<Entry> Noted(const std::string& outdir, const std::string& name);
     /// Leaves a journal with these entries, in place of one that is there. Fails with RunError.
-    static void Renew(const std::string& outdir,
+    static void Renew(const std::string& outdir, const PartNumber& part,
                       const std::map<std::string, std::vector<std::string>>& tiles);
 
   private:
     void Note(const Entry& names) const;
 
-    std::string outdir_, path_;
+    std::string outdir_, own_, path_;  ///< own: the whole folder, path: the files in the making
     int journal_ = -1;
     bool kept_ = false;
 };

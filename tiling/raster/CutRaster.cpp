@@ -16,6 +16,7 @@
 #include "tiling/output/WorkFolder.h"
 #include "tiling/output/WorldFile.h"
 #include "tiling/raster/CellPlan.h"
+#include "tiling/raster/PartRecord.h"
 #include "tiling/raster/Products.h"
 #include "tiling/raster/RasterJob.h"
 #include "tiling/raster/RasterPlan.h"
@@ -57,6 +58,11 @@ class BlockProgress final : public IProgress {
     IProgress* run_;
 };
 
+Earlier EarlierOf(const RasterJob& job) {
+    if (job.parts > 0) return Earlier::Part;
+    return job.overwrite ? Earlier::Remove : job.resume ? Earlier::Resume : Earlier::Refuse;
+}
+
 /// Writes a file's name and nothing in it. Fails with RunError.
 void MakeEmptyFile(const std::string& path) {
     if (const auto failed = files::WriteWhole(path, ""))
@@ -65,15 +71,14 @@ void MakeEmptyFile(const std::string& path) {
 
 class RasterRun {
   public:
-    RasterRun(const RasterJob& job, const Callbacks& callbacks)
-        : job_(job), callbacks_(callbacks), plan_(job) {}
+    /// @param parts whose tiles are put together, in place of being cut; null for none
+    RasterRun(const RasterJob& job, const Callbacks& callbacks, const PartRecords* parts = nullptr)
+        : job_(job), callbacks_(callbacks), parts_(parts), plan_(job) {}
 
     RasterSummary Run() {
         OutputFolder folder(job_.outdir);
-        folder.CheckEarlier(job_.overwrite ? Earlier::Remove
-                            : job_.resume  ? Earlier::Resume
-                                           : Earlier::Refuse,
-                            plan_.SourceFiles(), plan_.JobAsJson());
+        folder.CheckEarlier(parts_ != nullptr ? Earlier::Merge : EarlierOf(job_), plan_.SourceFiles(),
+                            plan_.JobAsJson(), part_);
         summary_.input = job_.inputs.front();
         summary_.inputs = job_.inputs;
         summary_.outdir = folder.Path();
@@ -91,6 +96,7 @@ class RasterRun {
             folder.RemoveJob();
             folder.RemoveIfUnused();
         }
+        if (parts_ != nullptr && !summary_.index.empty()) folder.RemoveRecords(parts_->Names());
         summary_.interrupted = callbacks_.interrupted();
         return std::move(summary_);
     }
@@ -100,18 +106,32 @@ class RasterRun {
         constexpr std::size_t kFiles = 4;  // of a tile, usually at most
         std::unique_ptr<DraftSet> drafts;
         try {
-            work_ = std::make_unique<WorkFolder>(summary_.outdir);
+            if (parts_ != nullptr) parts_->AddTo(account_, summary_, summary_.outdir);
+            work_ = std::make_unique<WorkFolder>(summary_.outdir, part_);
             const std::size_t name = account_.NameOf(account_.Count() - 1).size() + 16;
-            drafts = std::make_unique<DraftSet>(
-                summary_.outdir, IndexRoom(account_.Count(), facts.system.name, kFiles * name));
-            CutBlocks();
+            if (job_.parts == 0)
+                drafts = std::make_unique<DraftSet>(
+                    summary_.outdir, IndexRoom(account_.Count(), facts.system.name, kFiles * name));
+            if (parts_ == nullptr) CutBlocks();
         } catch (const RunError& error) {
+            if (parts_ != nullptr) throw;
             summary_.errors.emplace_back(error.what());
         }
         Collect();
         if (drafts) AddProducts(facts, *drafts);
-        if (summary_.written > 0 && summary_.index.empty() && work_) work_->Keep();
+        if (job_.parts > 0) WriteRecord();
+        const bool named = !summary_.index.empty() || recorded_;
+        if (summary_.written > 0 && !named && work_) work_->Keep();
         work_.reset();
+    }
+
+    void WriteRecord() {
+        const std::string stretch = summary_.written > 0 ? plan_.Maker().StretchSaid() : "";
+        const Json record = PartRecord(part_, job_.command, account_, summary_, stretch);
+        const std::string path = summary_.outdir + "/" + PartRecordName(part_);
+        const auto failed = files::WriteWhole(path, TextOf(record, 1) + "\n");
+        if (failed) summary_.errors.push_back("cannot write \"" + path + "\": " + failed.message());
+        recorded_ = !failed;
     }
 
     void CutBlocks() {
@@ -297,7 +317,10 @@ class RasterRun {
         const auto say = [&](const std::string& notice) {
             if (!notice.empty()) summary_.notices.push_back(notice);
         };
-        if (summary_.written > 0) say(plan_.Maker().StretchSaid());
+        if (parts_ != nullptr)
+            say(parts_->Stretch());
+        else if (summary_.written > 0)
+            say(plan_.Maker().StretchSaid());
         if (const std::int64_t shifted = account_.Shifted(); shifted > 0) {
             say(std::to_string(shifted) +
                 " clipped tiles do not fill their rectangles in the index exactly: they are cut in whole "
@@ -330,6 +353,9 @@ class RasterRun {
 
     const RasterJob& job_;
     const Callbacks& callbacks_;
+    const PartRecords* parts_;
+    const PartNumber part_{job_.part, job_.parts};
+    bool recorded_ = false;
     RasterPlan plan_;
     TileAccount& account_ = plan_.Account();
     std::string wkt_ = plan_.Layer().SpatialReference();
@@ -346,13 +372,28 @@ RasterSummary CutRaster(const RasterJob& job, const Callbacks& callbacks) {
     return RasterRun(job, callbacks).Run();
 }
 
+RasterSummary MergeRaster(const std::string& outdir, const Callbacks& callbacks) {
+    const std::string path = OutputFolder(outdir).Path();
+    std::error_code missing;
+    if (!fs::exists(path + "/" + kJobFile, missing))
+        throw UsageError("\"" + path +
+                         "\" holds no job.json; make its parts with orvo-tile raster ... --part K/N");
+    RasterJob job;
+    try {
+        job = JobFromJson(ReadOurs(path + "/" + kJobFile));
+    } catch (const Json::exception& error) {
+        throw UsageError("\"" + path + "/" + kJobFile + "\" tells of no raster job (" + error.what() +
+                         "); only these have parts");
+    }
+    job.outdir = outdir;
+    const PartRecords parts(path);
+    return RasterRun(job, callbacks, &parts).Run();
+}
+
 std::string PlanOfRaster(const RasterJob& job) {
     OutputFolder folder(job.outdir);
     RasterPlan plan(job);
-    folder.CheckEarlier(job.overwrite ? Earlier::Remove
-                        : job.resume  ? Earlier::Resume
-                                      : Earlier::Refuse,
-                        plan.SourceFiles(), plan.JobAsJson());
+    folder.CheckEarlier(EarlierOf(job), plan.SourceFiles(), plan.JobAsJson(), {job.part, job.parts});
     return plan.AsJson(folder.Path());
 }
 

@@ -25,6 +25,9 @@ struct CellRange {
     std::int64_t Count() const { return columns * rows; }
 };
 
+/// The part-th of so many parts, from 1: whole rows, or whole columns where there are more of these.
+CellRange PartOfRange(CellRange cells, int part, int parts);
+
 /// Tiles of equal size in pixels from an upper left corner, which is the layer's or lies above and left of
 /// it. All places are worked out from the layer's own geotransform, so nothing accumulates.
 class RasterGrid {
@@ -39,6 +42,8 @@ class RasterGrid {
     std::int64_t Rows() const { return rows_; }
     /// The cells that the run visits: those that the layer and the clip area meet.
     const CellRange& Visited() const { return visited_; }
+    /// What all parts of the job visit.
+    const CellRange& Whole() const { return whole_; }
     /// The visited cells in parts that the component cuts in one run, row by row.
     std::vector<CellRange> Blocks() const;
 
@@ -62,6 +67,7 @@ class RasterGrid {
   private:
     void SetOrigin(const RasterJob& job);
     void SetVisited(const RasterJob& job);
+    void TakePart(int part, int parts);
     void SayPitch(gdal::RasterLayer& layer, const RasterJob& job);
 
     std::array<double, 6> t_;  ///< the layer's geotransform
@@ -69,7 +75,7 @@ class RasterGrid {
     Long tileWidth_, tileHeight_;
     std::int64_t left_ = 0, top_ = 0;
     std::int64_t columns_ = 0, rows_ = 0;
-    CellRange visited_;
+    CellRange visited_, whole_;
     std::vector<std::string> notices_;
 };
 

@@ -49,6 +49,10 @@ struct RasterJob {
     /// Threads that read, encode and convert; 0 for one a core. The files are the same for every number.
     int jobs = 0;
     std::string program;  ///< name and version of the program, kept in job.json
+    /// The part-th of so many parts of the grid, from 1; 0 for the whole. A part makes its tiles and a record
+    /// of them; MergeRaster makes the rest of all parts' records.
+    int part = 0, parts = 0;
+    std::vector<std::string> command;  ///< that makes the part, for people: kept in its record
 };
 
 /// Cuts the layer, writes the index and what else the job asks for, and accounts for each tile. Failures are
@@ -59,6 +63,11 @@ struct RasterJob {
 /// Fails with UsageError where the job cannot be done as it stands, with RunError or RuntimeError where the
 /// source cannot be read; nothing is written then.
 RasterSummary CutRaster(const RasterJob& job, const Callbacks& callbacks = {});
+
+/// Makes index, mosaic, page and summary of a folder whose parts are all there, the same files as of one run,
+/// and removes the parts' records. Fails like CutRaster, and with RunError where a part is missing; its text
+/// names each missing part and what makes it.
+RasterSummary MergeRaster(const std::string& outdir, const Callbacks& callbacks = {});
 
 /// What the run would cut, as one JSON object; docs/command-line.md names the members. Writes nothing. Fails
 /// like CutRaster.

@@ -76,7 +76,7 @@ Json Options(const RasterJob& job) {
 }
 
 Json GridAsJson(const RasterGrid& grid) {
-    const CellRange& visited = grid.Visited();
+    const CellRange& visited = grid.Whole();
     const Point corner = grid.CornerOf(0, 0), next = grid.CornerOf(1, 1);
     return {{"columns", grid.Columns()},
             {"rows", grid.Rows()},
@@ -90,6 +90,36 @@ Json GridAsJson(const RasterGrid& grid) {
 }
 
 }  // namespace
+
+RasterJob JobFromJson(const Json& job) {
+    const Json& o = job.at("options");
+    RasterJob made;
+    const auto get = [&](const char* name, auto& value) { o.at(name).get_to(value); };
+    job.at("inputs").get_to(made.inputs);
+    job.at("program").get_to(made.program);
+    get("tile_width", made.tileWidth);
+    get("tile_height", made.tileHeight);
+    get("tile_pixel_width", made.tilePixelWidth);
+    get("tile_pixel_height", made.tilePixelHeight);
+    if (const Json& at = o.at("origin"); !at.is_null()) made.origin = Point{at.at(0), at.at(1)};
+    get("tile_names", made.tileNames);
+    get("format", made.format);
+    get("co", made.options);
+    get("quality", made.quality);
+    made.effort = static_cast<raster::Effort>(o.at("effort").get<int>());
+    get("converter", made.converter);
+    get("bands", made.bands);
+    made.values = o.at("values") == "stretch" ? Values::Stretch : Values::Refuse;
+    if (const Json& range = o.at("range"); !range.is_null())
+        made.range = {range.at(0).get<double>(), range.at(1).get<double>()};
+    if (const Json& e = o.at("clip"); !e.is_null()) made.clip = Rectangle{e.at(0), e.at(1), e.at(2), e.at(3)};
+    get("name", made.name);
+    get("skip_blank", made.skipBlank);
+    get("world_files", made.worldFiles);
+    get("vrt", made.vrt);
+    get("preview", made.preview);
+    return made;
+}
 
 RasterPlan::RasterPlan(const RasterJob& job)
     : job_(job),

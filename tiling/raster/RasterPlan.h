@@ -12,6 +12,9 @@
 
 namespace orvo::tiling {
 
+/// The job that job.json tells of. Fails with Json's exceptions where it tells of none.
+RasterJob JobFromJson(const Json& job);
+
 class RasterPlan {
   public:
     /// Opens the source and tries the format. The job must outlive the plan. Fails like CutRaster.

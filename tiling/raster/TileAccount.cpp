@@ -157,15 +157,31 @@ TileList TileAccount::Tiles() const {
     };
 }
 
+std::vector<std::string> TileAccount::FilesOf(std::int64_t tile) const {
+    const std::string stem = StemOf(tile);
+    std::vector<std::string> names{stem + "." + extension_};
+    for (const std::string& suffix : suffixes_[sets_[static_cast<std::size_t>(tile)]])
+        names.push_back(stem + suffix);
+    return names;
+}
+
 std::vector<std::string> TileAccount::Companions() const {
     std::vector<std::string> names;
     for (std::int64_t tile = 0; tile < Count(); ++tile) {
         if (StateOf(tile) != State::Written || sets_[static_cast<std::size_t>(tile)] == 0) continue;
-        const std::string stem = StemOf(tile);
-        for (const std::string& suffix : suffixes_[sets_[static_cast<std::size_t>(tile)]])
-            names.push_back(stem + suffix);
+        const std::vector<std::string> files = FilesOf(tile);
+        names.insert(names.end(), files.begin() + 1, files.end());
     }
     return names;
+}
+
+int TileAccount::PartOf(std::int64_t tile, int parts) const {
+    for (int part = 1; part < parts; ++part) {
+        const CellRange cells = PartOfRange(grid_.Whole(), part, parts);
+        const std::int64_t column = ColumnOf(tile) - 1 - cells.column, row = RowOf(tile) - 1 - cells.row;
+        if (column >= 0 && column < cells.columns && row >= 0 && row < cells.rows) return part;
+    }
+    return parts;
 }
 
 std::vector<std::int64_t> TileAccount::Vanished(const std::string& folder) {

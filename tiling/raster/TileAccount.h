@@ -44,6 +44,12 @@ class TileAccount {
     /// Counts tiles of an earlier run as written.
     /// @param there names of tiles, each with the files that go with it
     void Keep(const std::map<std::string, std::vector<std::string>>& there);
+    /// The names of a written tile and of what goes with it.
+    std::vector<std::string> FilesOf(std::int64_t tile) const;
+    /// Windows of the tiles that do not show their whole cells.
+    const std::map<std::int64_t, raster::TileWindow>& Windows() const { return windows_; }
+    /// Which of so many parts makes a tile.
+    int PartOf(std::int64_t tile, int parts) const;
     /// A tile that is kept shows this.
     void Place(std::int64_t tile, const raster::TileWindow& window);
     /// Gives a tile's image and what goes with it their names. Fails with RunError.

@@ -1,0 +1,34 @@
+// orvo-tile merge.
+#include <memory>
+#include <string>
+
+#include "host/Commands.h"
+#include "host/Options.h"
+#include "tiling/raster/RasterJob.h"
+
+namespace orvo::host {
+namespace {
+
+struct MergeOptions {
+    std::string outdir;
+    SessionOptions session;
+};
+
+int Run(MergeOptions& options) {
+    Session session(options.session);
+    return session.Finish(tiling::MergeRaster(options.outdir, session.Callbacks()));
+}
+
+}  // namespace
+
+Command AddMerge(CLI::App& application) {
+    CLI::App* const app = application.add_subcommand(
+        "merge", "Make index, mosaic and page of a folder whose parts (--part) are all there");
+    const auto options = std::make_shared<MergeOptions>();
+    app->add_option("OUTDIR", options->outdir, "Folder that all parts were cut into")->required();
+    AddNarration(*app, options->session);
+    AddDialogOptions(*app, options->session);
+    return {app, [options] { return Run(*options); }};
+}
+
+}  // namespace orvo::host
