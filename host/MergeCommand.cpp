@@ -23,9 +23,10 @@ int Run(MergeOptions& options) {
 
 Command AddMerge(CLI::App& application) {
     CLI::App* const app = application.add_subcommand(
-        "merge", "Make index, mosaic and page of a folder whose parts (--part) are all there");
+        "merge", "Make index, mosaic and page of a folder that all parts of a job were cut into");
     const auto options = std::make_shared<MergeOptions>();
     app->add_option("OUTDIR", options->outdir, "Folder that all parts were cut into")->required();
+    BeginGroup(*app, "Run");
     AddNarration(*app, options->session);
     AddDialogOptions(*app, options->session);
     return {app, [options] { return Run(*options); }};

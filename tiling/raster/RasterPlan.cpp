@@ -148,7 +148,9 @@ Json RasterPlan::JobAsJson() const {
     Json source = Json::object();
     for (const std::string& file : SourceFiles()) {
         Json stamp = Stamp(file);
-        source[stamp["path"].get<std::string>()] = {{"size", stamp["size"]}, {"modified", stamp["modified"]}};
+        if (!stamp["size"].is_null())
+            source[stamp["path"].get<std::string>()] = {{"size", stamp["size"]},
+                                                        {"modified", stamp["modified"]}};
     }
     Json inputs = Json::array();
     for (const std::string& input : job_.inputs) inputs.push_back(FullName(input));
