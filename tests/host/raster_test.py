@@ -65,6 +65,14 @@ def pixels(path, *window):
             for b in range(dataset.RasterCount)]
 
 
+def nearly(word, name):
+    """Whether one letter, or a swap of two, makes a name of a word."""
+    begin = len(os.path.commonprefix([word, name]))
+    end = len(os.path.commonprefix([word[begin:][::-1], name[begin:][::-1]]))
+    a, b = word[begin:len(word) - end], name[begin:len(name) - end]
+    return max(len(a), len(b)) <= 1 or (len(a) == 2 and a == b[::-1])
+
+
 class RasterTest(HostTest):
     def cut(self, *arguments, **options):
         return super().cut("raster", "-q", *arguments, **options)
@@ -412,8 +420,8 @@ class UsageTest(RasterTest):
             options = re.findall(r"--([a-z-]+)", self.run_tile(command, "--help").stdout.split("Exit codes")[0])
             for name in {command, *options}:
                 word = random.choice(slips)(name, random.randrange(len(name) - 1))
-                if word in {*commands, *options}:
-                    continue  # two equal letters swapped
+                if word in {*commands, *options} or sum(nearly(word, other) for other in options) > 1:
+                    continue  # two equal letters swapped, or another name is as near
                 with self.subTest(command=command, word=word):
                     if name == command:
                         self.assertEqual(said(word, "a", "--vtr"), f'orvo-tile: "{word}" is no command; did you mean '
