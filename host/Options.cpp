@@ -168,10 +168,8 @@ void AddDialogOptions(CLI::App& command, SessionOptions& options) {
         "Where to ask; auto takes a window where there is a display and no terminal");
 }
 
-void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite, int& jobs) {
+void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite) {
     BeginGroup(command, "Run");
-    AddValue(command, "--jobs", jobs, ParseJobs, "Threads that work on tiles (default: one for each core)")
-        ->type_name("N");
     command.add_flag("--overwrite", overwrite, "Remove the files of an earlier run from OUTDIR first");
     AddNarration(command, options);
     AddDialogOptions(command, options);

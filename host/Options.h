@@ -100,8 +100,8 @@ const std::vector<std::string>& CommandLine();
 
 /// --progress and --quiet, in the group that was begun.
 void AddNarration(CLI::App& command, SessionOptions& options);
-/// --jobs, --overwrite, --progress and --quiet in a group, then the dialog's.
-void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite, int& jobs);
+/// --overwrite, --progress and --quiet in a group, then the dialog's.
+void AddRunOptions(CLI::App& command, SessionOptions& options, bool& overwrite);
 /// --help, last of all.
 void AddHelp(CLI::App& command);
 

@@ -246,7 +246,11 @@ Command AddRaster(CLI::App& application) {
     AddGrid(*app, *options);
     AddFormat(*app, options->job);
     AddProducts(*app, *options);
-    AddRunOptions(*app, options->session, options->job.overwrite, options->job.jobs);
+    BeginGroup(*app, "Run");
+    AddValue(*app, "--jobs", options->job.jobs, ParseJobs,
+             "Threads that read, encode and convert (default: one for each core)")
+        ->type_name("N");
+    AddRunOptions(*app, options->session, options->job.overwrite);
     return {app, [options] { return Run(*options); }};
 }
 

@@ -86,7 +86,7 @@ Command AddVector(CLI::App& application) {
         ->capture_default_str();
     app->add_flag("--strict", job.strict, "Write nothing of an area for the tiles that it covers whole");
     app->add_flag("--preview", job.preview, "Write index.html, a page that shows the features and tiles");
-    AddRunOptions(*app, options->session, job.overwrite, job.jobs);
+    AddRunOptions(*app, options->session, job.overwrite);
     return {app, [options] { return RunVector(*options); }};
 }
 
@@ -98,7 +98,7 @@ Command AddLocate(CLI::App& application) {
     AddValue(*app, "X", options->x, ParseNumber, "Place in the layer's coordinate system")->required();
     AddValue(*app, "Y", options->y, ParseNumber, "Its other coordinate")->required();
     AddTiles(*app, options->job);
-    AddRunOptions(*app, options->session, options->job.overwrite, options->job.jobs);
+    AddRunOptions(*app, options->session, options->job.overwrite);
     return {app, [options] { return RunLocate(*options); }};
 }
 

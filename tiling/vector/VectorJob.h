@@ -31,9 +31,7 @@ struct VectorJob : VectorGridJob {
     bool strict = false;             ///< tiles that an area covers whole get nothing from it
     bool preview = false;            ///< writes a page that shows the features and tiles
     bool overwrite = false;          ///< removes the files of earlier runs from `outdir` first
-    /// Threads that relate and cut; 0 for one a core. The files are the same for every number.
-    int jobs = 0;
-    std::string program;  ///< name and version of the program, kept in job.json
+    std::string program;             ///< name and version of the program, kept in job.json
 };
 
 /// Cuts the layer, writes the index and what else the job asks for, and accounts for each feature. Failures
