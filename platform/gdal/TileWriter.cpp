@@ -217,7 +217,7 @@ std::shared_ptr<TileInWork> TileWriter::NewTile(const std::string& name) {
 
 std::shared_ptr<TileInWork> TileWriter::Read(const TileWindow& window, const std::string& name) {
     const std::lock_guard lock(reading_);
-    const std::shared_ptr<TileInWork> tile = NewTile(name);
+    std::shared_ptr<TileInWork> tile = NewTile(name);
     encoder_.Read(window, [&] {
         if (known_) {
             encoder_.ReadPicture(window, known_, tile->pixels);

@@ -118,14 +118,14 @@ class Reader {
         }
     }
 
-    void AddRecord(const std::string& name) {
-        const Json record = ReadOurs(folder_ + "/" + name);
+    void AddRecord(const std::string& where) {
+        const Json record = ReadOurs(folder_ + "/" + where);
         try {
-            AddEntries(record.at("tiles").get<std::vector<WorkFolder::Entry>>(), name);
+            AddEntries(record.at("tiles").get<std::vector<WorkFolder::Entry>>(), where);
             for (const std::string& leftover : record.at("leftovers").get<std::vector<std::string>>())
-                AddCompanion(leftover, name);
+                AddCompanion(leftover, where);
         } catch (const Json::exception& error) {
-            throw UsageError("\"" + folder_ + "/" + name + "\" is no record of a part (" + error.what() +
+            throw UsageError("\"" + folder_ + "/" + where + "\" is no record of a part (" + error.what() +
                              "); move it away, or name another OUTDIR");
         }
     }

@@ -84,7 +84,11 @@ PartRecords::PartRecords(const std::string& folder) {
     std::string lines;
     for (int part = 1; part <= parts; ++part) {
         if (records_[static_cast<std::size_t>(part - 1)].is_null())
-            lines += (lines.empty() ? "part " : "; part ") + std::to_string(part) + " by " + Remedy(part);
+            lines.append(lines.empty() ? "" : "; ")
+                .append("part ")
+                .append(std::to_string(part))
+                .append(" by ")
+                .append(Remedy(part));
     }
     if (!lines.empty()) throw RunError("parts are missing; make them, then merge again: " + lines);
 }
@@ -101,7 +105,7 @@ std::string PartRecords::Remedy(int part) const {
 
 std::string PartRecords::Stretch() const {
     for (const Json& record : records_) {
-        const std::string text = record.value("stretch", "");
+        std::string text = record.value("stretch", "");
         if (!text.empty()) return text;
     }
     return "";
@@ -146,8 +150,12 @@ void PartRecords::AddTo(TileAccount& account, RasterSummary& summary, const std:
         if (state == State::NotReached || state == State::Failed) ++missing[account.PartOf(tile, parts)];
     }
     for (const auto& [part, count] : missing)
-        lines += (lines.empty() ? "" : "; ") + Counted(count, "tile") + " of part " + std::to_string(part) +
-                 " by " + Remedy(part);
+        lines.append(lines.empty() ? "" : "; ")
+            .append(Counted(count, "tile"))
+            .append(" of part ")
+            .append(std::to_string(part))
+            .append(" by ")
+            .append(Remedy(part));
     if (!lines.empty()) throw RunError("tiles are missing; make them, then merge again: " + lines);
 }
 

@@ -67,7 +67,6 @@ RasterGrid::RasterGrid(gdal::RasterLayer& layer, const RasterJob& job)
                                            : PixelsOfSize(job.tileHeight, height_, -t_[5])) {
     SetOrigin(job);
     SetVisited(job);
-    whole_ = visited_;
     if (job.parts > 0) TakePart(job.part, job.parts);
     SayPitch(layer, job);
 }
@@ -125,6 +124,7 @@ void RasterGrid::SetVisited(const RasterJob& job) {
     visited_.row = first(area.top, top_, tileHeight_);
     visited_.columns = end(area.right, left_, tileWidth_) - visited_.column;
     visited_.rows = end(area.bottom, top_, tileHeight_) - visited_.row;
+    whole_ = visited_;
 }
 
 void RasterGrid::TakePart(int part, int parts) {

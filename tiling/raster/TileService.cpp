@@ -69,7 +69,7 @@ std::string TileService::ExportRasterWindow(const std::shared_ptr<IRasterLayer>&
         case Need::Make:
             break;
     }
-    const std::string path =
+    std::string path =
         inner_->ExportRasterWindow(layer, targetFile, quality, reserved, envelope, width, height);
     if (ready_ && !ready_->path.empty() && !path.empty()) ahead_.Keep(path, std::move(*ready_));
     return path;
