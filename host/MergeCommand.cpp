@@ -4,7 +4,9 @@
 
 #include "host/Commands.h"
 #include "host/Options.h"
+#include "tiling/output/OutputFolder.h"
 #include "tiling/raster/RasterJob.h"
+#include "tiling/vector/VectorJob.h"
 
 namespace orvo::host {
 namespace {
@@ -16,6 +18,9 @@ struct MergeOptions {
 
 int Run(MergeOptions& options) {
     Session session(options.session);
+    const tiling::Json job = tiling::JobIn(tiling::OutputFolder(options.outdir).Path());
+    if (job.at("command") == "vector")
+        return session.Finish(tiling::MergeVector(options.outdir, session.Callbacks()));
     return session.Finish(tiling::MergeRaster(options.outdir, session.Callbacks()));
 }
 

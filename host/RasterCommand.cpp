@@ -1,11 +1,11 @@
 // orvo-tile raster.
-#include <cmath>
 #include <memory>
 #include <sstream>
 #include <tuple>
 #include <vector>
 
 #include "host/Commands.h"
+#include "host/JobOptions.h"
 #include "host/Options.h"
 #include "tiling/Paths.h"
 #include "tiling/raster/RasterJob.h"
@@ -77,42 +77,10 @@ void TakeTileSize(RasterOptions& options) {
     job.tileHeight = pixels ? -1 : square ? options.tileSize : options.tileHeight;
 }
 
-/// The words that make any part, where --part is added.
-std::vector<std::string> CommandWithoutPart() {
-    std::vector<std::string> words;
-    bool isValue = false;
-    for (const std::string& word : CommandLine()) {
-        const bool isOption = word == "--part";
-        if (!isOption && !isValue && !word.starts_with("--part=") && word != "--resume")
-            words.push_back(word);
-        isValue = isOption;
-    }
-    return words;
-}
-
-void ParsePart(const std::string& text, tiling::RasterJob& job) {
-    constexpr double kMost = 1e6;
-    const auto slash = text.find('/');
-    const bool pair = slash != std::string::npos && slash > 0;
-    const double part = pair ? ParseNumber(text.substr(0, slash)) : 0;
-    const double parts = pair ? ParseNumber(text.substr(slash + 1)) : 0;
-    const bool whole = part == std::floor(part) && parts == std::floor(parts);
-    if (!whole || part < 1 || part > parts || parts > kMost)
-        throw UsageError("--part \"" + text +
-                         "\" is no part; give K/N, for example 3/8 for the third of eight");
-    job.part = static_cast<int>(part);
-    job.parts = static_cast<int>(parts);
-}
-
 int Run(RasterOptions& options) {
     TakePaths(options);
     TakeTileSize(options);
-    if (options.job.overwrite && options.job.resume)
-        throw UsageError("--overwrite begins anew and --resume goes on; choose one of them");
-    if (options.job.parts > 0 && options.job.overwrite)
-        throw UsageError("--part works beside other parts and cannot --overwrite; name an empty folder");
-    options.job.program = ProgramName();
-    options.job.command = CommandWithoutPart();
+    CompleteJob(options.job);
     Session session(options.session);
     if (options.dryRun) {
         Print(tiling::PlanOfRaster(options.job), "the plan");
@@ -227,12 +195,7 @@ void AddProducts(CLI::App& command, RasterOptions& options) {
         "Write a world file beside each tile, and .aux.xml where the format cannot say where it lies");
     add("--vrt", job.vrt, "Write mosaic.vrt, one virtual raster over all tiles");
     add("--preview", job.preview, "Write index.html, a page that shows the tiles where they lie");
-    add("--resume", job.resume, "Go on where a run of the same job ended: tiles that are there are kept");
-    command
-        .add_option_function<std::string>(
-            "--part", [&job](const std::string& text) { ParsePart(text, job); },
-            "Cut the K-th of N parts of the grid, on any machine; then orvo-tile merge OUTDIR")
-        ->type_name("K/N");
+    AddParts(command, job);
     add("--dry-run", options.dryRun, "Print grid, names and counts, and write nothing");
 }
 
@@ -246,11 +209,7 @@ Command AddRaster(CLI::App& application) {
     AddGrid(*app, *options);
     AddFormat(*app, options->job);
     AddProducts(*app, *options);
-    BeginGroup(*app, "Run");
-    AddValue(*app, "--jobs", options->job.jobs, ParseJobs,
-             "Threads that read, encode and convert (default: one for each core)")
-        ->type_name("N");
-    AddRunOptions(*app, options->session, options->job.overwrite);
+    AddJobOptions(*app, options->job, options->session, "read, encode and convert");
     return {app, [options] { return Run(*options); }};
 }
 

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "host/Commands.h"
+#include "host/JobOptions.h"
 #include "host/Options.h"
 #include "tiling/output/JsonText.h"
 #include "tiling/vector/VectorJob.h"
@@ -33,7 +34,7 @@ void CheckTiles(const tiling::TileSizes& tiles) {
 
 int RunVector(VectorOptions& options) {
     CheckTiles(options.job.sizes);
-    options.job.program = ProgramName();
+    CompleteJob(options.job);
     Session session(options.session);
     return session.Finish(tiling::CutVector(options.job, session.Callbacks()));
 }
@@ -86,7 +87,8 @@ Command AddVector(CLI::App& application) {
         ->capture_default_str();
     app->add_flag("--strict", job.strict, "Write nothing of an area for the tiles that it covers whole");
     app->add_flag("--preview", job.preview, "Write index.html, a page that shows the features and tiles");
-    AddRunOptions(*app, options->session, job.overwrite);
+    AddParts(*app, job);
+    AddJobOptions(*app, job, options->session, "read, relate and cut");
     return {app, [options] { return RunVector(*options); }};
 }
 

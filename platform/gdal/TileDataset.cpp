@@ -77,10 +77,16 @@ bool ChecksItsWrites(const std::string& format) {
            format == "FITS";
 }
 
+/// Null leaves it to the user's own choice, or to the clock.
+const char* DateOf(const TileSchema& schema) {
+    const bool isChosen = CPLGetConfigOption("OGR_CURRENT_DATE", nullptr) != nullptr;
+    return isChosen || schema.date.empty() ? nullptr : schema.date.c_str();
+}
+
 }  // namespace
 
 TileDataset::TileDataset(const std::string& path, const std::string& name, const TileSchema& schema)
-    : schema_(schema), path_(path), name_(name) {
+    : schema_(schema), date_("OGR_CURRENT_DATE", DateOf(schema)), path_(path), name_(name) {
     const ErrorCapture errors(&warnings_);
     // A tile that is not complete is thrown away, so nothing has to survive a crash.
     const ScopedOption quick("OGR_SQLITE_SYNCHRONOUS", "OFF");

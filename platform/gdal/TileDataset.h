@@ -14,6 +14,7 @@
 #include "platform/gdal/CheckedFiles.h"
 #include "platform/gdal/ErrorCapture.h"
 #include "platform/gdal/ReadBack.h"
+#include "platform/gdal/ScopedOption.h"
 #include "platform/gdal/VectorFormat.h"
 
 class GDALDataset;
@@ -34,6 +35,7 @@ struct TileSchema {
     std::array<double, 4> area{};                       ///< where all tiles lie: xMin, yMin, xMax, yMax
     std::string idField;                                ///< gets the source's feature id
     std::string tileField;                              ///< gets the tile's name
+    std::string date;  ///< for formats that note when they were written, ISO 8601; empty for now
     // What the format needs so that values stay what they are, by the fields' numbers in the source.
     std::set<int> asText;
     std::map<int, std::string> renamed;
@@ -66,6 +68,7 @@ class TileDataset {
     [[noreturn]] void FailToWrite(const std::string& reason) const;
 
     const TileSchema& schema_;
+    ScopedOption date_;
     std::string path_;
     std::string name_;
     CheckedFiles files_;

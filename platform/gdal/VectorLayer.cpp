@@ -3,6 +3,10 @@
 #include <gdal_priv.h>
 #include <ogrsf_frmts.h>
 
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <ctime>
 #include <filesystem>
 
 #include "platform/Platform.h"
@@ -167,6 +171,22 @@ void VectorLayer::Rewind() {
 
 std::vector<std::string> VectorLayer::Files() const {
     return SourceFiles(*dataset_, source_);
+}
+
+std::string VectorLayer::Modified() const {
+    namespace fs = std::filesystem;
+    std::time_t youngest = 0;
+    for (const std::string& file : Files()) {
+        std::error_code failed;
+        if (!fs::is_regular_file(file, failed)) continue;
+        const auto time = std::chrono::file_clock::to_sys(fs::last_write_time(file, failed));
+        youngest = std::max(youngest, std::chrono::system_clock::to_time_t(
+                                          std::chrono::floor<std::chrono::seconds>(time)));
+    }
+    std::tm utc{};
+    if (youngest == 0 || gmtime_r(&youngest, &utc) == nullptr) return "";
+    std::array<char, 32> text{};
+    return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S.000Z", &utc)};
 }
 
 OGRFeatureDefn& VectorLayer::Definition() const {

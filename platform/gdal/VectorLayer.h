@@ -44,6 +44,8 @@ class VectorLayer final : public ILayer {
     const std::string& Name() const { return name_; }
     /// What it is read from, see SourceFiles.h.
     std::vector<std::string> Files() const;
+    /// When the youngest of its files was changed, ISO 8601 in UTC; empty where that is not known.
+    std::string Modified() const;
     OGRFeatureDefn& Definition() const;
     /// Null where it is not known.
     OGRSpatialReference* SpatialReference() const;

@@ -42,7 +42,7 @@ std::string Exercise(const Blob& bytes) {
         EXPECT_EQ(again->IsEmpty(), geometry->IsEmpty());
         if (geometry->GeometryType() == GeometryType::Other) return "";
         Ours(*geometry, tile);
-        ForEachTile(geometry, {edges, edges}, [](std::size_t, std::size_t, const auto&) {});
+        ForEachTile(geometry, {edges, edges}, {}, [](std::size_t, std::size_t, const auto&) {});
         geometry->Clip(tile);
         EXPECT_TRUE(geometry->IsEmpty() || (Bounds{0, 0, 10, 10}.Holds(geometry->Extent())));
         return "";

@@ -208,6 +208,18 @@ EarlierRun ReadEarlierRun(const std::string& folder, const PartNumber& part) {
     return Reader(folder, part).Read();
 }
 
+Json JobIn(const std::string& folder) {
+    const std::string path = folder + "/" + kJobFile;
+    std::error_code missing;
+    if (!fs::exists(path, missing))
+        throw UsageError("\"" + folder + "\" holds no job.json; make its parts with --part K/N");
+    Json job = ReadOurs(path);
+    const std::string command = job.value("command", "");
+    if ((command == "raster" || command == "vector") && job.contains("source") && job.contains("names"))
+        return job;
+    throw UsageError("\"" + path + "\" tells of no job that this program makes parts of");
+}
+
 std::string Difference(const Json& earlier, const Json& now) {
     const auto at = [](const Json& job, const std::string& key) {
         return job.is_object() && job.contains(key) ? job.at(key) : Json(nullptr);

@@ -30,6 +30,8 @@ EarlierRun ReadEarlierRun(const std::string& folder, const PartNumber& part = {}
 
 /// A file of ours, which says so. Fails with UsageError.
 Json ReadOurs(const std::string& path);
+/// The job of the parts in a folder. Fails with UsageError where there is none.
+Json JobIn(const std::string& folder);
 
 /// Says what differs between two jobs; empty for nothing.
 std::string Difference(const Json& earlier, const Json& now);

@@ -6,13 +6,9 @@
 #include <string>
 #include <vector>
 
-namespace orvo::tiling {
+#include "tiling/Parts.h"
 
-/// Which of how many parts of a job; none for a whole run.
-struct PartNumber {
-    int part = 0, parts = 0;
-    bool operator==(const PartNumber&) const = default;
-};
+namespace orvo::tiling {
 
 /// "part-3-of-8.json", what a part leaves when it is done.
 std::string PartRecordName(const PartNumber& part);

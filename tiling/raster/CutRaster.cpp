@@ -59,7 +59,7 @@ class BlockProgress final : public IProgress {
 };
 
 Earlier EarlierOf(const RasterJob& job) {
-    if (job.parts > 0) return Earlier::Part;
+    if (job.part.parts > 0) return Earlier::Part;
     return job.overwrite ? Earlier::Remove : job.resume ? Earlier::Resume : Earlier::Refuse;
 }
 
@@ -106,10 +106,10 @@ class RasterRun {
         constexpr std::size_t kFiles = 4;  // of a tile, usually at most
         std::unique_ptr<DraftSet> drafts;
         try {
-            if (parts_ != nullptr) parts_->AddTo(account_, summary_, summary_.outdir);
+            if (parts_ != nullptr) stretch_ = AddParts(*parts_, account_, summary_);
             work_ = std::make_unique<WorkFolder>(summary_.outdir, part_);
             const std::size_t name = account_.NameOf(account_.Count() - 1).size() + 16;
-            if (job_.parts == 0)
+            if (job_.part.parts == 0)
                 drafts = std::make_unique<DraftSet>(
                     summary_.outdir, IndexRoom(account_.Count(), facts.system.name, kFiles * name));
             if (parts_ == nullptr) CutBlocks();
@@ -119,7 +119,7 @@ class RasterRun {
         }
         Collect();
         if (drafts) AddProducts(facts, *drafts);
-        if (job_.parts > 0) WriteRecord();
+        if (job_.part.parts > 0) WriteRecord();
         const bool named = !summary_.index.empty() || recorded_;
         if (summary_.written > 0 && !named && work_) work_->Keep();
         work_.reset();
@@ -318,7 +318,7 @@ class RasterRun {
             if (!notice.empty()) summary_.notices.push_back(notice);
         };
         if (parts_ != nullptr)
-            say(parts_->Stretch());
+            say(stretch_);
         else if (summary_.written > 0)
             say(plan_.Maker().StretchSaid());
         if (const std::int64_t shifted = account_.Shifted(); shifted > 0) {
@@ -354,7 +354,7 @@ class RasterRun {
     const RasterJob& job_;
     const Callbacks& callbacks_;
     const PartRecords* parts_;
-    const PartNumber part_{job_.part, job_.parts};
+    const PartNumber part_ = job_.part;
     bool recorded_ = false;
     RasterPlan plan_;
     TileAccount& account_ = plan_.Account();
@@ -362,7 +362,8 @@ class RasterRun {
     BlockProgress progress_{callbacks_.progress};
     std::int64_t names_ = 0;  ///< that the component was given
     std::unique_ptr<WorkFolder> work_;
-    std::string source_;  ///< the file that the component believes to cut
+    std::string source_;   ///< the file that the component believes to cut
+    std::string stretch_;  ///< of the parts
     RasterSummary summary_;
 };
 
@@ -374,17 +375,7 @@ RasterSummary CutRaster(const RasterJob& job, const Callbacks& callbacks) {
 
 RasterSummary MergeRaster(const std::string& outdir, const Callbacks& callbacks) {
     const std::string path = OutputFolder(outdir).Path();
-    std::error_code missing;
-    if (!fs::exists(path + "/" + kJobFile, missing))
-        throw UsageError("\"" + path +
-                         "\" holds no job.json; make its parts with orvo-tile raster ... --part K/N");
-    RasterJob job;
-    try {
-        job = JobFromJson(ReadOurs(path + "/" + kJobFile));
-    } catch (const Json::exception& error) {
-        throw UsageError("\"" + path + "/" + kJobFile + "\" tells of no raster job (" + error.what() +
-                         "); only these have parts");
-    }
+    RasterJob job = JobFromJson(JobIn(path));
     job.outdir = outdir;
     const PartRecords parts(path);
     return RasterRun(job, callbacks, &parts).Run();
@@ -393,7 +384,7 @@ RasterSummary MergeRaster(const std::string& outdir, const Callbacks& callbacks)
 std::string PlanOfRaster(const RasterJob& job) {
     OutputFolder folder(job.outdir);
     RasterPlan plan(job);
-    folder.CheckEarlier(EarlierOf(job), plan.SourceFiles(), plan.JobAsJson(), {job.part, job.parts});
+    folder.CheckEarlier(EarlierOf(job), plan.SourceFiles(), plan.JobAsJson(), job.part);
     return plan.AsJson(folder.Path());
 }
 

@@ -67,7 +67,7 @@ RasterGrid::RasterGrid(gdal::RasterLayer& layer, const RasterJob& job)
                                            : PixelsOfSize(job.tileHeight, height_, -t_[5])) {
     SetOrigin(job);
     SetVisited(job);
-    if (job.parts > 0) TakePart(job.part, job.parts);
+    if (job.part.parts > 0) visited_ = PartOfRange(whole_, job.part);
     SayPitch(layer, job);
 }
 
@@ -125,24 +125,6 @@ void RasterGrid::SetVisited(const RasterJob& job) {
     visited_.columns = end(area.right, left_, tileWidth_) - visited_.column;
     visited_.rows = end(area.bottom, top_, tileHeight_) - visited_.row;
     whole_ = visited_;
-}
-
-void RasterGrid::TakePart(int part, int parts) {
-    const std::int64_t most = std::max(visited_.rows, visited_.columns);
-    if (parts > most)
-        throw UsageError("--part: this grid has " + std::to_string(visited_.columns) + " x " +
-                         std::to_string(visited_.rows) + " tiles; give at most " + std::to_string(most) +
-                         " parts");
-    visited_ = PartOfRange(visited_, part, parts);
-}
-
-CellRange PartOfRange(CellRange cells, int part, int parts) {
-    const bool byRows = cells.rows >= cells.columns;
-    std::int64_t &from = byRows ? cells.row : cells.column, &count = byRows ? cells.rows : cells.columns;
-    const std::int64_t begin = count * (part - 1) / parts, end = count * part / parts;
-    from += begin;
-    count = end - begin;
-    return cells;
 }
 
 /// Sizes in map units become whole pixels.

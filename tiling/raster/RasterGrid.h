@@ -8,6 +8,7 @@
 #include "platform/Utility.h"
 #include "platform/gdal/RasterLayer.h"
 #include "platform/raster/TileWindow.h"
+#include "tiling/Parts.h"
 #include "tiling/output/PlacedTile.h"
 #include "tiling/raster/RasterJob.h"
 
@@ -16,19 +17,7 @@ namespace orvo::tiling {
 /// What the component cuts in one run.
 constexpr std::int64_t kMostTiles = 999;
 
-/// Cells of the grid: columns and rows from 0 on at its upper left corner.
-struct CellRange {
-    std::int64_t column = 0;
-    std::int64_t row = 0;
-    std::int64_t columns = 0;
-    std::int64_t rows = 0;
-    std::int64_t Count() const { return columns * rows; }
-};
-
-/// The part-th of so many parts, from 1: whole rows, or whole columns where there are more of these.
-CellRange PartOfRange(CellRange cells, int part, int parts);
-
-/// Tiles of equal size in pixels from an upper left corner, which is the layer's or lies above and left of
+/// Tiles of equal size in pixels, counted from an upper left corner, which is the layer's or lies above and left of
 /// it. All places are worked out from the layer's own geotransform, so nothing accumulates.
 class RasterGrid {
   public:
@@ -67,7 +56,6 @@ class RasterGrid {
   private:
     void SetOrigin(const RasterJob& job);
     void SetVisited(const RasterJob& job);
-    void TakePart(int part, int parts);
     void SayPitch(gdal::RasterLayer& layer, const RasterJob& job);
 
     std::array<double, 6> t_;  ///< the layer's geotransform

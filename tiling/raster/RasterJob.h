@@ -8,6 +8,7 @@
 #include "platform/Geometry.h"
 #include "platform/raster/ImageFormat.h"
 #include "tiling/Callbacks.h"
+#include "tiling/JobControl.h"
 #include "tiling/output/PlacedTile.h"
 #include "tiling/output/TileNames.h"
 #include "tiling/raster/RasterSummary.h"
@@ -20,7 +21,7 @@ enum class Values {
     Refuse    ///< the job
 };
 
-struct RasterJob {
+struct RasterJob : JobControl {
     /// Raster files, or rasters inside containers by the names that GDAL gives them; several make one mosaic.
     std::vector<std::string> inputs;
     std::string outdir;     ///< made where it is missing
@@ -44,15 +45,6 @@ struct RasterJob {
     bool worldFiles = false;  ///< says where tiles lie beside them, too
     bool vrt = false;         ///< writes one virtual raster over all tiles
     bool preview = false;     ///< writes a page that shows the tiles where they lie
-    bool overwrite = false;   ///< removes the files of earlier runs from `outdir` first
-    bool resume = false;      ///< goes on where a run of the same job ended
-    /// Threads that read, encode and convert; 0 for one a core. The files are the same for every number.
-    int jobs = 0;
-    std::string program;  ///< name and version of the program, kept in job.json
-    /// The part-th of so many parts of the grid, from 1; 0 for the whole. A part makes its tiles and a record
-    /// of them; MergeRaster makes the rest of all parts' records.
-    int part = 0, parts = 0;
-    std::vector<std::string> command;  ///< that makes the part, for people: kept in its record
 };
 
 /// Cuts the layer, writes the index and what else the job asks for, and accounts for each tile. Failures are

@@ -1,12 +1,12 @@
 #include "tiling/raster/RasterPlan.h"
 
-#include <chrono>
 #include <filesystem>
 #include <utility>
 
 #include "platform/gdal/SourceFiles.h"
 #include "tiling/Errors.h"
 #include "tiling/Paths.h"
+#include "tiling/output/SourceStamp.h"
 #include "tiling/output/TileIndex.h"
 
 namespace fs = std::filesystem;
@@ -24,24 +24,6 @@ std::shared_ptr<gdal::RasterLayer> Open(const RasterJob& job) {
     if (!job.name.empty() && !fs::exists(job.name))
         throw UsageError("--name " + job.name + " is no file; give the image file that the converter gets");
     return gdal::OpenRasterLayer(gdal::RasterSource{job.inputs, job.bands});
-}
-
-/// Of the disk where it stands there.
-std::string FullName(const std::string& input) {
-    std::error_code failed;
-    return fs::exists(input, failed) ? fs::weakly_canonical(input, failed).string() : input;
-}
-
-/// Size and time tell whether a file has changed since.
-Json Stamp(const std::string& file) {
-    std::error_code failed;
-    const fs::path path = fs::weakly_canonical(file, failed);
-    Json stamp{{"path", path.string()}, {"size", nullptr}, {"modified", nullptr}};
-    if (!fs::is_regular_file(path, failed)) return stamp;
-    stamp["size"] = fs::file_size(path, failed);
-    const auto time = std::chrono::file_clock::to_sys(fs::last_write_time(path, failed));
-    stamp["modified"] = std::chrono::duration_cast<std::chrono::nanoseconds>(time.time_since_epoch()).count();
-    return stamp;
 }
 
 Json Edges(const std::optional<Rectangle>& r) {
@@ -145,20 +127,13 @@ std::vector<std::string> RasterPlan::Notices() const {
 }
 
 Json RasterPlan::JobAsJson() const {
-    Json source = Json::object();
-    for (const std::string& file : SourceFiles()) {
-        Json stamp = Stamp(file);
-        if (!stamp["size"].is_null())
-            source[stamp["path"].get<std::string>()] = {{"size", stamp["size"]},
-                                                        {"modified", stamp["modified"]}};
-    }
     Json inputs = Json::array();
     for (const std::string& input : job_.inputs) inputs.push_back(FullName(input));
     return {{"generator", kGenerator},
             {"command", "raster"},
             {"program", job_.program},
             {"inputs", inputs},
-            {"source", source},
+            {"source", SourceStamps(SourceFiles())},
             {"options", Options(job_)},
             {"grid", GridAsJson(grid_)},
             {"names",

@@ -176,12 +176,7 @@ std::vector<std::string> TileAccount::Companions() const {
 }
 
 int TileAccount::PartOf(std::int64_t tile, int parts) const {
-    for (int part = 1; part < parts; ++part) {
-        const CellRange cells = PartOfRange(grid_.Whole(), part, parts);
-        const std::int64_t column = ColumnOf(tile) - 1 - cells.column, row = RowOf(tile) - 1 - cells.row;
-        if (column >= 0 && column < cells.columns && row >= 0 && row < cells.rows) return part;
-    }
-    return parts;
+    return PartOfCell(grid_.Whole(), ColumnOf(tile) - 1, RowOf(tile) - 1, parts);
 }
 
 std::vector<std::int64_t> TileAccount::Vanished(const std::string& folder) {

@@ -22,12 +22,6 @@ int TilesThatWait(const RasterJob& job, const BlockLayer& block, const TileMaker
     return static_cast<int>(job.converter.empty() ? most : std::min(most, programs));
 }
 
-/// One thread is none beside the component's.
-int ThreadsAhead(const RasterJob& job) {
-    const int threads = ThreadsOf(job.jobs);
-    return threads > 1 ? threads : 0;
-}
-
 }  // namespace
 
 TilesAhead::TilesAhead(const BlockInWork& block, const CellPlan& plan, TileMaker& maker,
@@ -49,8 +43,8 @@ TilesAhead::TilesAhead(const BlockInWork& block, const CellPlan& plan, TileMaker
           }
           return names;
       }()),
-      ahead_(plan.Count(), ThreadsAhead(job), TilesThatWait(job, block.layer, maker),
-             [this](std::int64_t cell) { return Begin(cell); }) {}
+      ahead_(plan.Count(), ThreadsAhead(job.jobs), {TilesThatWait(job, block.layer, maker)},
+             [this](std::int64_t cell) { return Ahead<ReadyTile>::Begun{Begin(cell)}; }) {}
 
 std::optional<ReadyTile> TilesAhead::Take(std::int64_t cell, const raster::TileWindow& window) {
     std::optional<ReadyTile> ready = ahead_.Take(cell, callbacks_.interrupted);

@@ -1,22 +1,22 @@
 // A vector run, from the opened layer to the summary.
-#include <ogr_feature.h>
-
+#include <algorithm>
 #include <filesystem>
 #include <memory>
 
 #include "platform/FailureInFlight.h"
-#include "platform/gdal/Attributes.h"
 #include "tiling/Errors.h"
 #include "tiling/WatchedPlatform.h"
 #include "tiling/output/OutputFolder.h"
+#include "tiling/output/PartRecords.h"
 #include "tiling/output/PreviewPage.h"
 #include "tiling/output/Publish.h"
-#include "tiling/output/ReferenceSystem.h"
 #include "tiling/output/TileIndex.h"
 #include "tiling/output/WorkFolder.h"
 #include "tiling/vector/FeatureIntake.h"
+#include "tiling/vector/TileFiles.h"
 #include "tiling/vector/VectorJob.h"
-#include "tiling/vector/VectorLayerSource.h"
+#include "tiling/vector/VectorParts.h"
+#include "tiling/vector/VectorPlan.h"
 
 namespace orvo::tiling {
 namespace {
@@ -50,63 +50,59 @@ class TwoPhaseProgress {
     std::int64_t shown_ = 0;
 };
 
+Earlier EarlierOf(const VectorJob& job) {
+    if (job.part.parts > 0) return Earlier::Part;
+    return job.overwrite ? Earlier::Remove : job.resume ? Earlier::Resume : Earlier::Refuse;
+}
+
 class VectorRun {
   public:
-    VectorRun(const VectorJob& job, const Callbacks& callbacks)
-        : job_(job), callbacks_(callbacks), watched_(callbacks.interrupted, EventsOfRun()) {}
+    /// @param records of the parts that are put together, in place of cutting; null for none
+    VectorRun(const VectorJob& job, const Callbacks& callbacks, const PartRecords* records = nullptr)
+        : job_(job),
+          callbacks_(callbacks),
+          records_(records),
+          watched_(callbacks.interrupted, EventsOfRun()),
+          plan_(job),
+          grid_(plan_.Grid()),
+          tiles_(plan_.Grid(), plan_.Writer()) {}
 
     VectorSummary Run() {
-        layer_ = OpenLayer(job_);
         OutputFolder folder(job_.outdir);
-        folder.CheckEarlier(job_.overwrite ? Earlier::Remove : Earlier::Refuse, layer_->Files(), JobAsJson());
-        grid_ = std::make_unique<VectorGrid>(layer_, job_.sizes, job_.prefix);
+        folder.CheckEarlier(records_ != nullptr ? Earlier::Merge : EarlierOf(job_), plan_.Layer().Files(),
+                            plan_.JobAsJson(), part_);
         summary_.input = job_.input;
-        summary_.layer = layer_->Name();
+        summary_.layer = plan_.Layer().Name();
         summary_.outdir = folder.Path();
-        summary_.grid = grid_->Plan();
-        PrepareWriter();
-        folder.Prepare();
+        summary_.grid = grid_.Plan();
+        summary_.isPart = job_.part.parts > 0;
+        summary_.notices = plan_.Notices();
+        tiles_.Keep(folder.Prepare());
         try {
-            Cut(folder.Path());
-            AddProducts(folder.Path());
+            if (records_ != nullptr) parts_.emplace(*records_, grid_, plan_.Writer(), tiles_, summary_);
+            Work(folder.Path());
         } catch (...) {
             Finish(folder);
             throw;
         }
         Finish(folder);
-        summary_.shown = watched_.Shown();
+        summary_.shown += watched_.Shown();
         summary_.interrupted = callbacks_.interrupted();
         return std::move(summary_);
     }
 
   private:
-    /// What no index names stands in the journal.
+    /// What no index and no record names stands in the journal.
     void Finish(OutputFolder& folder) {
         drafts_.reset();
         spool_.reset();
-        const bool unnamed = summary_.index.empty() && summary_.written > 0;
-        if (unnamed) work_->Keep();
+        const bool isNamed = !summary_.index.empty() || isRecorded_;
+        const bool unnamed = !isNamed && !tiles_.All().empty();
+        if (unnamed && work_) work_->Keep();
         work_.reset();
-        if (summary_.index.empty() && !unnamed) folder.RemoveJob();
+        if (!isNamed && !unnamed) folder.RemoveJob();
+        if (records_ != nullptr && !summary_.index.empty()) folder.RemoveRecords(records_->Names());
         folder.RemoveIfUnused();
-    }
-
-    Json JobAsJson() const {
-        const TileSizes& sizes = job_.sizes;
-        return {{"generator", kGenerator},
-                {"command", "vector"},
-                {"program", job_.program},
-                {"inputs", {job_.input}},
-                {"options",
-                 {{"layer", job_.layer},
-                  {"tile_width", sizes.width},
-                  {"tile_height", sizes.height},
-                  {"columns", sizes.columns},
-                  {"rows", sizes.rows},
-                  {"id", job_.prefix},
-                  {"format", job_.format},
-                  {"strict", job_.strict},
-                  {"preview", job_.preview}}}};
     }
 
     WatchedPlatform::Events EventsOfRun() {
@@ -117,97 +113,104 @@ class VectorRun {
         return events;
     }
 
-    void PrepareWriter() {
-        const ReferenceSystem system = NameReferenceSystem(layer_->SpatialReference());
-        if (!system.notice.empty()) summary_.notices.push_back(system.notice);
-        system_ = system.name;
-        const auto free = [&](const char* name) {
-            std::string found = gdal::FreeFieldName(layer_->Definition(), name);
-            if (found != name)
-                summary_.notices.push_back("the layer has a field \"" + std::string(name) +
-                                           "\": ours is called \"" + found + "\"");
-            return found;
-        };
-        added_ = {free("source_fid"), free("tile"), free("reason")};
-        writer_ = MakePieceWriter(job_.format, *layer_, added_, system_);
-        if (layer_->Definition().GetGeomFieldCount() > 1)
-            summary_.notices.emplace_back(
-                "the layer has several columns of geometries: the first one is cut");
-        const GridPlan& plan = grid_->Plan();
-        if (plan.emptyColumns > 0 || plan.emptyRows > 0) {
-            summary_.notices.push_back("beyond the layer lie columns: " + std::to_string(plan.emptyColumns) +
-                                       ", rows: " + std::to_string(plan.emptyRows) +
-                                       "; a tile's size goes up to whole map units");
-        }
-    }
-
-    void Cut(const std::string& folder) {
-        work_ = std::make_unique<WorkFolder>(folder);
-        WorkFolder& work = *work_;
-        spool_ = std::make_unique<TileSpool>(work.Path(), kSpoolMemory);
-        if (job_.preview) sketch_ = std::make_unique<VectorSketch>(grid_->Whole(), kMostDrawn);
-        intake_ = std::make_unique<FeatureIntake>(*layer_, *grid_, job_.strict, added_,
-                                                  FeatureIntake::Targets{*writer_, *spool_, sketch_.get()});
-        const GridPlan& plan = grid_->Plan();
-        callbacks_.notice("cutting the layer " + layer_->Name() + " into " + std::to_string(plan.columns) +
-                          " x " + std::to_string(plan.rows) + " tiles of " + std::to_string(plan.width) +
-                          " x " + std::to_string(plan.height) + " map units");
+    void Work(const std::string& folder) {
+        work_ = std::make_unique<WorkFolder>(folder, part_);
+        spool_ = std::make_unique<TileSpool>(work_->Path(), kSpoolMemory);
+        if (job_.preview && job_.part.parts == 0)
+            sketch_ = std::make_unique<VectorSketch>(grid_.Whole(), kMostDrawn);
+        const GridPlan& plan = grid_.Plan();
+        callbacks_.notice((records_ != nullptr ? "merging the tiles of the layer " : "cutting the layer ") +
+                          summary_.layer + (records_ != nullptr ? ", " : " into ") +
+                          std::to_string(plan.columns) + " x " + std::to_string(plan.rows) + " tiles of " +
+                          std::to_string(plan.width) + " x " + std::to_string(plan.height) + " map units");
         TwoPhaseProgress progress(callbacks_.progress);
-        ReadFeatures(progress);
-        writer_->CheckRecords();
-        writer_->Prepare(work.Path());
-        work.Clear();
-        WriteTiles(work, folder, progress);
-        for (std::string& notice : writer_->Notices()) summary_.notices.push_back(std::move(notice));
+        const bool isWhole = ReadFeatures(progress);
+        if (records_ == nullptr) {
+            WriteTiles(folder, progress);
+        } else {
+            summary_.occupied = static_cast<std::int64_t>(tiles_.All().size());
+            Try([&] { ReserveIndex(folder); });
+        }
+        for (std::string& notice : plan_.Writer().Notices()) summary_.notices.push_back(std::move(notice));
+        CountTiles(folder);
+        if (job_.part.parts == 0)
+            AddProducts(folder);
+        else if (isWhole)
+            WriteRecord(folder);
     }
 
-    void ReadFeatures(TwoPhaseProgress& progress) {
-        const std::int64_t count = layer_->FeatureCount();
-        intake_->Read(callbacks_.interrupted,
-                      [&](std::int64_t done) { progress.Reach(TwoPhaseProgress::kReading, done, count); });
+    /// @return whether it came to its end
+    bool ReadFeatures(TwoPhaseProgress& progress) {
+        GeometryCutter cutter(grid_, job_.strict, [this](Long column, Long row, const geos::Geometry& piece) {
+            const std::int64_t number = std::int64_t{row - 1} * grid_.Plan().columns + column - 1;
+            spool_->Add(number, plan_.Writer().Record(grid_.NameOf(column, row), piece));
+        });
+        const auto place = [&](const IncomingFeature::Part& part) {
+            return parts_ ? parts_->Next() : Cut(cutter, part);
+        };
+        const bool cuts = records_ == nullptr;
+        intake_ = std::make_unique<FeatureIntake>(
+            plan_.Layer(), grid_, plan_.Added(),
+            FeatureIntake::Targets{cuts ? &plan_.Writer() : nullptr, *spool_, sketch_.get(),
+                                   job_.part.parts > 0 ? &placements_ : nullptr},
+            place);
+        const std::int64_t count = plan_.Layer().FeatureCount();
+        // Nothing is foretold where nothing is cut.
+        const bool isWhole = intake_->Read(
+            cuts ? job_.jobs : 1, callbacks_.interrupted,
+            [&](std::int64_t done) { progress.Reach(TwoPhaseProgress::kReading, done, count); });
+        if (cuts) summary_.coveredLeftOut = cutter.CoveredLeftOut();
         intake_->Report(summary_);
+        return isWhole;
     }
 
-    void WriteTiles(WorkFolder& work, const std::string& folder, TwoPhaseProgress& progress) {
+    static Placement Cut(GeometryCutter& cutter, const IncomingFeature::Part& part) {
+        const std::int64_t before = cutter.CoveredLeftOut();
+        Placement placement;
+        try {
+            cutter.Cut(part.geometry, part.foretold);
+            placement.failure = cutter.Refusal();
+        } catch (const RuntimeError& error) {
+            placement.failure = error.Description();
+        }
+        placement.isPlaced = cutter.Placed() > 0;
+        placement.isLeftOut = cutter.CoveredLeftOut() > before;
+        return placement;
+    }
+
+    void WriteTiles(const std::string& folder, TwoPhaseProgress& progress) {
+        PieceWriter& writer = plan_.Writer();
+        writer.CheckRecords();
+        writer.Prepare(work_->Path());
+        work_->Clear();
         const auto counts = spool_->Counts();
         summary_.occupied = static_cast<std::int64_t>(counts.size() - counts.count(kSkippedRecords));
-        Try([&] { ReserveIndex(folder); });
-        if (!drafts_) return;
+        if (job_.part.parts == 0) Try([&] { ReserveIndex(folder); });
+        const bool hasRoom = job_.part.parts > 0 || drafts_;
         std::int64_t done = 0;
         for (const auto& [number, pieces] : counts) {
             if (number == kSkippedRecords) continue;
-            if (callbacks_.interrupted()) continue;
-            WriteTile(work, number, pieces);
+            missing_.push_back(number);
+            if (!hasRoom || callbacks_.interrupted()) continue;
+            std::string failure = tiles_.Write(
+                number, pieces, [&, n = number](const auto& take) { spool_->Read(n, take); }, *work_);
+            if (failure.empty())
+                missing_.pop_back();
+            else
+                summary_.failures.push_back({IdOf(number), std::move(failure)});
             progress.Reach(TwoPhaseProgress::kWriting, ++done, static_cast<std::int64_t>(counts.size()));
         }
+    }
+
+    std::string IdOf(std::int64_t number) const {
+        const std::string name = tiles_.NameOf(number);
+        return name.substr(0, name.rfind('.'));
     }
 
     void ReserveIndex(const std::string& folder) {
         constexpr std::size_t kFiles = 8, kName = 24;  // at most, of one tile
         drafts_ = std::make_unique<DraftSet>(
-            folder, IndexRoom(summary_.occupied, system_, kFiles * (job_.prefix.size() + kName)));
-    }
-
-    void WriteTile(WorkFolder& work, std::int64_t number, std::int64_t pieces) {
-        const Long column = static_cast<Long>(number % grid_->Plan().columns) + 1;
-        const Long row = static_cast<Long>(number / grid_->Plan().columns) + 1;
-        const std::string id = grid_->NameOf(column, row);
-        const std::string name = id + "." + writer_->Extension();
-        try {
-            writer_->Write(work.Path() + "/" + name, id,
-                           [&](const auto& take) { spool_->Read(number, take); });
-            for (std::string& companion : work.PublishAll(name, writer_->WritesSideFiles()))
-                companions_.push_back(std::move(companion));
-        } catch (...) {
-            work.Clear();
-            summary_.failures.push_back({id, work.WithoutPath(FailureInFlight().Description())});
-            return;
-        }
-        const geos::Bounds b = grid_->BoundsOf(column, row);
-        const Rectangle place{b.xMin, b.yMin, b.xMax, b.yMax};
-        const std::int64_t rowFromTop = grid_->Plan().rows - row + 1;
-        tiles_.push_back({name, column, rowFromTop, place, place, 0, 0, id, column, row});
-        pieces_.emplace(name, pieces);
+            folder, IndexRoom(summary_.occupied, plan_.System(), kFiles * (job_.prefix.size() + kName)));
     }
 
     template <class Step>
@@ -219,16 +222,35 @@ class VectorRun {
         }
     }
 
+    /// Counts the tiles, but for those that somebody has removed.
+    void CountTiles(const std::string& folder) {
+        for (const std::int64_t number : tiles_.Vanished(folder)) {
+            missing_.push_back(number);
+            summary_.failures.push_back(
+                {IdOf(number), "the tile " + tiles_.NameOf(number) + " has vanished"});
+        }
+        summary_.written = static_cast<std::int64_t>(tiles_.All().size());
+        for (const auto& [number, entry] : tiles_.All()) summary_.pieces += entry.pieces;
+    }
+
+    void WriteRecord(const std::string& folder) {
+        const Json record = VectorPartRecord(PartHead(part_, job_.command), tiles_, missing_, placements_,
+                                             summary_, plan_.Writer().Findings());
+        const std::string path = folder + "/" + PartRecordName(part_);
+        const auto failed = files::WriteWhole(path, TextOf(record) + "\n");
+        if (failed) summary_.errors.push_back("cannot write \"" + path + "\": " + failed.message());
+        isRecorded_ = !failed;
+    }
+
     void AddProducts(const std::string& folder) {
-        CountTiles(folder);
-        if (!drafts_ || (tiles_.empty() && summary_.Skipped() == 0)) return;
+        if (!drafts_ || (tiles_.All().empty() && summary_.Skipped() == 0)) return;
         Try([&] { AddSkipped(folder); });
         Try([&] { AddPage(); });
         Try([&] {
             summary_.index = drafts_->Publish([&](const std::vector<std::string>& names) {
-                std::vector<std::string> companions = companions_;
+                std::vector<std::string> companions = tiles_.Companions();
                 companions.insert(companions.end(), names.begin(), names.end());
-                return IndexText(TilesThere(), system_, companions);
+                return IndexText(tiles_.List(), plan_.System(), companions);
             });
         });
         const auto& errors = drafts_->Errors();
@@ -237,62 +259,51 @@ class VectorRun {
         summary_.preview = drafts_->PathOf("index");
     }
 
-    /// Counts the tiles, but for those that somebody has removed.
-    void CountTiles(const std::string& folder) {
-        std::erase_if(tiles_, [&](const PlacedTile& tile) {
-            std::error_code missing;
-            if (std::filesystem::is_regular_file(folder + "/" + tile.name, missing)) {
-                ++summary_.written;
-                summary_.pieces += pieces_.at(tile.name);
-                return false;
-            }
-            summary_.failures.push_back({tile.id, "the tile " + tile.name + " has vanished"});
-            return true;
-        });
-    }
-
-    TileList TilesThere() const {
-        return [this](const auto& take) {
-            for (const PlacedTile& tile : tiles_) take(tile);
-        };
-    }
-
     void AddSkipped(const std::string& folder) {
         if (summary_.Skipped() == 0) return;
         auto draft = std::make_unique<DraftFile>(folder, ".geojson");
-        WriteFeatures(draft->Path(), "skipped", system_,
+        WriteFeatures(draft->Path(), "skipped", plan_.System(),
                       [&](const auto& take) { spool_->Read(kSkippedRecords, take); });
         drafts_->Add("skipped", ".geojson", std::move(draft));
     }
 
     void AddPage() {
-        if (!sketch_ || tiles_.empty()) return;
-        drafts_->Add("index", ".html", PreviewPage(layer_->Name(), TilesThere(), sketch_->ToJson()));
+        if (!sketch_ || tiles_.All().empty()) return;
+        drafts_->Add("index", ".html", PreviewPage(summary_.layer, tiles_.List(), sketch_->ToJson()));
     }
 
     const VectorJob& job_;
     const Callbacks& callbacks_;
-    std::shared_ptr<gdal::VectorLayer> layer_;
-    std::unique_ptr<VectorGrid> grid_;
-    AddedFields added_;
-    std::string system_;
-    std::unique_ptr<PieceWriter> writer_;
+    const PartRecords* records_;
+    const PartNumber part_ = job_.part;
+    std::unique_ptr<FeatureIntake> intake_;
+    WatchedPlatform watched_;
+    VectorPlan plan_;
+    VectorGrid& grid_;
+    TileFiles tiles_;
+    VectorSummary summary_;
+    std::optional<VectorParts> parts_;
     std::unique_ptr<WorkFolder> work_;
     std::unique_ptr<TileSpool> spool_;
     std::unique_ptr<DraftSet> drafts_;
-    std::vector<PlacedTile> tiles_;
-    std::map<std::string, std::int64_t> pieces_;  ///< by a tile's name
-    std::vector<std::string> companions_;
-    VectorSummary summary_;
     std::unique_ptr<VectorSketch> sketch_;
-    std::unique_ptr<FeatureIntake> intake_;
-    WatchedPlatform watched_;
+    Placements placements_;              ///< in a part of the grid
+    std::vector<std::int64_t> missing_;  ///< numbers of tiles with pieces that are not there
+    bool isRecorded_ = false;
 };
 
 }  // namespace
 
 VectorSummary CutVector(const VectorJob& job, const Callbacks& callbacks) {
     return VectorRun(job, callbacks).Run();
+}
+
+VectorSummary MergeVector(const std::string& outdir, const Callbacks& callbacks) {
+    const std::string path = OutputFolder(outdir).Path();
+    VectorJob job = VectorJobFromJson(JobIn(path));
+    job.outdir = outdir;
+    const PartRecords records(path);
+    return VectorRun(job, callbacks, &records).Run();
 }
 
 }  // namespace orvo::tiling

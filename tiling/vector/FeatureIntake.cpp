@@ -2,9 +2,10 @@
 
 #include <ogr_feature.h>
 
+#include <utility>
+
 #include "platform/RuntimeError.h"
 #include "platform/gdal/Attributes.h"
-#include "platform/gdal/FeatureParts.h"
 #include "tiling/vector/geometry/WorkLimit.h"
 
 namespace orvo::tiling {
@@ -16,39 +17,28 @@ const char* const kNothing = "clipping gave nothing";
 
 }  // namespace
 
-FeatureIntake::FeatureIntake(gdal::VectorLayer& layer, VectorGrid& grid, bool strict,
-                             const AddedFields& added, Targets targets)
-    : layer_(layer),
-      grid_(grid),
-      added_(added),
-      to_(targets),
-      cutter_(grid, strict, [this](Long column, Long row, const geos::Geometry& piece) {
-          const std::int64_t number = std::int64_t{row - 1} * grid_.Plan().columns + column - 1;
-          to_.spool.Add(number, to_.writer.Record(grid_.NameOf(column, row), piece));
-      }) {}
-
-void FeatureIntake::Read(const std::function<bool()>& interrupted,
+bool FeatureIntake::Read(int jobs, const std::function<bool()>& interrupted,
                          const std::function<void(std::int64_t features)>& tick) {
-    layer_.Rewind();
     const geos::WorkLimit limit(interrupted);
     try {
-        while (!interrupted()) {
-            const auto feature = layer_.Next();
-            if (!feature) break;
+        FeaturesAhead ahead(layer_, grid_, jobs);
+        while (const auto incoming = ahead.Next(interrupted)) {
             ++in_;
-            Place(*feature);
+            Place(*incoming);
             tick(in_);
         }
     } catch (const RuntimeError& error) {
         brokenOff_ = error.Description();
     }
+    return !interrupted();
 }
 
-void FeatureIntake::Place(const OGRFeature& feature) {
-    const gdal::FeatureParts parts = gdal::PartsOf(feature.GetGeometryRef());
+void FeatureIntake::Place(const IncomingFeature& incoming) {
+    const gdal::FeatureParts& parts = incoming.parts;
+    const OGRFeature& feature = *incoming.feature;
     if (parts.wkb.empty()) {
-        const bool damaged = !layer_.Complaint().empty();
-        if (damaged && complaint_.empty()) complaint_ = layer_.Complaint();
+        const bool damaged = !incoming.complaint.empty();
+        if (damaged && complaint_.empty()) complaint_ = incoming.complaint;
         Skip(feature, damaged ? kUnreadable : parts.reason, nullptr);
         lost_ += parts.holdsNothing && !damaged ? 0 : 1;
         return;
@@ -56,47 +46,54 @@ void FeatureIntake::Place(const OGRFeature& feature) {
     linearised_ += parts.linearised ? 1 : 0;
     surfaces_ += parts.surfaces ? 1 : 0;
     measured_ += parts.measures ? 1 : 0;
-    to_.writer.Begin(feature);
-    pieces_ = 0;
+    if (to_.writer != nullptr) to_.writer->Begin(feature);
+    isPlaced_ = false;
     failure_.clear();
     reason_ = parts.reason;
     last_.reset();
-    for (const auto& wkb : parts.wkb) CutPart(wkb);
+    for (std::size_t i = 0; i < parts.wkb.size(); ++i) PlacePart(incoming.geometries[i], parts.wkb[i]);
     CountFeature(feature);
 }
 
-void FeatureIntake::CutPart(const std::vector<unsigned char>& wkb) {
-    try {
-        last_ = geos::Geometry::FromWkb(wkb);
-    } catch (const RuntimeError& error) {
-        reason_ = error.Description();
+void FeatureIntake::PlacePart(const IncomingFeature::Part& part, const std::vector<unsigned char>& wkb) {
+    last_ = part.geometry;
+    if (!last_) {
+        reason_ = part.failure;
         return;
     }
-    // What lies in the grid already is cut alike before and after.
-    if (!last_->IsEmpty() && !grid_.Whole().Holds(last_->Extent())) {
-        grid_.ReachOut(last_->Extent());
-        reachedOut_ = true;
-    }
-    const std::int64_t coveredBefore = cutter_.CoveredLeftOut();
-    try {
-        cutter_.Cut(last_);
-        if (!cutter_.Refusal().empty()) failure_ = cutter_.Refusal();
-    } catch (const RuntimeError& error) {
-        failure_ = error.Description();
-    }
-    pieces_ += cutter_.Placed();
-    const bool coversOnly = cutter_.CoveredLeftOut() > coveredBefore;
-    if (cutter_.Placed() == 0 && !coversOnly) reason_ = kNothing;
+    ReachOut(*last_);
+    if (to_.writer != nullptr) to_.writer->Expect(*last_, wkb, IsCut(last_->Extent()));
+    std::string earlier = std::exchange(failure_, "");
+    Placement placement = place_(part);
+    if (placement.failure.empty()) placement.failure = failure_;
+    failure_ = placement.failure.empty() ? std::move(earlier) : placement.failure;
+    isPlaced_ = isPlaced_ || placement.isPlaced;
+    if (!placement.isPlaced && !placement.isLeftOut) reason_ = kNothing;
+    if (to_.placements != nullptr) to_.placements->Add(placement);
     if (to_.sketch != nullptr) to_.sketch->Add(last_->Coordinates());
+}
+
+/// What lies in the grid already is cut alike before and after.
+void FeatureIntake::ReachOut(const geos::Geometry& geometry) {
+    if (geometry.IsEmpty() || grid_.Whole().Holds(geometry.Extent())) return;
+    grid_.ReachOut(geometry.Extent());
+    reachedOut_ = true;
+}
+
+bool FeatureIntake::IsCut(const geos::Bounds& extent) const {
+    const auto &columns = grid_.Edges().columns, &rows = grid_.Edges().rows;
+    return columns[IntervalOf(columns, extent.xMin)].high < extent.xMax ||
+           rows[IntervalOf(rows, extent.yMin)].high < extent.yMax;
 }
 
 void FeatureIntake::CountFeature(const OGRFeature& feature) {
     if (!failure_.empty()) reason_ = failure_;
-    if (pieces_ > 0) {
+    if (isPlaced_) {
         ++placed_;
-        partly_ += reason_.empty() ? 0 : 1;
-        return;
+        partly_ += reason_.empty() || to_.placements != nullptr ? 0 : 1;
     }
+    if (to_.placements != nullptr) failed_ += failure_.empty() ? 0 : 1;
+    if (isPlaced_ || to_.placements != nullptr) return;
     if (reason_.empty()) return Skip(feature, kCoveredOnly, last_.get());
     ++lost_;
     Skip(feature, reason_, last_.get());
@@ -104,6 +101,7 @@ void FeatureIntake::CountFeature(const OGRFeature& feature) {
 
 void FeatureIntake::Skip(const OGRFeature& feature, const std::string& reason,
                          const geos::Geometry* geometry) {
+    if (to_.placements != nullptr) return;  // the whole run skips it
     ++skipped_[reason];
     std::string record = FeatureHead(feature, added_.id) + gdal::JsonText(added_.reason) + ':' +
                          gdal::JsonText(reason) + "},\"geometry\":";
@@ -119,7 +117,6 @@ void FeatureIntake::Report(VectorSummary& summary) const {
     summary.placed = placed_;
     summary.skipped = skipped_;
     summary.lost = lost_;
-    summary.coveredLeftOut = cutter_.CoveredLeftOut();
     const auto features = [](std::int64_t count, const std::string& what) {
         return std::to_string(count) + (count == 1 ? " feature " : " features ") + what;
     };
@@ -136,13 +133,15 @@ void FeatureIntake::Report(VectorSummary& summary) const {
     note(measured_, "had measures, which are not kept");
     note(layer_.MendedCount(), "had texts that are not UTF-8, first in the field \"" + layer_.MendedField() +
                                    "\": what cannot be read is U+FFFD now; bring the source to UTF-8 first");
-    if (cutter_.CoveredLeftOut() > 0) {
+    if (summary.coveredLeftOut > 0) {
         summary.notices.push_back(
-            std::to_string(cutter_.CoveredLeftOut()) +
+            std::to_string(summary.coveredLeftOut) +
             " times an area got nothing for a tile that it covers, as --strict asks for");
     }
     if (!complaint_.empty()) summary.errors.push_back("the source is damaged: " + complaint_);
     if (!brokenOff_.empty()) summary.errors.push_back(brokenOff_);
+    if (failed_ > 0)
+        summary.errors.push_back(features(failed_, "met failures; the merge tells what became of them"));
     if (partly_ > 0) summary.errors.push_back(features(partly_, "placed, but not with all parts"));
 }
 

@@ -7,36 +7,48 @@
 
 namespace orvo::tiling {
 
-std::size_t GeometryCutter::Cut(const std::shared_ptr<geos::Geometry>& geometry) {
+std::size_t GeometryCutter::Cut(const std::shared_ptr<geos::Geometry>& geometry, const Foretold& foretold) {
     placed_.clear();
     leftOut_.clear();
     refusal_.clear();
+    given_ = 0;
     if (geometry->GeometryType() == GeometryType::Point) {
         const TileNumbers tile = grid_.Locate(geometry);
         if (tile.column > 0) Give(tile.column, tile.row, *geometry);
-        return placed_.size();
+        return given_;
     }
-    CutAtTiles(geometry);
+    const bool isKnown = foretold.whole == grid_.Whole();
+    CutAtTiles(geometry, isKnown ? &foretold.visits : nullptr);
     // What is mended is quicker to cut: the rest of the tiles get it.
-    if (const auto mended = geometry->Mended()) CutAtTiles(mended);
+    if (const auto mended = geometry->Mended()) CutAtTiles(mended, isKnown ? &foretold.mended : nullptr);
     refusal_ = geometry->Refusal();
     if (geometry->GeometryType() == GeometryType::Polyline) AddSections(geometry->Coordinates());
-    return placed_.size();
+    return given_;
 }
 
-/// Leaves out the tiles that have got their pieces, and ends when the geometry proves to need mending.
-void GeometryCutter::CutAtTiles(const std::shared_ptr<geos::Geometry>& geometry) {
+/// Leaves out the tiles that have got their pieces, and ends when the geometry proves to need mending; what
+/// is foretold ends there anyway.
+void GeometryCutter::CutAtTiles(const std::shared_ptr<geos::Geometry>& geometry,
+                                const std::vector<Foretold::Visit>* foretold) {
     std::vector<Numbers> done = placed_;
     done.insert(done.end(), leftOut_.begin(), leftOut_.end());
     std::ranges::sort(done);
-    geos::ForEachTile(geometry, grid_.Edges(),
-                      [&](std::size_t x, std::size_t y, const std::shared_ptr<geos::Geometry>& around) {
-                          geos::WorkLimit::Require();
-                          const Numbers tile{static_cast<Long>(x) + 1, static_cast<Long>(y) + 1};
-                          const bool isOver = geometry->Mended() != nullptr || !geometry->Refusal().empty();
-                          if (!isOver && !std::ranges::binary_search(done, tile))
-                              CutAtTile(tile.first, tile.second, around);
-                      });
+    const auto visit = [&](std::size_t x, std::size_t y, const std::shared_ptr<geos::Geometry>& around) {
+        const Numbers tile{static_cast<Long>(x) + 1, static_cast<Long>(y) + 1};
+        if (!std::ranges::binary_search(done, tile)) CutAtTile(tile.first, tile.second, around);
+    };
+    if (foretold != nullptr) {
+        for (const auto& [column, row, around] : *foretold) {
+            geos::WorkLimit::Require();
+            visit(column, row, around);
+        }
+        return;
+    }
+    const geos::TileSpan span = SpanToVisit(*geometry, grid_.Edges(), grid_.Own());
+    geos::ForEachTile(geometry, grid_.Edges(), span, [&](std::size_t x, std::size_t y, const auto& around) {
+        geos::WorkLimit::Require();
+        if (!geometry->Mended() && geometry->Refusal().empty()) visit(x, y, around);
+    });
 }
 
 void GeometryCutter::CutAtTile(Long column, Long row, const std::shared_ptr<geos::Geometry>& around) {
@@ -45,7 +57,7 @@ void GeometryCutter::CutAtTile(Long column, Long row, const std::shared_ptr<geos
     if (around->GeometryType() != GeometryType::Polygon || !around->Covers(grid_.BoundsOf(column, row)))
         return;
     if (strict_) {
-        ++coveredLeftOut_;
+        coveredLeftOut_ += IsOwn(column, row) ? 1 : 0;
         leftOut_.emplace_back(column, row);
         return;
     }
@@ -66,7 +78,13 @@ void GeometryCutter::AddSections(const geos::Shape& line) {
 
 void GeometryCutter::Give(Long column, Long row, const geos::Geometry& piece) {
     placed_.emplace_back(column, row);
+    if (!IsOwn(column, row)) return;
+    ++given_;
     sink_(column, row, piece);
+}
+
+bool GeometryCutter::IsOwn(Long column, Long row) const {
+    return grid_.Own().Holds(static_cast<std::size_t>(column) - 1, static_cast<std::size_t>(row) - 1);
 }
 
 }  // namespace orvo::tiling

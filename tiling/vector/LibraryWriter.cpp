@@ -49,6 +49,7 @@ class LibraryWriter final : public PieceWriter {
         schema_.system = layer.SpatialReference();
         schema_.idField = added.id;
         schema_.tileField = added.tile;
+        schema_.date = layer.Modified();  // the same source makes the same files
     }
 
     std::string Extension() const override { return schema_.format.extension; }
@@ -61,11 +62,15 @@ class LibraryWriter final : public PieceWriter {
         KeepMostDemanding(feature);
     }
 
-    const std::string& Record(const std::string&, const geos::Geometry& piece) override {
-        const geos::Shape& shape = piece.Coordinates();
-        Note(shape);
-        const auto wkb = piece.ToWkb();
+    void Expect(const geos::Geometry& whole, const std::vector<unsigned char>& wkb, bool isCut) override {
+        const geos::Shape& shape = whole.Coordinates();
+        if (shape.type == GeometryType::Other || shape.IsEmpty()) return;
+        Note(shape, isCut);
         if (sampleShape_.empty() || wkb.size() < sampleShape_.size()) sampleShape_ = wkb;
+    }
+
+    const std::string& Record(const std::string&, const geos::Geometry& piece) override {
+        const auto wkb = piece.ToWkb();
         const Head head{id_, attributes_.size(), wkb.size()};
         record_.assign(reinterpret_cast<const char*>(&head), sizeof head);
         record_ += attributes_;
@@ -121,6 +126,22 @@ class LibraryWriter final : public PieceWriter {
         return notices;
     }
 
+    Json Findings() const override {
+        return {{"warnings", warnings_},
+                {"texts", texts_},
+                {"fields", changes_.fields},
+                {"others", changes_.others}};
+    }
+
+    void AddFindings(const Json& findings) override {
+        for (const auto& [sort, text] : findings.at("warnings").get<gdal::Warnings>())
+            warnings_.try_emplace(sort, text);
+        texts_.merge(findings.at("texts").get<std::set<std::string>>());
+        for (auto& [what, names] : findings.at("fields").get<decltype(changes_.fields)>())
+            changes_.fields[what].merge(std::set(names));
+        changes_.others.merge(findings.at("others").get<decltype(changes_.others)>());
+    }
+
   private:
     struct Head {
         std::int64_t id;
@@ -128,14 +149,15 @@ class LibraryWriter final : public PieceWriter {
         std::size_t wkb;
     };
 
-    void Note(const geos::Shape& shape) {
+    /// A cut may part a line or an area.
+    void Note(const geos::Shape& shape, bool isCut) {
         const bool single = shape.type == GeometryType::Point;
         schema_.points = schema_.points || single || shape.type == GeometryType::Multipoint;
         schema_.lines = schema_.lines || shape.type == GeometryType::Polyline;
         schema_.areas = schema_.areas || shape.type == GeometryType::Polygon;
         const std::size_t parts = shape.type == GeometryType::Polygon ? shape.AreaCount() : shape.PathCount();
         schema_.multi = schema_.multi || shape.isMulti || shape.type == GeometryType::Multipoint ||
-                        (!single && parts > 1);
+                        (!single && (parts > 1 || isCut));
         schema_.heights = schema_.heights || shape.hasZ;
         area_.Include(shape.Extent());
         const geos::Bounds around = area_.GrownBy(1, 1);  // also where there is only one point
@@ -219,7 +241,7 @@ class LibraryWriter final : public PieceWriter {
     }
 
     gdal::TileSchema schema_;
-    geos::Bounds area_;  ///< of all pieces
+    geos::Bounds area_;  ///< of all geometries
     gdal::Warnings warnings_;
     std::int64_t id_ = 0;
     std::string attributes_;

@@ -8,6 +8,7 @@
 
 #include "platform/gdal/VectorLayer.h"
 #include "tiling/output/GeoJson.h"
+#include "tiling/output/JsonText.h"
 #include "tiling/vector/geometry/Geometry.h"
 
 namespace orvo::tiling {
@@ -21,6 +22,11 @@ class PieceWriter {
     virtual bool WritesSideFiles() const = 0;
     /// The pieces that follow are this feature's.
     virtual void Begin(const OGRFeature& feature) = 0;
+    /// A geometry of the current feature, before it is cut. What the files are like depends on all of them,
+    /// wherever their pieces go.
+    /// @param wkb the same as ISO WKB @param isCut whether it lies in more than one tile
+    virtual void Expect(const geos::Geometry& /*whole*/, const std::vector<unsigned char>& /*wkb*/,
+                        bool /*isCut*/) {}
     /// A piece of the current feature as a record; valid until the next call.
     virtual const std::string& Record(const std::string& tile, const geos::Geometry& piece) = 0;
     /// Fails where the format cannot hold what the records hold. Called once, before the first file.
@@ -32,6 +38,10 @@ class PieceWriter {
     virtual void Write(const std::string& path, const std::string& tile, const RecordSource& records) = 0;
     /// What the files do not hold as the layer does, so far.
     virtual std::vector<std::string> Notices() const { return {}; }
+    /// The same as data, for another writer of the same layer, who then knows of both.
+    virtual Json Findings() const { return Json::object(); }
+    /// Fails with Json::exception where these are none.
+    virtual void AddFindings(const Json& /*findings*/) {}
 };
 
 /// Names of the fields that pieces get beside the source's own.

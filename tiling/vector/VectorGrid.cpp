@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "support/Arithmetic.h"
 #include "tiling/Errors.h"
@@ -152,15 +153,11 @@ geos::Bounds VectorGrid::BoundsOf(Long column, Long row) const {
 }
 
 geos::Bounds VectorGrid::Whole() const {
-    return {edges_.columns.front().low, edges_.rows.front().low, edges_.columns.back().high,
-            edges_.rows.back().high};
+    return geos::WholeOf(edges_);
 }
 
 void VectorGrid::ReachOut(const geos::Bounds& bounds) {
-    edges_.columns.front().low = std::min(edges_.columns.front().low, bounds.xMin);
-    edges_.columns.back().high = std::max(edges_.columns.back().high, bounds.xMax);
-    edges_.rows.front().low = std::min(edges_.rows.front().low, bounds.yMin);
-    edges_.rows.back().high = std::max(edges_.rows.back().high, bounds.yMax);
+    edges_ = geos::ReachingOut(std::move(edges_), bounds);
     const auto lastColumn = static_cast<Long>(plan_.columns);
     const auto lastRow = static_cast<Long>(plan_.rows);
     for (Long x = 1; x <= lastColumn; ++x) {
@@ -174,6 +171,13 @@ void VectorGrid::ReachOut(const geos::Bounds& bounds) {
 std::size_t IntervalOf(const std::vector<geos::Interval>& intervals, double place) {
     const auto above = std::ranges::upper_bound(intervals, place, {}, &geos::Interval::high);
     return static_cast<std::size_t>(std::min(above, intervals.end() - 1) - intervals.begin());
+}
+
+void VectorGrid::TakePart(const PartNumber& part) {
+    const CellRange own = PartOfRange({0, 0, plan_.columns, plan_.rows}, part);
+    const auto number = [](std::int64_t n) { return static_cast<std::size_t>(n); };
+    own_ = {number(own.column), number(own.column + own.columns), number(own.row),
+            number(own.row + own.rows)};
 }
 
 TileNumbers VectorGrid::Locate(const std::shared_ptr<geos::Geometry>& point) {

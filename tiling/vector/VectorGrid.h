@@ -8,6 +8,7 @@
 
 #include "platform/Vector.h"
 #include "tilevector/clsTileVector.h"
+#include "tiling/Parts.h"
 #include "tiling/output/PlacedTile.h"
 #include "tiling/vector/GridPlan.h"
 #include "tiling/vector/VectorJob.h"
@@ -32,6 +33,10 @@ class VectorGrid {
     clsTileVector& Tiles() { return tiles_; }
     /// The tiles' edges. Neighbours have theirs in common.
     const geos::TileGrid& Edges() const { return edges_; }
+    /// Leaves all tiles but those of a part to others. Fails with UsageError where the parts are too many.
+    void TakePart(const PartNumber& part);
+    /// The tiles that the run cuts.
+    const geos::TileSpan& Own() const { return own_; }
     /// Fails with RunError where there is none.
     std::shared_ptr<IEnvelope> TileAt(Long column, Long row);
     geos::Bounds BoundsOf(Long column, Long row) const;
@@ -56,6 +61,7 @@ class VectorGrid {
     bool byCounts_;
     clsTileVector tiles_;
     geos::TileGrid edges_;
+    geos::TileSpan own_;
 };
 
 /// The interval with the place, edges counting to the one above; the last one also holds its upper edge.

@@ -5,6 +5,7 @@
 
 #include "platform/Types.h"
 #include "tiling/Callbacks.h"
+#include "tiling/JobControl.h"
 #include "tiling/vector/VectorSummary.h"
 
 namespace orvo::tiling {
@@ -25,13 +26,11 @@ struct VectorGridJob {
     std::string prefix;  ///< before the tiles' identifiers
 };
 
-struct VectorJob : VectorGridJob {
+struct VectorJob : VectorGridJob, JobControl {
     std::string outdir;              ///< made where it is missing
     std::string format = "GeoJSON";  ///< name or extension
     bool strict = false;             ///< tiles that an area covers whole get nothing from it
     bool preview = false;            ///< writes a page that shows the features and tiles
-    bool overwrite = false;          ///< removes the files of earlier runs from `outdir` first
-    std::string program;             ///< name and version of the program, kept in job.json
 };
 
 /// Cuts the layer, writes the index and what else the job asks for, and accounts for each feature. Failures
@@ -41,6 +40,11 @@ struct VectorJob : VectorGridJob {
 /// Fails with UsageError where the job cannot be done as it stands, with RunError or RuntimeError where the
 /// source cannot be read; nothing is written then.
 VectorSummary CutVector(const VectorJob& job, const Callbacks& callbacks = {});
+
+/// Puts the parts of a job together: index, skipped features, page and summary as of one run. Reads the layer
+/// once more, and cuts nothing. Fails with RunError, and changes nothing, where parts or tiles are missing;
+/// its text names the commands that make them.
+VectorSummary MergeVector(const std::string& outdir, const Callbacks& callbacks = {});
 
 /// Where a point lies in a layer's grid.
 struct LocatedTile {

@@ -33,9 +33,10 @@ std::vector<std::string> VectorSummary::SkippedLines(bool quiet) const {
 }
 
 std::string VectorSummary::ResultLine() const {
-    return std::to_string(placed) + " of " + Counted(featuresIn, "feature") + " placed, as " +
-           Counted(pieces, "piece") + " in " + Counted(written, "tile") + " of " +
-           std::to_string(grid.columns) + " x " + std::to_string(grid.rows) + ", written to " + outdir;
+    return std::to_string(placed) + " of " + Counted(featuresIn, "feature") + " placed" +
+           (isPart ? " in this part" : "") + ", as " + Counted(pieces, "piece") + " in " +
+           Counted(written, "tile") + " of " + std::to_string(grid.columns) + " x " +
+           std::to_string(grid.rows) + ", written to " + outdir;
 }
 
 std::string VectorSummary::AsJson() const {
@@ -46,31 +47,35 @@ std::string VectorSummary::AsJson() const {
         failed.push_back({{"tile", failure.tile}, {"reason", failure.reason}});
     const std::int64_t total = grid.columns * grid.rows;
     const auto failureCount = static_cast<std::int64_t>(failures.size());
-    const Json summary{{"input", input},
-                       {"layer", layer},
-                       {"outdir", outdir},
-                       {"index", OrNull(index)},
-                       {"skipped_file", OrNull(skippedFile)},
-                       {"preview", OrNull(preview)},
-                       {"features", {{"in", featuresIn}, {"placed", placed}, {"skipped", Skipped()}}},
-                       {"skipped", reasons},
-                       {"pieces", pieces},
-                       {"covered_tiles_left_out", coveredLeftOut},
-                       {"grid",
-                        {{"columns", grid.columns},
-                         {"rows", grid.rows},
-                         {"tile_width", grid.width},
-                         {"tile_height", grid.height}}},
-                       {"tiles",
-                        {{"total", total},
-                         {"written", written},
-                         {"failed", failureCount},
-                         {"empty", total - occupied},
-                         {"not_reached", occupied - written - failureCount}}},
-                       {"failures", failed},
-                       {"notices", notices},
-                       {"errors", errors},
-                       {"interrupted", interrupted}};
+    const Json summary{
+        {"input", input},
+        {"layer", layer},
+        {"outdir", outdir},
+        {"index", OrNull(index)},
+        {"skipped_file", OrNull(skippedFile)},
+        {"preview", OrNull(preview)},
+        {"features",
+         {{"in", featuresIn},
+          {"placed", placed},
+          {isPart ? "not_in_this_part" : "skipped", isPart ? featuresIn - placed : Skipped()}}},
+        {"skipped", reasons},
+        {"pieces", pieces},
+        {"covered_tiles_left_out", coveredLeftOut},
+        {"grid",
+         {{"columns", grid.columns},
+          {"rows", grid.rows},
+          {"tile_width", grid.width},
+          {"tile_height", grid.height}}},
+        {"tiles",
+         {{"total", total},
+          {"written", written},
+          {"failed", failureCount},
+          {"empty", total - occupied},
+          {"not_reached", occupied - written - failureCount}}},
+        {"failures", failed},
+        {"notices", notices},
+        {"errors", errors},
+        {"interrupted", interrupted}};
     return TextOf(summary, 2) + "\n";
 }
 

@@ -30,6 +30,7 @@ class VectorSummary final : public Summary {
     std::int64_t written = 0;
     std::int64_t occupied = 0;  ///< tiles that some piece lies in
     std::vector<TileFailure> failures;
+    bool isPart = false;  ///< of the grid: what lies elsewhere is not known here
 
     std::int64_t Skipped() const;
     std::string AsJson() const override;

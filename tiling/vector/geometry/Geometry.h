@@ -43,6 +43,12 @@ class Geometry : public IGeometry, public IClone, public IRelationalOperator, pu
     /// Whether an area holds the whole rectangle. Where it does, the rectangle itself is the cut, though the
     /// predicates know of no relation unless the two are equal.
     bool Covers(const Bounds& rectangle) const;
+    /// Whether an area has a border that crosses or touches itself as no border may.
+    bool IsInvalid() const;
+
+    /// The same geometry, which knows already how it lies to the rectangle and what a cut to it leaves. Fails
+    /// as those questions do.
+    std::shared_ptr<Geometry> Foretold(const Bounds& rectangle) const;
 
     orvo::GeometryType GeometryType() const override { return state_.shape->type; }
     bool IsEmpty() const override {
@@ -56,11 +62,19 @@ class Geometry : public IGeometry, public IClone, public IRelationalOperator, pu
     void Clip(const std::shared_ptr<IEnvelope>& clipEnvelope) override;
 
   protected:
+    /// What is known beforehand about one rectangle.
+    struct Answers {
+        Bounds about;
+        std::optional<bool> within, crosses, overlaps, covers;
+        std::shared_ptr<const Shape> cut;
+    };
     struct State {
+        explicit State(const std::shared_ptr<const Shape>& alone) : shape(alone), whole(alone) {}
         std::shared_ptr<const Shape> shape;
         std::shared_ptr<const Shape> whole;  ///< before it was thinned out; else the same
         std::shared_ptr<const std::vector<unsigned char>> bytes;               ///< of type `Other` only
         std::shared_ptr<Mending> mending = std::make_shared<geos::Mending>();  ///< of the whole
+        std::shared_ptr<const Answers> answers;
     };
     explicit Geometry(State state) : state_(std::move(state)) {}
 
@@ -68,6 +82,9 @@ class Geometry : public IGeometry, public IClone, public IRelationalOperator, pu
     class Single;
     class Several;
     static std::shared_ptr<Geometry> Make(State state);
+    /// Null where nothing is known of the rectangle.
+    const Answers* AnswersOf(const Bounds& rectangle) const;
+    std::shared_ptr<const Shape> CutTo(const Bounds& rectangle) const;
 
     State state_;
 };

@@ -50,6 +50,7 @@ struct Bounds {
     Bounds GrownBy(double dx, double dy) const { return {xMin - dx, yMin - dy, xMax + dx, yMax + dy}; }
     void Include(const Coordinate& c);
     void Include(const Bounds& b);
+    bool operator==(const Bounds&) const = default;
 };
 
 /// Points, lines or areas. Points stand one by one; a line is one path; an area is a closed shell followed by

@@ -26,10 +26,14 @@ Span Meeting(const std::vector<Interval>& intervals, double low, double high) {
 
 class Splitter {
   public:
-    Splitter(const TileGrid& grid, const TileVisit& visit) : grid_(grid), visit_(visit) {}
+    Splitter(const TileGrid& grid, const TileSpan& wanted, const TileVisit& visit)
+        : grid_(grid), wanted_(wanted), visit_(visit) {}
 
     void Split(const std::shared_ptr<Geometry>& geometry, Span columns, Span rows) {
         if (columns.Size() == 0 || rows.Size() == 0 || geometry->IsEmpty()) return;
+        if (columns.begin >= wanted_.east || columns.end <= wanted_.west || rows.begin >= wanted_.north ||
+            rows.end <= wanted_.south)
+            return;
         if (columns.Size() * rows.Size() <= kFewTiles) return VisitAll(geometry, columns, rows);
         const Bounds range = RangeOf(columns, rows);
         const auto around = geometry->ReducedTo(
@@ -65,22 +69,41 @@ class Splitter {
     void VisitAll(const std::shared_ptr<Geometry>& around, Span columns, Span rows) {
         for (std::size_t row = rows.begin; row < rows.end; ++row)
             for (std::size_t column = columns.begin; column < columns.end; ++column)
-                if (around->Coordinates().MayMeet(RangeOf({column, column + 1}, {row, row + 1})))
+                if (wanted_.Holds(column, row) &&
+                    around->Coordinates().MayMeet(RangeOf({column, column + 1}, {row, row + 1})))
                     visit_(column, row, around);
     }
 
     const TileGrid& grid_;
+    const TileSpan& wanted_;
     const TileVisit& visit_;
 };
 
 }  // namespace
 
-void ForEachTile(const std::shared_ptr<Geometry>& geometry, const TileGrid& grid, const TileVisit& visit) {
+Bounds WholeOf(const TileGrid& grid) {
+    return {grid.columns.front().low, grid.rows.front().low, grid.columns.back().high, grid.rows.back().high};
+}
+
+TileGrid ReachingOut(TileGrid grid, const Bounds& bounds) {
+    grid.columns.front().low = std::min(grid.columns.front().low, bounds.xMin);
+    grid.columns.back().high = std::max(grid.columns.back().high, bounds.xMax);
+    grid.rows.front().low = std::min(grid.rows.front().low, bounds.yMin);
+    grid.rows.back().high = std::max(grid.rows.back().high, bounds.yMax);
+    return grid;
+}
+
+void ForEachTile(const std::shared_ptr<Geometry>& geometry, const TileGrid& grid, const TileSpan& span,
+                 const TileVisit& visit) {
     if (geometry->GeometryType() == GeometryType::Other || geometry->IsEmpty()) return;
-    const Bounds& extent = geometry->Extent();
-    Splitter(grid, visit)
-        .Split(geometry, Meeting(grid.columns, extent.xMin, extent.xMax),
-               Meeting(grid.rows, extent.yMin, extent.yMax));
+    const TileSpan met = TilesMeeting(grid, geometry->Extent());
+    Splitter(grid, span, visit).Split(geometry, {met.west, met.east}, {met.south, met.north});
+}
+
+TileSpan TilesMeeting(const TileGrid& grid, const Bounds& bounds) {
+    const Span columns = Meeting(grid.columns, bounds.xMin, bounds.xMax);
+    const Span rows = Meeting(grid.rows, bounds.yMin, bounds.yMax);
+    return {columns.begin, columns.end, rows.begin, rows.end};
 }
 
 }  // namespace orvo::geos

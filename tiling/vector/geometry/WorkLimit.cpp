@@ -12,11 +12,12 @@ namespace {
 
 thread_local const WorkLimit* innermost = nullptr;
 
-/// GEOS calls this a million times a second.
+/// GEOS calls this a million times a second. The library's own request to end is one for all threads, and
+/// might end another's work; what is thrown here ends this thread's call, and no other.
 void OnWork() {
     constexpr unsigned kCallsBetween = 64;
     thread_local unsigned calls = 0;
-    if (++calls % kCallsBetween == 0 && !WorkLimit::Reason().empty()) GEOS_interruptRequest();
+    if (++calls % kCallsBetween == 0) WorkLimit::Require();
 }
 
 }  // namespace
