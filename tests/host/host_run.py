@@ -70,6 +70,16 @@ class HostTest(unittest.TestCase):
     def names(self, folder="out"):
         return set(os.listdir(self.path(folder))) if os.path.isdir(self.path(folder)) else set()
 
+    @staticmethod
+    def contents(folder):
+        """Bytes by path of all that is in a folder; of job.json only that it is there."""
+        found = {}
+        for base, _, names in os.walk(folder):
+            for name in names:
+                with open(os.path.join(base, name), "rb") as file:
+                    found[os.path.relpath(os.path.join(base, name), folder)] = name == "job.json" or file.read()
+        return found
+
     def write(self, name, text):
         with open(self.path(name), "w") as file:
             file.write(text)

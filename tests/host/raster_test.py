@@ -99,16 +99,6 @@ class RasterTest(HostTest):
         index = ogr.Open(summary["index"])
         return index.GetLayer().GetSpatialRef().Clone()
 
-    @staticmethod
-    def contents(folder):
-        """Bytes by path of all that is in a folder; of job.json only that it is there."""
-        found = {}
-        for base, _, names in os.walk(folder):
-            for name in names:
-                with open(os.path.join(base, name), "rb") as file:
-                    found[os.path.relpath(os.path.join(base, name), folder)] = name == "job.json" or file.read()
-        return found
-
     def write_model(self, name, columns, rows, kind=gdal.GDT_Float32):
         """Heights in degrees with all that a band can say of itself, and without data in the first 30 x 30 cells."""
         system = osr.SpatialReference()

@@ -57,6 +57,25 @@ def blobs(seed, count, size=9):
             .Buffer(rng.uniform(0.5, size), 3).ExportToWkt() for _ in range(count)]
 
 
+def nasty(seed, count):
+    """Lines along edges and across, areas that cross themselves, parts, collections, and what is skipped."""
+    rng = random.Random(seed)
+
+    def path(corners, step, closed=False):
+        points = [(rng.uniform(0, 100), rng.uniform(0, 100)) for _ in range(corners)]
+        points = [(round(x / step) * step, round(y / step) * step) for x, y in points] if step else points
+        return "(" + ",".join(f"{x} {y}" for x, y in points + points[:closed]) + ")"
+
+    for n in range(count):
+        step = (0, 2.5, 10)[n % 3]
+        line = "LINESTRING " + path(rng.randint(2, 6), step)
+        area = f"POLYGON ({path(rng.choice((3, 4, 5, 6, 12)), step, True)})"
+        yield (line, area, area, f"MULTIPOINT {path(5, step)}", f"MULTILINESTRING ({path(4, step)},{path(3, 5)})",
+               f"GEOMETRYCOLLECTION ({line},{area},POINT (20 30))")[n // 3 % 6]
+    yield from (None, "POINT EMPTY", "LINESTRING (10 10,10 10)", square(0, 0, 100), square(-3, 40, 104),
+                f"POLYGON ({path(60, 0, True)})", f"POLYGON ({path(110, 0, True)})")
+
+
 class VectorTest(HostTest):
     def cut(self, *arguments, **options):
         return super().cut("vector", "-q", *arguments, **options)
@@ -335,6 +354,57 @@ class TreatmentsTest(VectorTest):
                   if fid == 3]
         self.assertAlmostEqual(sum(piece.GetArea() for piece in pieces), 900)
         self.assertIn("border", " ".join(summary["notices"]))
+
+
+class WaysTest(VectorTest):
+    """However many threads and machines, and however often it breaks: the same files."""
+
+    CASES = [["--tile-width", 10, "--tile-height", 10, "--preview"],
+             ["--columns", 13, "--rows", 4, "--strict", "--format", "gpkg", "--id", "a"],
+             ["--columns", 3, "--rows", 9, "--format", "GeoJSONSeq", "--preview"]]
+
+    def test_threads_and_parts(self):
+        source = write_layer(self.path("map.gpkg"), nasty(11, 90))
+        for number, options in enumerate(self.CASES):
+            one = self.cut(source, f"one{number}", *options, "--jobs", 1, exit_code=1)
+            whole = self.contents(self.path(f"one{number}"))
+            self.assertGreater(one["features"]["skipped"], 2)
+            for jobs in (2, 3, 8):
+                self.cut(source, f"jobs{number}", *options, "--jobs", jobs, "--overwrite", exit_code=1)
+                self.assertEqual(self.contents(self.path(f"jobs{number}")), whole, (options, jobs))
+            out = f"parts{number}"
+            job = list(map(str, ["vector", source, out, "-q", *options]))
+            running = [self.start(*job, "--part", f"{part}/4") for part in (4, 2, 1)]
+            self.assertEqual([process.communicate() and process.returncode for process in running], [0, 0, 0])
+            missing = self.run_tile("merge", out)
+            self.assertEqual((missing.returncode, missing.stderr.count("--part 3/4")), (1, 1), missing.stderr)
+            self.run_tile(*job, "--part", "3/4")
+            gone = json.loads(self.read(f"{out}/part-2-of-4.json"))["tiles"][0][0]
+            os.remove(self.path(out, gone))
+            missing = self.run_tile("merge", out)
+            self.assertEqual((missing.returncode, "1 tile of part 2 by " in missing.stderr), (1, True))
+            self.run_tile(*job, "--part", "2/4", "--resume")
+            merged = json.loads(self.run_tile("merge", out).stdout)
+            self.assertEqual(self.contents(self.path(out)), whole, options)
+            files = {"outdir", "index", "preview", "skipped_file", "stderr"}
+            self.assertEqual(*({key: value for key, value in summary.items() if key not in files}
+                               for summary in (merged, one)))
+
+    def test_resume(self):
+        source = write_layer(self.path("map.gpkg"), nasty(5, 150))
+        options = ["--columns", "20", "--rows", "20", "--preview"]
+        self.cut(source, "one", *options)
+        process = self.start("vector", source, "out", *options, "-q")
+        while process.poll() is None and sum(name.startswith("grp") for name in self.names()) < 9:
+            time.sleep(0.001)
+        process.kill()
+        process.communicate()
+        there = sum(name.startswith("grp") for name in self.names())
+        refused = self.run_tile("vector", source, "out", *options, "--resume", "--strict")
+        self.assertEqual((refused.returncode, "strict was" in refused.stderr), (2, True), refused.stderr)
+        self.cut(source, "out", *options, "--resume")
+        self.assertGreater(there, 8)
+        self.assertEqual(self.contents(self.path("out")), self.contents(self.path("one")))
 
 
 class UsageTest(VectorTest):
