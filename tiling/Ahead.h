@@ -110,9 +110,7 @@ class Ahead {
     std::int64_t Next() {
         std::unique_lock lock(mutex_);
         const auto most = static_cast<std::int64_t>(slots_.size());
-        const auto hasRoom = [&] {
-            return next_ < first_ + most && (next_ == first_ || size_ < mostSize_);
-        };
+        const auto hasRoom = [&] { return next_ < first_ + most && (next_ == first_ || size_ < mostSize_); };
         changed_.wait(lock, [&] { return stopped_ || next_ >= count_ || hasRoom(); });
         if (stopped_ || next_ >= count_) return -1;
         Slot& slot = SlotOf(next_);

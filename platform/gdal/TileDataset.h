@@ -69,6 +69,7 @@ class TileDataset {
 
     const TileSchema& schema_;
     ScopedOption date_;
+    ScopedOption oneThread_{"GDAL_NUM_THREADS", "1"};  ///< some formats would write on several
     std::string path_;
     std::string name_;
     CheckedFiles files_;

@@ -180,8 +180,8 @@ std::string VectorLayer::Modified() const {
         std::error_code failed;
         if (!fs::is_regular_file(file, failed)) continue;
         const auto time = std::chrono::file_clock::to_sys(fs::last_write_time(file, failed));
-        youngest = std::max(youngest, std::chrono::system_clock::to_time_t(
-                                          std::chrono::floor<std::chrono::seconds>(time)));
+        youngest = std::max(
+            youngest, std::chrono::system_clock::to_time_t(std::chrono::floor<std::chrono::seconds>(time)));
     }
     std::tm utc{};
     if (youngest == 0 || gmtime_r(&youngest, &utc) == nullptr) return "";

@@ -38,6 +38,10 @@ class EngineTest(unittest.TestCase):
         for band in (1, 2, 3):
             made.GetRasterBand(band).WriteRaster(0, 0, 200, 200, os.urandom(40000))
         made = None
+        squares = [f'{{"type":"Feature","properties":{{}},"geometry":{{"type":"Polygon","coordinates":[[[{x},{y}],[{x + 9},{y}],'
+                   f'[{x},{y + 9}],[{x},{y}]]]}}}}' for x in range(0, 200, 7) for y in range(0, 200, 11)]
+        with open(self.path("map.geojson"), "w") as file:
+            file.write('{"type":"FeatureCollection","features":[' + ",".join(squares) + "]}")
         # A program that kills itself at its first run of part 5.
         self.environment["ORVO_TILE"] = self.path("killed")
         with open(self.path("killed"), "w") as script:
@@ -48,17 +52,18 @@ class EngineTest(unittest.TestCase):
     def path(self, *names):
         return os.path.join(self.folder, *names)
 
-    def run_engine(self, script):
-        return subprocess.run([os.path.join(ENGINES, script), self.path("map.tif"), self.path("parts"), "8", *OPTIONS],
+    def run_engine(self, script, command, source, options):
+        return subprocess.run([os.path.join(ENGINES, script), command, source, self.path("parts"), "8", *options],
                               capture_output=True, text=True, env=self.environment, cwd=self.folder, timeout=100)
 
-    def check(self, script):
-        subprocess.run([ORVO_TILE, "raster", self.path("map.tif"), self.path("whole"), "-q", *OPTIONS], check=True,
+    def check(self, script, command="raster", name="map.tif", options=OPTIONS):
+        source = self.path(name)
+        subprocess.run([ORVO_TILE, command, source, self.path("whole"), "-q", *options], check=True,
                        stdout=subprocess.DEVNULL)
-        broken = self.run_engine(script)
+        broken = self.run_engine(script, command, source, options)
         self.assertNotEqual(broken.returncode, 0, broken.stderr)
         self.assertTrue(os.path.isdir(self.path("once")), broken.stderr)
-        done = self.run_engine(script)
+        done = self.run_engine(script, command, source, options)
         self.assertEqual(done.returncode, 0, done.stderr)
         whole = files(self.path("whole"))
         self.assertEqual(files(self.path("parts")), whole)
@@ -68,6 +73,9 @@ class EngineTest(unittest.TestCase):
 class ParallelTest(EngineTest):
     def test_parallel(self):
         self.check("parallel.sh")
+
+    def test_parallel_vector(self):
+        self.check("parallel.sh", "vector", "map.geojson", ["--columns", "12", "--rows", "20", "--preview"])
 
 
 CLUSTER = """ClusterName=test

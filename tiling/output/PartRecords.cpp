@@ -90,8 +90,7 @@ void PartRecords::ForEach(const std::function<void(const Json& record)>& take) c
 void PartRecords::RequireNone(const std::map<int, std::int64_t>& missing) const {
     std::string list;
     for (const auto& [part, count] : missing)
-        AddMember(list,
-                  Counted(count, "tile") + " of part " + std::to_string(part) + " by " + Remedy(part));
+        AddMember(list, Counted(count, "tile") + " of part " + std::to_string(part) + " by " + Remedy(part));
     if (!list.empty()) throw RunError("tiles are missing; make them, then merge again: " + list);
 }
 

@@ -14,8 +14,7 @@ Json SourceStamps(const std::vector<std::string>& files) {
         const fs::path path = fs::weakly_canonical(file, failed);
         if (!fs::is_regular_file(path, failed)) continue;
         const auto time = std::chrono::file_clock::to_sys(fs::last_write_time(path, failed));
-        const auto sinceEpoch =
-            std::chrono::duration_cast<std::chrono::nanoseconds>(time.time_since_epoch());
+        const auto sinceEpoch = std::chrono::duration_cast<std::chrono::nanoseconds>(time.time_since_epoch());
         stamps[path.string()] = {{"size", fs::file_size(path, failed)}, {"modified", sinceEpoch.count()}};
     }
     return stamps;

@@ -17,8 +17,8 @@ namespace orvo::tiling {
 /// What the component cuts in one run.
 constexpr std::int64_t kMostTiles = 999;
 
-/// Tiles of equal size in pixels, counted from an upper left corner, which is the layer's or lies above and left of
-/// it. All places are worked out from the layer's own geotransform, so nothing accumulates.
+/// Tiles of equal size in pixels, counted from an upper left corner, which is the layer's or lies above and
+/// left of it. All places are worked out from the layer's own geotransform, so nothing accumulates.
 class RasterGrid {
   public:
     /// Fails with UsageError where a tile's size in pixels is 0 or does not fit into 32 bits, where the clip

@@ -6,12 +6,14 @@
 
 #include "platform/FailureInFlight.h"
 #include "platform/files/PartFile.h"
+#include "platform/gdal/DecoderThreads.h"
 #include "platform/gdal/ImageComparison.h"
 #include "platform/gdal/RasterIO.h"
 #include "platform/raster/ImageFormat.h"
 #include "platform/utility/Converter.h"
 #include "support/SystemPath.h"
 #include "support/Text.h"
+#include "tiling/Ahead.h"
 #include "tiling/Errors.h"
 #include "tiling/Paths.h"
 #include "tiling/output/Rectangles.h"
@@ -78,6 +80,15 @@ void RefuseProgram(gdal::RasterLayer& layer, const std::string& program) {
                          " bands" + remedy + ", or choose some with --bands");
 }
 
+/// Shares the job's threads: where the library decodes on its own, it gets half of them and one, for who
+/// reads waits meanwhile; never more than the job's in sum. @return threads that make tiles ahead
+int ShareThreads(gdal::RasterLayer& layer, int jobs) {
+    const int threads = ThreadsOf(jobs);
+    const int decoders = gdal::DecodesOnThreads(layer.Dataset()) ? std::min(threads, threads / 2 + 1) : 1;
+    gdal::SetDecoderThreads(decoders);
+    return ThreadsAhead(threads + 1 - decoders);
+}
+
 /// The cells of one window for one conversion.
 class Conversion final : public IRasterIO {
   public:
@@ -115,7 +126,11 @@ class Conversion final : public IRasterIO {
 }  // namespace
 
 TileMaker::TileMaker(std::shared_ptr<gdal::RasterLayer> layer, const RasterJob& job, const RasterGrid& grid)
-    : layer_(std::move(layer)), job_(job), extension_(FormatOf(job).extension), files_(gdal::NewRasterIO()) {
+    : layer_(std::move(layer)),
+      job_(job),
+      threadsAhead_(ShareThreads(*layer_, job.jobs)),
+      extension_(FormatOf(job).extension),
+      files_(gdal::NewRasterIO()) {
     gdal::TileStyle style;
     style.format = FormatOf(job);
     style.quality = job.quality;

@@ -38,6 +38,8 @@ class TileMaker final : public IRasterIO {
     bool NeedsPlace() const { return needsPlace_; }
     /// What the tiles will not keep of the source.
     std::vector<std::string> Notices();
+    /// Threads that may make tiles ahead of the component; 0 for none.
+    int ThreadsAhead() const { return threadsAhead_; }
     /// How cells were brought to 8 bits, known once a tile was made; empty where they were not.
     std::string StretchSaid();
 
@@ -92,6 +94,7 @@ class TileMaker final : public IRasterIO {
 
     std::shared_ptr<gdal::RasterLayer> layer_;
     const RasterJob& job_;
+    int threadsAhead_;
     std::string extension_;
     WriterPtr writer_;                  ///< of the tiles; null where only the converter knows the format
     WriterPtr source_;                  ///< of what a converter gets; null without one

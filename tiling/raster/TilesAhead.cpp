@@ -43,8 +43,12 @@ TilesAhead::TilesAhead(const BlockInWork& block, const CellPlan& plan, TileMaker
           }
           return names;
       }()),
-      ahead_(plan.Count(), ThreadsAhead(job.jobs), {TilesThatWait(job, block.layer, maker)},
-             [this](std::int64_t cell) { return Ahead<ReadyTile>::Begun{Begin(cell)}; }) {}
+      ahead_(plan.Count(), maker.ThreadsAhead(), {TilesThatWait(job, block.layer, maker)},
+             [this](std::int64_t cell) {
+                 Ahead<ReadyTile>::Begun begun;
+                 begun.finish = Begin(cell);
+                 return begun;
+             }) {}
 
 std::optional<ReadyTile> TilesAhead::Take(std::int64_t cell, const raster::TileWindow& window) {
     std::optional<ReadyTile> ready = ahead_.Take(cell, callbacks_.interrupted);

@@ -91,7 +91,7 @@ void FeaturesAhead::FollowEdges(const OGRFeature& feature) {
 }
 
 FeaturesAhead::BatchAhead::Begun FeaturesAhead::Begin() {
-    const auto batch = std::make_shared<Batch>();
+    auto batch = std::make_shared<Batch>();
     const std::size_t size = Fill(*batch);
     return {[this, batch] {
                 for (std::size_t i = 0; i < batch->features.size(); ++i)
