@@ -611,6 +611,26 @@ class FolderTest(RasterTest):
         summary = self.cut("map.png", out, "--tile-size", 20, "--overwrite")
         self.assertEqual(self.names(out), set(self.index_of(summary)) | {"tiles.geojson", "job.json"})
 
+    def test_two_runs_four_parts_and_a_merge_at_once(self):
+        write_raster(self.path("crowd.tif"), 300, 200)
+        self.write("crowd.geojson", json.dumps({"type": "FeatureCollection", "features": [
+            {"type": "Feature", "properties": {}, "geometry": {"type": "Point", "coordinates": [n % 97, n % 89]}}
+            for n in range(3000)]}))
+        for command, source, size in (("raster", "crowd.tif", "--tile-pixels"), ("vector", "crowd.geojson", "--tile-width")):
+            job = [command, source, "crowd", "-q", size, "10", *(["--tile-height", "10"] if command == "vector" else [])]
+            self.assertEqual(self.run_tile(*job[:2], "alone", *job[3:]).returncode, 0)
+            for _ in range(4):
+                parts = [["--part", f"{part}/4"] for part in range(1, 5)]
+                runs = [self.start(*job, *more) for more in ([], *parts, [])] + [self.start("merge", "crowd")]
+                ends = [run.communicate(timeout=60) and run.returncode for run in runs]
+                self.assertLessEqual(set(ends), {0, 1, 2})
+                if not os.path.exists(self.path("crowd", "tiles.geojson")):
+                    self.assertEqual([self.run_tile(*job, *part).returncode for part in parts], [0] * 4)
+                    self.assertEqual(self.run_tile("merge", "crowd").returncode, 0)
+                self.assertEqual(self.contents(self.path("crowd")), self.contents(self.path("alone")))
+                shutil.rmtree(self.path("crowd"))
+            shutil.rmtree(self.path("alone"))
+
     def test_failures_are_made_up_for_by_resume(self):
         slow = self.script("cut", 'cp "$1" "$2"')
         command = ["map.png", "out", "--tile-pixels", 5, "--format", "heic", "--world-files", "--converter", slow]

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -91,11 +92,15 @@ void WorkFolder::Publish(const std::vector<std::string>& from, const Entry& name
             Make(outdir_ + "/" + name.substr(0, slash));
     }
     Note(names);
-    for (std::size_t i = names.size(); i-- > 0;) {
-        if (MoveNew(from[i], outdir_ + "/" + names[i])) continue;
-        for (std::size_t moved = names.size() - 1; moved > i; --moved)
-            MoveNew(outdir_ + "/" + names[moved], from[moved]);
-        RefuseTaken(names[i]);
+    std::size_t left = names.size();
+    try {
+        for (; left > 0; --left) {
+            if (!MoveNew(from[left - 1], outdir_ + "/" + names[left - 1])) RefuseTaken(names[left - 1]);
+        }
+    } catch (...) {
+        for (; left < names.size(); ++left)
+            std::rename((outdir_ + "/" + names[left]).c_str(), from[left].c_str());
+        throw;
     }
 }
 

@@ -292,12 +292,17 @@ class RasterRun {
         summary_.failures.push_back({account_.ColumnOf(tile), account_.RowOf(tile), std::move(reason)});
     }
 
-    /// An exported TIFF that could not be converted is kept under its tile's name.
+    /// An exported TIFF that could not be converted is kept under its tile's name, unless that is what the
+    /// tile itself is called, or an empty file stands for it.
     void KeepLeftovers(std::int64_t tile, const CellRecord& record) {
         for (const utility::WrittenImage& image : record.images) {
             std::error_code missing;
             if (!image.extent || !fs::is_regular_file(image.path, missing)) continue;
             const std::string name = account_.StemOf(tile) + ".tif";
+            if (name == account_.NameOf(tile) || fs::file_size(image.path, missing) == 0) {
+                Remove(image.path);
+                continue;
+            }
             try {
                 work_->Publish({image.path}, {name});
                 summary_.leftovers.push_back(name);
