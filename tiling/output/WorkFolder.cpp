@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -98,8 +97,8 @@ void WorkFolder::Publish(const std::vector<std::string>& from, const Entry& name
             if (!MoveNew(from[left - 1], outdir_ + "/" + names[left - 1])) RefuseTaken(names[left - 1]);
         }
     } catch (...) {
-        for (; left < names.size(); ++left)
-            std::rename((outdir_ + "/" + names[left]).c_str(), from[left].c_str());
+        std::error_code ignored;
+        for (; left < names.size(); ++left) fs::rename(outdir_ + "/" + names[left], from[left], ignored);
         throw;
     }
 }
