@@ -3,6 +3,7 @@
 
 #include <array>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,9 @@ class RasterLayer final : public IRasterLayer,
     GDALDataset& DatasetForRows();
     /// Opens the source anew after a failed read, for the library may then hold cells that it never read.
     void Reopen();
+    /// Held by who reads, where several threads do, and while a dataset that refers to this one is written or
+    /// destroyed; whoever opens anew has it too.
+    std::mutex& Reading() const { return reading_; }
     /// Left edge, cell width, 0, top edge, 0, minus cell height, in map units.
     const std::array<double, 6>& GeoTransform() const { return transform_; }
     bool IsGeoreferenced() const { return georeferenced_; }
@@ -78,6 +82,7 @@ class RasterLayer final : public IRasterLayer,
     std::array<double, 6> transform_{};
     bool georeferenced_ = false;
     bool contained_ = false;
+    mutable std::mutex reading_;
 };
 
 /// Opens raster files, or rasters inside containers by the names that the library gives them. Several must

@@ -216,7 +216,7 @@ std::shared_ptr<TileInWork> TileWriter::NewTile(const std::string& name) {
 }
 
 std::shared_ptr<TileInWork> TileWriter::Read(const TileWindow& window, const std::string& name) {
-    const std::lock_guard lock(reading_);
+    const std::lock_guard lock(encoder_.Layer().Reading());
     std::shared_ptr<TileInWork> tile = NewTile(name);
     encoder_.Read(window, [&] {
         if (known_) {
@@ -241,20 +241,20 @@ std::vector<MadeFile> TileWriter::Write(TileInWork& tile) {
 }
 
 std::string TileWriter::MakeTiff(const TileWindow& window) {
-    const std::lock_guard lock(reading_);
+    const std::lock_guard lock(encoder_.Layer().Reading());
     const auto bytes = encoder_.Encode(window, raster::ImageFormat::Tiff, style_.quality);
     return {bytes.begin(), bytes.end()};
 }
 
 bool TileWriter::IsBlank(const TileWindow& window) {
-    const std::lock_guard lock(reading_);
+    const std::lock_guard lock(encoder_.Layer().Reading());
     bool blank = false;
     encoder_.Read(window, [&] { blank = encoder_.Reader().IsBlank(window); });
     return blank;
 }
 
 Stretch TileWriter::LayerStretch() {
-    const std::lock_guard lock(reading_);
+    const std::lock_guard lock(encoder_.Layer().Reading());
     return encoder_.Reader().LayerStretch();
 }
 

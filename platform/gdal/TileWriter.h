@@ -108,7 +108,6 @@ class TileWriter {
     PictureKind kind_;
     Treatment treatment_;
     std::vector<int> alike_;  ///< all bands, where they have one type and no mask of their own; else empty
-    std::mutex reading_;
     std::mutex resting_;
     std::vector<std::unique_ptr<TileInWork>> idle_;  ///< for later tiles
 };
