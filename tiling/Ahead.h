@@ -151,7 +151,7 @@ class Ahead {
             Slot& slot = SlotOf(index);
             if (slot.index != index) continue;  // it was given up
             slot.result = std::move(result);
-            slot.failure = failure;
+            slot.failure = std::move(failure);
             slot.done = true;
             changed_.notify_all();
         }
