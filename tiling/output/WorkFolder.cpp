@@ -97,8 +97,11 @@ void WorkFolder::Publish(const std::vector<std::string>& from, const Entry& name
             if (!MoveNew(from[left - 1], outdir_ + "/" + names[left - 1])) RefuseTaken(names[left - 1]);
         }
     } catch (...) {
-        std::error_code ignored;
-        for (; left < names.size(); ++left) fs::rename(outdir_ + "/" + names[left], from[left], ignored);
+        for (; left < names.size(); ++left) {
+            std::error_code failed;
+            fs::rename(outdir_ + "/" + names[left], from[left], failed);
+            kept_ = kept_ || failed;
+        }
         throw;
     }
 }

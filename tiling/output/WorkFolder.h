@@ -36,6 +36,8 @@ class WorkFolder {
     const std::string& Path() const { return path_; }
     /// The folder stays behind with its journal, for what is in OUTDIR stands nowhere else.
     void Keep() { kept_ = true; }
+    /// That was asked for, or files could not be moved back.
+    bool IsKept() const { return kept_; }
 
     /// Moves files to OUTDIR, the first one last. Fails with RunError where one of the names is taken, and
     /// then moves none.

@@ -92,7 +92,7 @@ class RasterRun {
             folder.RemoveIfUnused();
             throw;
         }
-        if (summary_.LeavesNothing()) {
+        if (summary_.LeavesNothing() && !keepsJournal_) {
             folder.RemoveJob();
             folder.RemoveIfUnused();
         }
@@ -122,6 +122,7 @@ class RasterRun {
         if (job_.part.parts > 0) WriteRecord();
         const bool named = !summary_.index.empty() || recorded_;
         if (summary_.written > 0 && !named && work_) work_->Keep();
+        keepsJournal_ = work_ && work_->IsKept();
         work_.reset();
     }
 
@@ -361,6 +362,7 @@ class RasterRun {
     const PartRecords* parts_;
     const PartNumber part_ = job_.part;
     bool recorded_ = false;
+    bool keepsJournal_ = false;  ///< and so the job
     RasterPlan plan_;
     TileAccount& account_ = plan_.Account();
     std::string wkt_ = plan_.Layer().SpatialReference();

@@ -97,10 +97,10 @@ class VectorRun {
         drafts_.reset();
         spool_.reset();
         const bool isNamed = !summary_.index.empty() || isRecorded_;
-        const bool unnamed = !isNamed && !tiles_.All().empty();
-        if (unnamed && work_) work_->Keep();
+        if (work_ && !isNamed && !tiles_.All().empty()) work_->Keep();
+        const bool keepsJournal = work_ && work_->IsKept();
         work_.reset();
-        if (!isNamed && !unnamed) folder.RemoveJob();
+        if (!isNamed && !keepsJournal) folder.RemoveJob();
         if (records_ != nullptr && !summary_.index.empty()) folder.RemoveRecords(records_->Names());
         folder.RemoveIfUnused();
     }
