@@ -46,7 +46,8 @@ class FaultsTest(HostTest):
 
     def attempt(self, command, answer, call, lasting):
         """Exit code, standard output and standard error of a run with one fault in it."""
-        environment = {**self.environment, "LD_PRELOAD": os.environ["FAULTS"], "FAULTS_FOLDER": "/out",
+        folder, shim = os.path.split(os.environ["FAULTS"])  # a blank ends a path in LD_PRELOAD
+        environment = {**self.environment, "LD_PRELOAD": shim, "LD_LIBRARY_PATH": folder, "FAULTS_FOLDER": "/out",
                        "FAULTS_CALL": str(call), "FAULTS_LASTING": str(int(lasting)), "FAULTS_COUNT": self.path("count")}
         policy = [] if answer == "retry" else ["--on-error", answer]
         limits = {"cwd": self.folder, "env": environment, "text": True, "stdout": subprocess.PIPE}
